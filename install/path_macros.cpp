@@ -1,0 +1,44 @@
+#include "install/path_macros.h"
+
+#include <cstddef>
+
+#include "platform/files.h"
+#include "platform/system.h"
+#include "script/replace.h"
+
+namespace modFunciones {
+namespace {
+
+constexpr std::size_t FolderBufferSize = 255;
+
+std::string QueryFolder(std::size_t (*query)(std::string& buffer)) {
+  std::string buffer(FolderBufferSize, ' ');
+  const std::size_t length = query(buffer);
+  return length <= buffer.size() ? buffer.substr(0, length) : "";
+}
+
+}  // namespace
+
+std::string GetWindowsDir() {
+  return QueryFolder(platform::system::WindowsDirectory);
+}
+
+std::string GetSystemDir() {
+  return QueryFolder(platform::system::SystemDirectory);
+}
+
+std::string ExpandMacros(std::string_view value) {
+  std::string expanded = ReplaceAll(value, "$WinPath", GetWindowsDir());
+  expanded = ReplaceAll(expanded, "$WinSysPath", GetSystemDir());
+  return ReplaceAll(expanded, "$AppPath", platform::system::ExecutableFolder());
+}
+
+void CreateFolderPath(std::string_view path) {
+  for (auto at = path.find('\\'); at != std::string_view::npos; at = path.find('\\', at + 1)) {
+    const auto folder = path.substr(0, at + 1);
+    // The download that follows fails and is reported when the folder is not there.
+    if (!platform::files::FolderExists(folder)) (void)platform::files::CreateFolder(folder);
+  }
+}
+
+}  // namespace modFunciones

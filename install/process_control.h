@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace modKillApp {
+
+/// Ends every process whose executable file name ends with the given name, letter case aside. True
+/// when at least one matched, whether or not it could be ended. An empty name matches nothing.
+bool KillApp(std::string_view name);
+
+/// Ends one process, with the debug privilege on for the duration of the call. True when it was
+/// terminated.
+bool KillProcess(std::uint32_t id, std::uint32_t exitCode);
+
+}  // namespace modKillApp
+
+namespace modFunciones {
+
+/// Waits until a process has ended, for one poll of 100 milliseconds at least. Yields at every
+/// poll.
+void WaitForProcess(std::uint32_t id);
+
+}  // namespace modFunciones

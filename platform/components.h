@@ -1,0 +1,37 @@
+#pragma once
+
+// Component libraries and the worker threads that run their entry points. An empty object is
+// failure; each object is closed by its owner's end unless it is released from it.
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+namespace platform::components {
+
+struct FreeComponent {
+  void operator()(void* library) const;
+};
+using Library = std::unique_ptr<void, FreeComponent>;
+
+struct CloseWorker {
+  void operator()(void* worker) const;
+};
+/// Closing a worker does not end it.
+using Worker = std::unique_ptr<void, CloseWorker>;
+
+/// A function without parameters, called in the system's convention for component entries.
+using EntryPoint = void*;
+
+[[nodiscard]] Library Load(std::string_view path);
+
+/// Null when the library has no such entry.
+[[nodiscard]] EntryPoint FindEntryPoint(const Library& library, std::string_view name);
+
+/// Starts a thread that runs the entry point once.
+[[nodiscard]] Worker StartWorker(EntryPoint entryPoint);
+
+/// Blocks until the worker has ended, at most for that long; true when it has ended.
+[[nodiscard]] bool WaitForEnd(const Worker& worker, std::uint32_t milliseconds);
+
+}  // namespace platform::components

@@ -1,0 +1,62 @@
+#pragma once
+
+// Files, folders and disk space. Paths are texts as the system takes them; functions return false
+// (an empty object, an empty list) on failure and show nothing. A File is closed by its owner's
+// end.
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform::files {
+
+/// Paths of the plain files that match; the last component may hold "*" and "?". Folders, hidden
+/// files and system files are passed over. A path that the system rejects matches nothing.
+/// Windows: FindFirstFileA.
+[[nodiscard]] std::vector<std::string> Find(std::string_view pattern);
+
+/// True when the path, taken without wildcards, names anything that is not a folder.
+[[nodiscard]] bool IsFile(std::string_view path);
+
+[[nodiscard]] bool Delete(std::string_view path);
+
+/// Renames a file or moves it to another folder; never overwrites.
+[[nodiscard]] bool Rename(std::string_view oldPath, std::string_view newPath);
+
+[[nodiscard]] bool FolderExists(std::string_view path);
+[[nodiscard]] bool CreateFolder(std::string_view path);
+
+struct CloseFile {
+  void operator()(void* file) const;
+};
+using File = std::unique_ptr<void, CloseFile>;
+
+[[nodiscard]] File OpenForReading(std::string_view path);
+
+/// Creates the file, or empties the one that is there.
+[[nodiscard]] File Create(std::string_view path);
+
+/// Length in bytes.
+[[nodiscard]] std::optional<std::int64_t> Length(const File& file);
+
+/// Fills the whole buffer from the current position; false when the file ends before.
+[[nodiscard]] bool Read(const File& file, std::string& buffer);
+
+/// Writes all of the bytes at the current position.
+[[nodiscard]] bool Write(const File& file, std::string_view bytes);
+
+/// What the system says of a volume; all 0 on failure.
+struct DiskSpace {
+  std::uint32_t sectorsPerCluster = 0;
+  std::uint32_t bytesPerSector = 0;
+  std::uint32_t freeClusters = 0;
+  std::uint32_t totalClusters = 0;
+};
+
+/// root: root folder of the volume, such as C:/. Windows: GetDiskFreeSpaceA.
+[[nodiscard]] DiskSpace QueryDiskSpace(std::string_view root);
+
+}  // namespace platform::files

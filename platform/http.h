@@ -1,0 +1,58 @@
+#pragma once
+
+// HTTP requests. The operations and their numbers are those of WinINet: an empty handle or false is
+// failure, an empty text argument means "none", and each handle is closed by its owner's end, which
+// has to come before that of the handle it was opened from.
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform::http {
+
+struct CloseInternetHandle {
+  void operator()(void* handle) const;
+};
+using Handle = std::unique_ptr<void, CloseInternetHandle>;
+
+/// True when the system knows itself to be without a connection. Windows: InetIsOffline(0).
+[[nodiscard]] bool IsOffline();
+
+/// accessType: 0 is INTERNET_OPEN_TYPE_PRECONFIG, the system's proxy settings.
+[[nodiscard]] Handle OpenRoot(std::string_view userAgent, std::int32_t accessType,
+                              std::string_view proxy);
+
+[[nodiscard]] Handle Connect(const Handle& root, std::string_view host, std::uint16_t port);
+
+/// version: such as "HTTP/1.0". Redirections are followed.
+[[nodiscard]] Handle OpenRequest(const Handle& connection, std::string_view verb,
+                                 std::string_view objectName, std::string_view version,
+                                 std::string_view referrer);
+
+/// Adds header lines, each replacing one of the same name.
+[[nodiscard]] bool AddRequestHeaders(const Handle& request, std::string_view headers);
+
+/// Sends the request and reads the head of the answer. It blocks.
+[[nodiscard]] bool Send(const Handle& request, std::string_view optionalData);
+
+/// Writes the text of a value of the answer into the buffer and its length into length, which holds
+/// the room offered before. infoLevel: an HTTP_QUERY_ selector. False when the answer does not
+/// carry the value or the room is too small.
+[[nodiscard]] bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
+                             std::int32_t& length);
+
+/// Starts a GET of an absolute URL; redirections are followed. It blocks until the head of the
+/// answer is there, whatever its status.
+[[nodiscard]] Handle OpenUrl(const Handle& root, std::string_view url);
+
+/// Length of the body in bytes as the answer to OpenUrl announces it; nothing when it announces
+/// none.
+[[nodiscard]] std::optional<std::int64_t> AnnouncedLength(const Handle& url);
+
+/// Reads up to size bytes of the body into the buffer; 0 bytes are its end. It blocks.
+[[nodiscard]] bool Read(const Handle& url, char* buffer, std::uint32_t size,
+                        std::uint32_t& bytesRead);
+
+}  // namespace platform::http

@@ -1,0 +1,71 @@
+#pragma once
+
+// Other processes, and waiting. Ids, access rights, attributes and exit codes are the 32-bit
+// numbers of the Windows calls of the same names; an empty object or false is failure. Each object
+// is closed by its owner's end.
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform::processes {
+
+struct CloseSystemHandle {
+  void operator()(void* handle) const;
+};
+using Snapshot = std::unique_ptr<void, CloseSystemHandle>;
+using Process = std::unique_ptr<void, CloseSystemHandle>;
+using Token = std::unique_ptr<void, CloseSystemHandle>;
+
+/// One entry of a snapshot: the process id and the file name of its executable.
+struct Entry {
+  std::uint32_t id = 0;
+  std::string fileName;
+};
+
+/// kind: 2 is TH32CS_SNAPPROCESS, all processes.
+[[nodiscard]] Snapshot TakeSnapshot(std::uint32_t kind);
+[[nodiscard]] bool FirstEntry(const Snapshot& snapshot, Entry& entry);
+[[nodiscard]] bool NextEntry(const Snapshot& snapshot, Entry& entry);
+
+/// GetVersion as a signed number: negative on systems that are not of the NT family.
+[[nodiscard]] std::int32_t SystemVersion();
+
+[[nodiscard]] Token OpenOwnToken(std::uint32_t access);
+
+/// Locally unique id of a privilege on this system.
+using PrivilegeId = std::uint64_t;
+[[nodiscard]] std::optional<PrivilegeId> LookUpPrivilege(std::string_view name);
+
+/// attributes: 2 (SE_PRIVILEGE_ENABLED) or 0.
+[[nodiscard]] bool AdjustPrivilege(const Token& token, PrivilegeId privilege,
+                                   std::uint32_t attributes);
+
+[[nodiscard]] Process Open(std::uint32_t access, std::uint32_t id);
+
+/// Ends a process and returns once it is gone and has let go of its files, after 5 seconds at the
+/// most. False when it may not be ended.
+[[nodiscard]] bool Terminate(const Process& process, std::uint32_t exitCode);
+
+/// exitCode: 259 (STILL_ACTIVE) while the process runs.
+[[nodiscard]] bool ExitCode(const Process& process, std::uint32_t& exitCode);
+
+/// True when the process has ended, whatever its exit code; asks for the right 0x100000
+/// (SYNCHRONIZE).
+[[nodiscard]] bool HasEnded(const Process& process);
+
+/// A program that was started. Its id is not given to another process while this object lives.
+struct StartedProgram {
+  Process process;
+  std::uint32_t id = 0;
+};
+
+/// Starts a program with its parameters; showValue is a SW_ value of ShowWindow.
+[[nodiscard]] std::optional<StartedProgram> Start(std::string_view commandLine, int showValue);
+
+/// Blocks the thread.
+void Sleep(std::uint32_t milliseconds);
+
+}  // namespace platform::processes

@@ -1,0 +1,39 @@
+#pragma once
+
+// The process itself and the machine it runs on. Texts are in the program's code page; an empty
+// text is the failure value.
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace platform::system {
+
+/// Everything that follows the program's own name on its command line, as written.
+[[nodiscard]] std::string CommandLineText();
+
+/// Folder of the running executable, without a trailing backslash (a drive root keeps its own).
+[[nodiscard]] std::string ExecutableFolder();
+
+/// File name of the running executable without its extension.
+[[nodiscard]] std::string ExecutableBaseName();
+
+/// Writes the Windows folder (the system folder) into the buffer and returns the number of
+/// characters written, 0 on failure, or more than the buffer's size when it does not fit.
+/// Windows: GetWindowsDirectoryA, GetSystemDirectoryA.
+[[nodiscard]] std::size_t WindowsDirectory(std::string& buffer);
+[[nodiscard]] std::size_t SystemDirectory(std::string& buffer);
+
+/// Decimal separator of the user's locale, such as "," or ".".
+[[nodiscard]] std::string DecimalSeparator();
+
+/// Opens a file through the shell, owned by the desktop window; showValue is a SW_ value of
+/// ShowWindow. Returns the shell's code, above 32 on success.
+std::int32_t OpenWithShell(std::string_view verb, std::string_view file,
+                           std::string_view parameters, std::string_view folder, int showValue);
+
+/// Ends the process at once with exit code 0: nothing else of the program runs, open files are
+/// closed, other threads are not waited for.
+[[noreturn]] void EndProcess();
+
+}  // namespace platform::system

@@ -1,0 +1,45 @@
+#include "platform/components.h"
+
+#include <windows.h>
+
+#include <string>
+
+namespace platform::components {
+namespace {
+
+using ComponentEntry = HRESULT WINAPI();
+
+/// A thread's start routine has one parameter more than a component's entry point.
+DWORD WINAPI RunEntryPoint(void* entryPoint) {
+  return static_cast<DWORD>(reinterpret_cast<ComponentEntry*>(entryPoint)());
+}
+
+}  // namespace
+
+void FreeComponent::operator()(void* library) const {
+  FreeLibrary(static_cast<HMODULE>(library));
+}
+
+void CloseWorker::operator()(void* worker) const {
+  CloseHandle(worker);
+}
+
+Library Load(std::string_view path) {
+  return Library(LoadLibraryA(std::string(path).c_str()));
+}
+
+EntryPoint FindEntryPoint(const Library& library, std::string_view name) {
+  return reinterpret_cast<EntryPoint>(
+      GetProcAddress(static_cast<HMODULE>(library.get()), std::string(name).c_str()));
+}
+
+Worker StartWorker(EntryPoint entryPoint) {
+  DWORD id = 0;
+  return Worker(CreateThread(nullptr, 0, RunEntryPoint, entryPoint, 0, &id));
+}
+
+bool WaitForEnd(const Worker& worker, std::uint32_t milliseconds) {
+  return WaitForSingleObject(worker.get(), milliseconds) == WAIT_OBJECT_0;
+}
+
+}  // namespace platform::components

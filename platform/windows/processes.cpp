@@ -1,0 +1,107 @@
+#include "platform/processes.h"
+
+#include <windows.h>
+
+#include <tlhelp32.h>
+
+namespace platform::processes {
+namespace {
+
+constexpr DWORD LongestTermination = 5000;  // milliseconds
+
+static_assert(sizeof(PROCESSENTRY32) == 296, "the ANSI form of the snapshot record");
+
+using ReadEntry = BOOL WINAPI(HANDLE, PROCESSENTRY32*);
+
+bool TakeEntry(ReadEntry* read, const Snapshot& snapshot, Entry& entry) {
+  PROCESSENTRY32 record = {};
+  record.dwSize = sizeof record;
+  if (read(snapshot.get(), &record) == FALSE) return false;
+  entry.id = record.th32ProcessID;
+  entry.fileName = record.szExeFile;
+  return true;
+}
+
+}  // namespace
+
+void CloseSystemHandle::operator()(void* handle) const {
+  CloseHandle(handle);
+}
+
+Snapshot TakeSnapshot(std::uint32_t kind) {
+  const HANDLE snapshot = CreateToolhelp32Snapshot(kind, 0);
+  return Snapshot(snapshot == INVALID_HANDLE_VALUE ? nullptr : snapshot);
+}
+
+bool FirstEntry(const Snapshot& snapshot, Entry& entry) {
+  return TakeEntry(Process32First, snapshot, entry);
+}
+
+bool NextEntry(const Snapshot& snapshot, Entry& entry) {
+  return TakeEntry(Process32Next, snapshot, entry);
+}
+
+std::int32_t SystemVersion() {
+  return static_cast<std::int32_t>(GetVersion());
+}
+
+Token OpenOwnToken(std::uint32_t access) {
+  HANDLE token = nullptr;
+  return Token(OpenProcessToken(GetCurrentProcess(), access, &token) != FALSE ? token : nullptr);
+}
+
+std::optional<PrivilegeId> LookUpPrivilege(std::string_view name) {
+  LUID id;
+  if (LookupPrivilegeValueA("", std::string(name).c_str(), &id) == FALSE) return std::nullopt;
+  return static_cast<PrivilegeId>(id.HighPart) << 32U | id.LowPart;
+}
+
+bool AdjustPrivilege(const Token& token, PrivilegeId privilege, std::uint32_t attributes) {
+  TOKEN_PRIVILEGES record = {};
+  record.PrivilegeCount = 1;
+  record.Privileges[0].Luid = {static_cast<DWORD>(privilege), static_cast<LONG>(privilege >> 32U)};
+  record.Privileges[0].Attributes = attributes;
+  return AdjustTokenPrivileges(token.get(), FALSE, &record, 0, nullptr, nullptr) != FALSE;
+}
+
+Process Open(std::uint32_t access, std::uint32_t id) {
+  return Process(OpenProcess(access, FALSE, id));
+}
+
+bool Terminate(const Process& process, std::uint32_t exitCode) {
+  if (TerminateProcess(process.get(), exitCode) == FALSE) return false;
+  WaitForSingleObject(process.get(), LongestTermination);
+  return true;
+}
+
+bool ExitCode(const Process& process, std::uint32_t& exitCode) {
+  DWORD code = 0;
+  if (GetExitCodeProcess(process.get(), &code) == FALSE) return false;
+  exitCode = code;
+  return true;
+}
+
+bool HasEnded(const Process& process) {
+  return WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0;
+}
+
+std::optional<StartedProgram> Start(std::string_view commandLine, int showValue) {
+  STARTUPINFOA startup = {};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESHOWWINDOW;
+  startup.wShowWindow = static_cast<WORD>(showValue);
+  PROCESS_INFORMATION started;
+  std::string writableLine(commandLine);
+  if (CreateProcessA(nullptr, writableLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                     &startup, &started) == FALSE) {
+    return std::nullopt;
+  }
+  CloseHandle(started.hThread);
+  return StartedProgram{Process(started.hProcess), started.dwProcessId};
+}
+
+void Sleep(std::uint32_t milliseconds) {
+  ::Sleep(milliseconds);
+}
+
+}  // namespace platform::processes

@@ -1,0 +1,77 @@
+#include "platform/system.h"
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+namespace platform::system {
+namespace {
+
+std::string ExecutablePath() {
+  std::string path(MAX_PATH, '\0');
+  while (true) {
+    const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    if (length < path.size()) return path.substr(0, length);
+    path.resize(path.size() * 2);
+  }
+}
+
+const char* NullWhenEmpty(const std::string& value) {
+  return value.empty() ? nullptr : value.c_str();
+}
+
+}  // namespace
+
+std::string CommandLineText() {
+  const std::string_view line = GetCommandLineA();
+  // The program's name ends at its closing quote, or at the first blank when it is not quoted.
+  const bool quoted = line.starts_with('"');
+  const auto end = quoted ? line.find('"', 1) : line.find_first_of(" \t");
+  if (end == std::string_view::npos) return "";
+  return std::string(line.substr(quoted ? end + 1 : end));
+}
+
+std::string ExecutableFolder() {
+  const std::string path = ExecutablePath();
+  const auto separator = path.find_last_of('\\');
+  if (separator == std::string::npos) return "";
+  const bool isRoot = separator > 0 && path[separator - 1] == ':';
+  return path.substr(0, isRoot ? separator + 1 : separator);
+}
+
+std::string ExecutableBaseName() {
+  const std::string path = ExecutablePath();
+  const std::string name = path.substr(path.find_last_of('\\') + 1);
+  return name.substr(0, name.find_last_of('.'));
+}
+
+std::size_t WindowsDirectory(std::string& buffer) {
+  return GetWindowsDirectoryA(buffer.data(), static_cast<UINT>(buffer.size()));
+}
+
+std::size_t SystemDirectory(std::string& buffer) {
+  return GetSystemDirectoryA(buffer.data(), static_cast<UINT>(buffer.size()));
+}
+
+std::string DecimalSeparator() {
+  char separator[8] = ".";
+  GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator, sizeof separator);
+  return separator;
+}
+
+std::int32_t OpenWithShell(std::string_view verb, std::string_view file,
+                           std::string_view parameters, std::string_view folder, int showValue) {
+  const std::string parameterText(parameters);
+  const HINSTANCE code =
+      ShellExecuteA(GetDesktopWindow(), std::string(verb).c_str(), std::string(file).c_str(),
+                    NullWhenEmpty(parameterText), std::string(folder).c_str(), showValue);
+  return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(code));
+}
+
+void EndProcess() {
+  // Not ExitProcess: that would wait for a component's worker that holds the loader's lock.
+  TerminateProcess(GetCurrentProcess(), 0);
+  __builtin_unreachable();
+}
+
+}  // namespace platform::system

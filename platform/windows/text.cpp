@@ -1,0 +1,40 @@
+#include "platform/windows/text.h"
+
+#include "platform/text.h"
+
+namespace platform::windows {
+
+namespace {
+
+constexpr unsigned FirstMapped = 0x80;
+constexpr unsigned FirstUnmapped = 0xA0;
+
+}  // namespace
+
+std::wstring ToUtf16(std::string_view value) {
+  std::wstring wide;
+  wide.reserve(value.size());
+  for (const char character : value) {
+    const auto byte = static_cast<unsigned char>(character);
+    const bool mapped = byte >= FirstMapped && byte < FirstUnmapped;
+    wide += static_cast<wchar_t>(mapped ? text::CodePointsFrom0x80[byte - FirstMapped] : byte);
+  }
+  return wide;
+}
+
+std::string FromUtf16(std::wstring_view value) {
+  const auto& mapped = text::CodePointsFrom0x80;
+  std::string narrow;
+  narrow.reserve(value.size());
+  for (const wchar_t unit : value) {
+    const auto found = std::find(mapped.begin(), mapped.end(), static_cast<char16_t>(unit));
+    if (found != mapped.end()) {
+      narrow += static_cast<char>(FirstMapped + static_cast<unsigned>(found - mapped.begin()));
+    } else {
+      narrow += unit <= 0xFF ? static_cast<char>(unit) : '?';
+    }
+  }
+  return narrow;
+}
+
+}  // namespace platform::windows

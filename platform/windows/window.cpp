@@ -1,0 +1,377 @@
+#include "platform/window.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cmath>
+#include <vector>
+
+#include "platform/windows/resources.h"
+#include "platform/windows/text.h"
+
+namespace platform::window {
+namespace {
+
+using windows::FromUtf16;
+using windows::ToUtf16;
+
+constexpr double TwipsPerInch = 1440.0;
+constexpr int PointsPerInch = 72;
+constexpr int UnscaledDotsPerInch = 96;
+constexpr int UnscaledIconSize = 32;
+constexpr WORD FirstControlId = 100;  // of the control with index 0
+constexpr const wchar_t* WindowClass = L"KestraneWindow";
+constexpr const wchar_t* PictureClass = L"KestranePicture";
+constexpr DWORD WindowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
+
+/// Points. A label takes the first size in which its text fits, so that no message is cut off.
+constexpr std::array<int, 3> FontSizes = {8, 7, 6};
+
+struct FilledRectangle {
+  RECT area;
+  COLORREF colour;
+  bool operator==(const FilledRectangle& other) const {
+    return EqualRect(&area, &other.area) != FALSE && colour == other.colour;
+  }
+};
+
+struct Control {
+  HWND handle = nullptr;
+  ControlLayout layout{};
+  std::string text;
+  std::vector<FilledRectangle> drawn;  // since the picture box was erased
+  std::vector<FilledRectangle> shown;  // what the screen has to show
+};
+
+// All of it is written by Create, and by the procedures that are named after what they set.
+HWND mainWindow = nullptr;
+Handlers handlers{};
+std::vector<Control> controls;
+std::array<HFONT, FontSizes.size()> fonts{};
+double twipsPerPixelX = 0;
+double twipsPerPixelY = 0;
+bool resizeEventsOn = false;  // from the first showing on
+
+HINSTANCE Instance() {
+  return GetModuleHandleW(nullptr);
+}
+
+Control& At(int control) {
+  return controls[static_cast<std::size_t>(control)];
+}
+
+int PixelsX(double twips) {
+  return static_cast<int>(std::lround(twips / twipsPerPixelX));
+}
+int PixelsY(double twips) {
+  return static_cast<int>(std::lround(twips / twipsPerPixelY));
+}
+
+void MeasureScreen() {
+  const HDC screen = GetDC(nullptr);
+  twipsPerPixelX = TwipsPerInch / GetDeviceCaps(screen, LOGPIXELSX);
+  twipsPerPixelY = TwipsPerInch / GetDeviceCaps(screen, LOGPIXELSY);
+  ReleaseDC(nullptr, screen);
+}
+
+int DotsPerInch() {
+  return static_cast<int>(std::lround(TwipsPerInch / twipsPerPixelY));
+}
+
+void CreateFonts() {
+  for (std::size_t i = 0; i < fonts.size(); ++i) {
+    const int height = -MulDiv(FontSizes[i], DotsPerInch(), PointsPerInch);
+    fonts[i] = CreateFontW(height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                           OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
+                           DEFAULT_PITCH | FF_DONTCARE, L"MS Shell Dlg");
+  }
+}
+
+HICON BuiltInIcon(int size) {
+  return static_cast<HICON>(LoadImageW(Instance(), MAKEINTRESOURCEW(KESTRANE_ICON), IMAGE_ICON,
+                                       size, size, LR_DEFAULTCOLOR));
+}
+
+LRESULT PaintPicture(HWND picture) {
+  PAINTSTRUCT paint;
+  const HDC context = BeginPaint(picture, &paint);
+  FillRect(context, &paint.rcPaint, GetSysColorBrush(COLOR_WINDOW));
+  for (const auto& control : controls) {
+    if (control.handle != picture) continue;
+    for (const auto& rectangle : control.shown) {
+      SetBkColor(context, rectangle.colour);
+      ExtTextOutW(context, 0, 0, ETO_OPAQUE, &rectangle.area, nullptr, 0, nullptr);
+    }
+  }
+  EndPaint(picture, &paint);
+  return 0;
+}
+
+LRESULT CALLBACK PictureProcedure(HWND picture, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_PAINT) return PaintPicture(picture);
+  if (message == WM_ERASEBKGND) return TRUE;  // painting fills the background
+  return DefWindowProcW(picture, message, wParam, lParam);
+}
+
+HWND Button() {
+  for (const auto& control : controls) {
+    if (control.layout.kind == ControlKind::Button) return control.handle;
+  }
+  return nullptr;
+}
+
+/// False while a message box is open: its owner takes no input then, whoever sends it.
+bool TakesInput() {
+  return IsWindowEnabled(mainWindow) != FALSE;
+}
+
+LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_SIZE:
+      if (resizeEventsOn) handlers.resized();
+      return 0;
+    case WM_COMMAND: {
+      const bool isClick = HIWORD(wParam) == BN_CLICKED && LOWORD(wParam) >= FirstControlId;
+      if (isClick && TakesInput() && IsWindowEnabled(Button()) != FALSE) handlers.buttonClicked();
+      return 0;
+    }
+    case WM_CLOSE:
+      if (TakesInput()) handlers.closing();
+      return 0;
+    case WM_SETFOCUS:
+      SetFocus(Button());
+      return 0;
+    case DM_GETDEFID:  // the button that Enter presses
+      return MAKELRESULT(GetDlgCtrlID(Button()), DC_HASDEFID);
+    default:
+      return DefWindowProcW(window, message, wParam, lParam);
+  }
+}
+
+void RegisterClasses() {
+  WNDCLASSEXW description = {};
+  description.cbSize = sizeof description;
+  description.hInstance = Instance();
+  description.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  description.lpfnWndProc = PictureProcedure;
+  description.lpszClassName = PictureClass;
+  RegisterClassExW(&description);
+
+  description.hIcon = BuiltInIcon(GetSystemMetrics(SM_CXICON));
+  description.hIconSm = BuiltInIcon(GetSystemMetrics(SM_CXSMICON));
+  description.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+  description.lpfnWndProc = WindowProcedure;
+  description.lpszClassName = WindowClass;
+  RegisterClassExW(&description);
+}
+
+void CreateMainWindow(const Layout& layout) {
+  RECT area = {0, 0, PixelsX(layout.clientWidth), PixelsY(layout.clientHeight)};
+  AdjustWindowRect(&area, WindowStyle, FALSE);
+  const int width = area.right - area.left;
+  const int height = area.bottom - area.top;
+  RECT desktop;
+  SystemParametersInfoW(SPI_GETWORKAREA, 0, &desktop, 0);
+  mainWindow = CreateWindowExW(WS_EX_CONTROLPARENT, WindowClass, ToUtf16(layout.caption).c_str(),
+                               WindowStyle, (desktop.left + desktop.right - width) / 2,
+                               (desktop.top + desktop.bottom - height) / 2, width, height, nullptr,
+                               nullptr, Instance(), nullptr);
+}
+
+struct SystemControl {
+  const wchar_t* className;
+  DWORD style;
+  DWORD extendedStyle;
+};
+
+SystemControl SystemControlOf(ControlKind kind) {
+  constexpr DWORD OneLine = SS_NOPREFIX | SS_ENDELLIPSIS;
+  switch (kind) {
+    case ControlKind::Label:
+      return {L"STATIC", SS_LEFT | OneLine, 0};
+    case ControlKind::RightAlignedLabel:
+      return {L"STATIC", SS_RIGHT | OneLine, 0};
+    case ControlKind::WrappingLabel:
+      return {L"STATIC", SS_LEFT | SS_NOPREFIX, 0};
+    case ControlKind::ProgramIcon:
+      return {L"STATIC", SS_ICON | SS_CENTERIMAGE, 0};
+    case ControlKind::PictureBox:
+      return {PictureClass, 0, WS_EX_CLIENTEDGE};
+    case ControlKind::Button:
+      break;
+  }
+  return {L"BUTTON", BS_DEFPUSHBUTTON | WS_TABSTOP, 0};
+}
+
+void CreateControl(const ControlLayout& layout) {
+  const SystemControl control = SystemControlOf(layout.kind);
+  const auto id = static_cast<INT_PTR>(FirstControlId + controls.size());
+  const HWND handle = CreateWindowExW(
+      control.extendedStyle, control.className, L"", WS_CHILD | WS_VISIBLE | control.style,
+      PixelsX(layout.left), PixelsY(layout.top), PixelsX(layout.width), PixelsY(layout.height),
+      mainWindow, reinterpret_cast<HMENU>(id), Instance(), nullptr);
+  SendMessageW(handle, WM_SETFONT, reinterpret_cast<WPARAM>(fonts.front()), FALSE);
+  if (layout.kind == ControlKind::ProgramIcon) {
+    const HICON icon = BuiltInIcon(MulDiv(UnscaledIconSize, DotsPerInch(), UnscaledDotsPerInch));
+    SendMessageW(handle, STM_SETICON, reinterpret_cast<WPARAM>(icon), 0);
+  }
+  controls.push_back({handle, layout, "", {}, {}});
+}
+
+HFONT LargestFittingFont(HWND label, const std::wstring& text) {
+  RECT room;
+  GetClientRect(label, &room);
+  const HDC context = GetDC(label);
+  const HGDIOBJ former = GetCurrentObject(context, OBJ_FONT);
+  HFONT fitting = fonts.back();
+  for (const HFONT font : fonts) {
+    RECT needed = room;
+    SelectObject(context, font);
+    DrawTextW(context, text.c_str(), static_cast<int>(text.size()), &needed,
+              DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+    if (needed.right <= room.right && needed.bottom <= room.bottom) {
+      fitting = font;
+      break;
+    }
+  }
+  SelectObject(context, former);
+  ReleaseDC(label, context);
+  return fitting;
+}
+
+void DispatchMessage(MSG& message) {
+  if (IsDialogMessageW(mainWindow, &message) != FALSE) return;
+  TranslateMessage(&message);
+  DispatchMessageW(&message);
+}
+
+}  // namespace
+
+void Create(const Layout& layout, const Handlers& callbacks) {
+  handlers = callbacks;
+  MeasureScreen();
+  CreateFonts();
+  RegisterClasses();
+  CreateMainWindow(layout);
+  for (const auto& control : layout.controls) CreateControl(control);
+}
+
+void Show() {
+  ShowWindow(mainWindow, SW_SHOWNORMAL);
+  // The first call follows whoever started the process, who may have asked for a hidden window.
+  if (IsWindowVisible(mainWindow) == FALSE) ShowWindow(mainWindow, SW_SHOWNORMAL);
+  if (!resizeEventsOn) {
+    resizeEventsOn = true;
+    handlers.resized();
+  }
+}
+
+void SetWindowCaption(std::string_view caption) {
+  SetWindowTextW(mainWindow, ToUtf16(caption).c_str());
+}
+
+void SetWindowIcon(std::string_view path) {
+  for (const auto& [kind, size] : {std::pair{ICON_BIG, SM_CXICON}, {ICON_SMALL, SM_CXSMICON}}) {
+    const int pixels = GetSystemMetrics(size);
+    const HANDLE icon =
+        LoadImageA(nullptr, std::string(path).c_str(), IMAGE_ICON, pixels, pixels, LR_LOADFROMFILE);
+    if (icon == nullptr) return;
+    SendMessageW(mainWindow, WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
+  }
+}
+
+void SetWindowHeight(int height) {
+  RECT area;
+  GetWindowRect(mainWindow, &area);
+  SetWindowPos(mainWindow, nullptr, 0, 0, area.right - area.left, PixelsY(height),
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void SetText(int control, std::string_view value) {
+  Control& target = At(control);
+  if (target.text == value) return;
+  target.text = value;
+  const std::wstring text = ToUtf16(value);
+  if (target.layout.kind == ControlKind::WrappingLabel) {
+    const HFONT font = LargestFittingFont(target.handle, text);
+    SendMessageW(target.handle, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+  }
+  SetWindowTextW(target.handle, text.c_str());
+}
+
+std::string Text(int control) {
+  return At(control).text;
+}
+
+void SetVisible(int control, bool visible) {
+  ShowWindow(At(control).handle, visible ? SW_SHOWNA : SW_HIDE);
+}
+
+void SetEnabled(int control, bool enabled) {
+  EnableWindow(At(control).handle, enabled ? TRUE : FALSE);
+  if (enabled && GetActiveWindow() == mainWindow) SetFocus(Button());
+}
+
+bool IsEnabled(int control) {
+  return IsWindowEnabled(At(control).handle) != FALSE;
+}
+
+void SetTop(int control, int top) {
+  Control& target = At(control);
+  SetWindowPos(target.handle, nullptr, PixelsX(target.layout.left), PixelsY(top), 0, 0,
+               SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+double TwipsPerPixelX() {
+  return twipsPerPixelX;
+}
+double TwipsPerPixelY() {
+  return twipsPerPixelY;
+}
+
+PictureBox DescribePictureBox(int control) {
+  const Control& box = At(control);
+  const auto style = static_cast<DWORD>(GetWindowLongW(box.handle, GWL_EXSTYLE));
+  return {(style & WS_EX_CLIENTEDGE) == 0, box.layout.width, box.layout.height,
+          GetSysColor(COLOR_HIGHLIGHT)};
+}
+
+void ErasePictureBox(int control) {
+  At(control).drawn.clear();
+}
+
+void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
+                         std::uint32_t colour) {
+  At(control).drawn.push_back(
+      {{PixelsX(left), PixelsY(top), PixelsX(right), PixelsY(bottom)}, colour});
+}
+
+void RefreshPictureBox(int control) {
+  Control& box = At(control);
+  if (box.shown == box.drawn) return;
+  box.shown = box.drawn;
+  InvalidateRect(box.handle, nullptr, FALSE);
+  UpdateWindow(box.handle);
+}
+
+void SetMousePointer(MousePointer pointer) {
+  SetCursor(LoadCursorW(nullptr, pointer == MousePointer::Hourglass ? IDC_WAIT : IDC_ARROW));
+}
+
+int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {
+  return MessageBoxW(mainWindow, ToUtf16(text).c_str(), ToUtf16(title).c_str(), style);
+}
+
+void ProcessPendingEvents() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessage(message);
+}
+
+void RunEventLoop() {
+  MSG message;
+  while (true) {
+    if (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessage(message);
+  }
+}
+
+}  // namespace platform::window

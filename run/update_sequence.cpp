@@ -1,0 +1,118 @@
+#include "run/update_sequence.h"
+
+#include <string>
+
+#include "install/action_executor.h"
+#include "platform/system.h"
+#include "platform/window.h"
+#include "run/final_screen.h"
+#include "run/launch.h"
+#include "run/messages.h"
+#include "run/own_version.h"
+#include "run/progress_window.h"
+#include "run/run_state.h"
+#include "run/self_replacement.h"
+#include "script/action_table.h"
+#include "script/arrays.h"
+#include "script/parser.h"
+#include "script/version.h"
+#include "transfer/download.h"
+#include "transfer/download_phase.h"
+#include "transfer/http_probe.h"
+#include "transfer/url.h"
+
+namespace frmPrincipal {
+
+void Form_Resize() {
+  if (modPrincipal::SequenceStarted) return;
+  modPrincipal::SequenceStarted = true;
+  modPrincipal::CheckForUpdate();
+}
+
+}  // namespace frmPrincipal
+
+namespace modPrincipal {
+namespace {
+
+namespace window = platform::window;
+
+std::string FetchIntoMemory(const std::string& url) {
+  return modFunciones::DownloadUrl(url, "", modFunciones::UserAgentText,
+                                   modFunciones::PreconfiguredAccess, "");
+}
+
+bool OffersNewerUpdater() {
+  return modFunciones::ElementCount(ScriptLines) >= 2 &&
+         NewUpdaterVersion > VersionToNumber(modFunciones::OwnVersion());
+}
+
+/// Hands over to the newer updater, which ends the process. Returns "" when the replacement was
+/// given up and the run goes on, or the failure message to show.
+std::string ReplaceOutdatedUpdater() {
+  window::SetText(frmPrincipal::lblMensaje, FetchingUpdaterStatus);
+  modFunciones::UrlParts = modFunciones::SplitUrl(NewUpdaterUrl);
+  const auto length = modFunciones::AvailableLength();
+  if (!length) return std::string(UpdaterNotAvailable);
+  TotalBytes = FileBytes = *length;
+  TotalBytesDone = FileBytesDone = 0;
+
+  window::SetText(frmPrincipal::lblNombreAplicacion,
+                  std::string(ProgramName) + " v" + ScriptLines[0][0]);
+  const std::string progress = modFunciones::KilobytesText(0, TotalBytes);
+  window::SetText(frmPrincipal::lblFileProgreso, progress);
+  window::SetText(frmPrincipal::lblTotalProgreso, progress);
+  window::ProcessPendingEvents();
+
+  TransferProgressOn = true;
+  const std::string program = FetchIntoMemory(NewUpdaterUrl);
+  TransferProgressOn = false;
+  HandOverToNewUpdater(program);
+  return "";
+}
+
+/// Returns "" when both phases went well, or the failure message to show.
+std::string RunPhases() {
+  window::SetText(frmPrincipal::lblNombreAplicacion, AppDisplayName);
+  window::SetText(frmPrincipal::lblMensaje, DownloadingStatus);
+  const std::string failure = DownloadFiles();
+  if (!failure.empty()) return failure;
+
+  window::SetText(frmPrincipal::lblMensaje, InstallingStatus);
+  window::SetEnabled(frmPrincipal::btCancelar, false);
+  return RunActions();
+}
+
+}  // namespace
+
+void CheckForUpdate() {
+  if (!modFunciones::IsOnline()) return FailWithMessage(NotOnline);
+  window::SetText(frmPrincipal::lblMensaje, CheckingStatus);
+  window::ProcessPendingEvents();
+
+  modFunciones::UrlParts = modFunciones::SplitUrl(UpdateInfoUrl);
+  if (!modFunciones::IsAvailable()) return FailWithMessage(InformationNotFound);
+  ScriptLines = CutScript(FetchIntoMemory(UpdateInfoUrl));
+  const std::string parseFailure = ParseUpdateScript(ScriptLines);
+
+  // The updater comes first, even when it is too old to understand the script.
+  if (OffersNewerUpdater()) {
+    const std::string failure = ReplaceOutdatedUpdater();
+    if (!failure.empty()) return FailWithMessage(failure);
+  }
+  if (!parseFailure.empty()) return FailWithMessage(parseFailure);
+  PerformUpdate();
+}
+
+void PerformUpdate() {
+  if (modFunciones::ElementCount(ActionCommand) == 0) return FinishWithMessage(NothingToDo);
+  const std::string failure = RunPhases();
+  if (!failure.empty()) return FailWithMessage(failure);
+
+  if (ShowSuccessScreen == "NO") {
+    if (!LaunchOnFinish.empty()) modFunciones::LaunchFile(LaunchOnFinish, "");
+    platform::system::EndProcess();
+  }
+  FinishWithMessage(Success);
+}
+
+}  // namespace modPrincipal

@@ -1,0 +1,128 @@
+#include "transfer/download.h"
+
+#include <array>
+#include <new>
+#include <stdexcept>
+#include <string_view>
+
+#include "install/file_helpers.h"
+#include "platform/files.h"
+#include "platform/http.h"
+#include "platform/system.h"
+#include "platform/window.h"
+#include "run/progress_bar.h"
+#include "run/progress_window.h"
+#include "run/rounding.h"
+#include "run/run_state.h"
+#include "transfer/http_probe.h"
+
+namespace modFunciones {
+namespace {
+
+using modPrincipal::FileBytes;
+using modPrincipal::FileBytesDone;
+using modPrincipal::TotalBytes;
+using modPrincipal::TotalBytesDone;
+using modPrincipal::TransferProgressOn;
+
+constexpr std::int64_t MbDisplayThreshold = 10'000'000;
+constexpr std::int64_t BytesPerKb = 1024;
+constexpr std::int64_t BytesPerMb = 1'048'576;
+
+std::string Kilobytes(std::int64_t bytes) {
+  return std::to_string(RoundToEven(static_cast<double>(bytes) / static_cast<double>(BytesPerKb)));
+}
+
+/// Two decimals, halves rounded up.
+std::string Megabytes(std::int64_t bytes) {
+  const std::int64_t hundredths = (bytes * 100 + BytesPerMb / 2) / BytesPerMb;
+  const std::string decimals = std::to_string(hundredths % 100);
+  return std::to_string(hundredths / 100) + platform::system::DecimalSeparator() +
+         (decimals.size() < 2 ? "0" : "") + decimals;
+}
+
+/// A size of 0 that was announced as such is done as soon as it has begun.
+float Fraction(std::int64_t done, std::int64_t total) {
+  if (total == 0) return 1.0F;
+  return static_cast<float>((100.0 / static_cast<double>(total) * static_cast<double>(done)) /
+                            100.0);
+}
+
+void ShowProgress() {
+  using namespace frmPrincipal;
+  const std::int64_t totalDone = TotalBytesDone + FileBytesDone;
+  platform::window::SetText(lblFileProgreso, ProgressText(FileBytesDone, FileBytes));
+  platform::window::SetText(lblTotalProgreso, ProgressText(totalDone, TotalBytes));
+  DrawProgressBar(picFile, Fraction(FileBytesDone, FileBytes));
+  DrawProgressBar(picTotal, Fraction(totalDone, TotalBytes));
+}
+
+/// Hands the body to store, block by block. False when a read fails, store refuses a block, or the
+/// body ends before the length that the answer itself announced.
+template <typename Store>
+bool ReadBody(const platform::http::Handle& body, Store store) {
+  std::array<char, TransferBlockSize> buffer{};
+  std::int64_t received = 0;
+  std::uint32_t bytesRead = 0;
+  do {
+    platform::window::ProcessPendingEvents();
+    if (!platform::http::Read(body, buffer.data(), TransferBlockSize, bytesRead)) return false;
+    received += bytesRead;
+    if (TransferProgressOn) {
+      FileBytesDone += bytesRead;
+      ShowProgress();
+    }
+    if (!store(std::string_view(buffer.data(), bytesRead))) return false;
+  } while (bytesRead > 0);
+  return received >= platform::http::AnnouncedLength(body).value_or(0);
+}
+
+std::string ReadIntoFile(const platform::http::Handle& body, const std::string& targetPath) {
+  if (!FileDelete(targetPath)) return "";
+  const platform::files::File file = platform::files::Create(targetPath);
+  if (!file) return "";
+  const bool complete =
+      ReadBody(body, [&](std::string_view block) { return platform::files::Write(file, block); });
+  return complete ? targetPath : "";
+}
+
+std::string ReadIntoMemory(const platform::http::Handle& body) {
+  std::string content;
+  const bool complete = ReadBody(body, [&](std::string_view block) {
+    content += block;
+    return true;
+  });
+  return complete ? content : "";
+}
+
+}  // namespace
+
+std::string KilobytesText(std::int64_t done, std::int64_t total) {
+  return Kilobytes(done) + " KB/" + Kilobytes(total) + " KB";
+}
+
+std::string ProgressText(std::int64_t done, std::int64_t total) {
+  if (total < MbDisplayThreshold) return KilobytesText(done, total);
+  return Megabytes(done) + " MB/" + Megabytes(total) + " MB";
+}
+
+std::string DownloadUrl(const std::string& url, const std::string& targetPath,
+                        const std::string& userAgent, std::int32_t accessType,
+                        const std::string& proxy) {
+  const platform::http::Handle root = platform::http::OpenRoot(userAgent, accessType, proxy);
+  if (!root) return "";
+  const platform::http::Handle body = platform::http::OpenUrl(root, url);
+  if (!body) return "";
+
+  std::string result;
+  try {
+    result = targetPath.empty() ? ReadIntoMemory(body) : ReadIntoFile(body, targetPath);
+  } catch (const std::bad_alloc&) {
+    // A body that does not fit into memory is a failed download.
+  } catch (const std::length_error&) {
+  }
+  if (TransferProgressOn) TotalBytesDone += FileBytesDone;
+  return result;
+}
+
+}  // namespace modFunciones

@@ -1,0 +1,73 @@
+#include "transfer/download_phase.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "install/path_macros.h"
+#include "platform/files.h"
+#include "platform/window.h"
+#include "run/messages.h"
+#include "run/progress_bar.h"
+#include "run/progress_window.h"
+#include "run/rounding.h"
+#include "run/run_state.h"
+#include "script/action_table.h"
+#include "script/arrays.h"
+#include "transfer/download.h"
+#include "transfer/http_probe.h"
+
+namespace modPrincipal {
+namespace {
+
+bool DownloadRow(std::size_t row) {
+  FileBytesDone = 0;
+  FileBytes = ActionSize[row];
+  modFunciones::CreateFolderPath(ActionArg1[row]);
+  const std::string target = ActionArg1[row] + ".tmp";
+  return !modFunciones::DownloadUrl(ActionArg2[row], target, modFunciones::UserAgentText,
+                                    modFunciones::PreconfiguredAccess, "")
+              .empty();
+}
+
+}  // namespace
+
+std::string DownloadFiles() {
+  namespace window = platform::window;
+
+  TotalBytes = 0;
+  TotalBytesDone = 0;
+  for (const std::int32_t size : ActionSize) TotalBytes += size;
+  if (static_cast<double>(TotalBytes) / 1024 > modFunciones::FreeDiskSpaceKB("C:")) {
+    return std::string(NoDiskSpace);
+  }
+  if (TotalBytes < 1) return "";
+
+  TransferProgressOn = true;
+  for (std::size_t row = 0; row < ActionCommand.size(); ++row) {
+    if (ActionCommand[row] == "ADD" || ActionCommand[row] == "UPDATE") {
+      if (!DownloadRow(row)) return std::string(WriteFailure);
+    }
+    window::SetText(frmPrincipal::lblFileProgreso, "");
+  }
+  modFunciones::DrawProgressBar(frmPrincipal::picFile, 0);
+  modFunciones::DrawProgressBar(frmPrincipal::picTotal, 0);
+  window::SetText(frmPrincipal::lblTotalProgreso, "");
+  TransferProgressOn = false;
+  return "";
+}
+
+}  // namespace modPrincipal
+
+namespace modFunciones {
+
+std::int32_t FreeDiskSpaceKB(std::string_view drive) {
+  std::string root(drive);
+  if (!root.ends_with('/')) root += '/';
+  const auto space = platform::files::QueryDiskSpace(root);
+  const double bytesPerCluster =
+      static_cast<double>(space.bytesPerSector) * space.sectorsPerCluster;
+  const double kilobytes = space.freeClusters / 1024.0 * bytesPerCluster;
+  return static_cast<std::int32_t>(RoundToEven(std::min<double>(kilobytes, INT32_MAX)));
+}
+
+}  // namespace modFunciones

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace modFunciones {
+
+/// The pieces of the URL split last, as SplitUrl returns them. Written by whoever is about to send
+/// a probe, immediately before it.
+extern std::vector<std::string> UrlParts;
+
+/// Cuts an "http://" URL (the scheme may be missing) into host, port text ("80" when it names none)
+/// and path, which begins with "/". Nothing is returned when no text is left without the scheme, or
+/// when the first ":" stands behind the first "/".
+[[nodiscard]] std::vector<std::string> SplitUrl(std::string_view url);
+
+/// The port that a port text stands for; nothing when it is no number from 0 to 32,767.
+[[nodiscard]] std::optional<std::int16_t> PortNumber(std::string_view portText);
+
+}  // namespace modFunciones
