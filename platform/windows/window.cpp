@@ -16,7 +16,6 @@ using windows::FromUtf16;
 using windows::ToUtf16;
 
 constexpr double TwipsPerInch = 1440.0;
-constexpr int PointsPerInch = 72;
 constexpr int UnscaledDotsPerInch = 96;
 constexpr int UnscaledIconSize = 32;
 constexpr WORD FirstControlId = 100;  // of the control with index 0
@@ -24,8 +23,9 @@ constexpr const wchar_t* WindowClass = L"KestraneWindow";
 constexpr const wchar_t* PictureClass = L"KestranePicture";
 constexpr DWORD WindowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIMIZEBOX;
 
-/// Points. A label takes the first size in which its text fits, so that no message is cut off.
-constexpr std::array<int, 3> FontSizes = {8, 7, 6};
+/// Twips: 8 points and less. A label takes the first size in which its text fits, so that no
+/// message is cut off.
+constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 
 struct FilledRectangle {
   RECT area;
@@ -80,10 +80,9 @@ int DotsPerInch() {
 
 void CreateFonts() {
   for (std::size_t i = 0; i < fonts.size(); ++i) {
-    const int height = -MulDiv(FontSizes[i], DotsPerInch(), PointsPerInch);
-    fonts[i] = CreateFontW(height, 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
-                           OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY,
-                           DEFAULT_PITCH | FF_DONTCARE, L"MS Shell Dlg");
+    fonts[i] = CreateFontW(-PixelsY(FontSizes[i]), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
+                           DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
+                           DEFAULT_QUALITY, DEFAULT_PITCH | FF_DONTCARE, L"MS Shell Dlg");
   }
 }
 
@@ -218,7 +217,7 @@ void CreateControl(const ControlLayout& layout) {
   controls.push_back({handle, layout, "", {}, {}});
 }
 
-HFONT LargestFittingFont(HWND label, const std::wstring& text) {
+HFONT LargestFittingFont(HWND label, const std::wstring& text, bool wraps) {
   RECT room;
   GetClientRect(label, &room);
   const HDC context = GetDC(label);
@@ -228,7 +227,7 @@ HFONT LargestFittingFont(HWND label, const std::wstring& text) {
     RECT needed = room;
     SelectObject(context, font);
     DrawTextW(context, text.c_str(), static_cast<int>(text.size()), &needed,
-              DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX);
+              DT_CALCRECT | DT_NOPREFIX | (wraps ? DT_WORDBREAK : DT_SINGLELINE));
     if (needed.right <= room.right && needed.bottom <= room.bottom) {
       fitting = font;
       break;
@@ -292,8 +291,9 @@ void SetText(int control, std::string_view value) {
   if (target.text == value) return;
   target.text = value;
   const std::wstring text = ToUtf16(value);
-  if (target.layout.kind == ControlKind::WrappingLabel) {
-    const HFONT font = LargestFittingFont(target.handle, text);
+  if (target.layout.kind != ControlKind::Button) {
+    const bool wraps = target.layout.kind == ControlKind::WrappingLabel;
+    const HFONT font = LargestFittingFont(target.handle, text, wraps);
     SendMessageW(target.handle, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   }
   SetWindowTextW(target.handle, text.c_str());

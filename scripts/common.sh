@@ -1,0 +1,67 @@
+# What the scripts share; to be sourced. Every script works from the root of the repository.
+
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+root=$PWD
+
+export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+
+fail() {
+  echo "$(basename "$0"): $*" >&2
+  exit 1
+}
+
+# wait_until SECONDS COMMAND...: polls until the command succeeds; false when the time is over.
+wait_until() {
+  local deadline=$((SECONDS + $1))
+  shift
+  until "$@"; do
+    ((SECONDS < deadline)) || return 1
+    sleep 0.05
+  done
+}
+
+# Processes to end when the script ends, the last one started first.
+children=()
+
+end_child() {
+  kill "$1" && wait "$1"
+} 2>/dev/null
+
+end_children() {
+  local i
+  for ((i = ${#children[@]} - 1; i >= 0; --i)); do end_child "${children[i]}" || true; done
+}
+trap end_children EXIT
+
+build() {
+  cmake --preset windows
+  cmake --build --preset windows
+}
+
+display_answers() {
+  xdpyinfo >/dev/null 2>&1
+}
+
+start_xvfb() {
+  local number
+  for number in {90..119}; do
+    [[ -e /tmp/.X$number-lock || -e /tmp/.X11-unix/X$number ]] && continue
+    Xvfb ":$number" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
+    export DISPLAY=:$number
+    # Should another server take the number first, this one ends while that one answers.
+    if wait_until 5 display_answers && kill -0 $!; then
+      children+=($!)
+      return
+    fi
+    end_child $! || true
+  done
+  fail "no virtual display could be started"
+}
+
+# Uses the display that there is, otherwise a virtual one, and says which in virtual_display.
+use_display() {
+  virtual_display=false
+  [[ -n ${DISPLAY:-} ]] && display_answers && return
+  virtual_display=true
+  start_xvfb
+}

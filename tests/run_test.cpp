@@ -1,0 +1,130 @@
+// The command line, the relaunch parameters, the progress bar and the final screen.
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "platform/text.h"
+#include "run/command_line.h"
+#include "run/final_screen.h"
+#include "run/progress_bar.h"
+#include "run/run_state.h"
+#include "run/self_replacement.h"
+#include "tests/support/scripted_window.h"
+
+namespace {
+
+using namespace modPrincipal;
+using scripted_window::state;
+
+TEST(CommandLine, IsCutIntoArguments) {
+  using List = std::vector<std::string>;
+  const struct {
+    std::string text;
+    List arguments;
+  } cases[] = {
+      {"", {}},
+      {"  a\tb ", {"a", "b"}},
+      {R"("2.4.1" "C:\Ledger" "http://s/x")", {"2.4.1", "C:\\Ledger", "http://s/x"}},
+      {R"("C:\Program Files\Ledger")", {"C:\\Program Files\\Ledger"}},
+      {R"(C:\Program Files\Ledger)", {"C:\\Program", "Files\\Ledger"}},
+      {R"("a" "" "b")", {"a ", "b"}},
+      {R"("ab"cd)", {"abcd"}},
+      {R"("say \"hi\"")", {"say \"hi\""}},
+      {R"("C:\Ledger\" "next")", {"C:\\Ledger\" next"}},
+      {"\"a\tb\" \"c", {"a\tb", "c"}},
+  };
+  for (const auto& [text, arguments] : cases) {
+    List elements = modFunciones::SplitArguments("own", text);
+    EXPECT_EQ(elements.front(), "own") << text;
+    elements.erase(elements.begin());
+    EXPECT_EQ(elements, arguments) << text;
+  }
+}
+
+TEST(RelaunchParameters, CarryWhatIsSet) {
+  AppTitle.clear();
+  AppVersion = "2.4.1";
+  AppDiskPath = "C:\\Ledger";
+  UpdateInfoUrl = "http://s/KDvelomar2.txt";
+  EXPECT_EQ(RelaunchParameters(), R"("2.4.1" "C:\Ledger" "http://s/KDvelomar2.txt")");
+  LaunchOnFinish = "C:\\Ledger\\ledger.exe";
+  AppTitle = "Kestrane";
+  AppIconFile = "l.ico";
+  EXPECT_EQ(RelaunchParameters(),
+            R"("2.4.1" "C:\Ledger" "http://s/KDvelomar2.txt" "C:\Ledger\ledger.exe" "l.ico")");
+  ShowSuccessScreen = "NO";
+  AppTitle = "kestrane";
+  EXPECT_TRUE(RelaunchParameters().ends_with(R"(" "NO" "kestrane" "l.ico")"));
+}
+
+TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
+  const struct {
+    float fraction;
+    std::size_t segments;
+    double lastLeft;
+    bool flat = false;
+    double twipsPerPixel = 15;
+  } cases[] = {
+      {0.5F, 17, 2175},
+      {1.0F, 33, 4335},
+      {0.005F, 0, 0},
+      {0.0F, 0, 0},
+      {-1.0F, 0, 0},
+      {std::numeric_limits<float>::quiet_NaN(), 0, 0},
+      {1.0F, 34, 4470, true},
+      {0.999F, 33, 4335, true},
+      {0.975F, 33, 4335, true},
+      {0.975F, 32, 4200},
+      {1.0F, 50, 4420, false, 10},
+      {std::numeric_limits<float>::infinity(), 34, 4470},
+  };
+  for (const auto& [fraction, segments, lastLeft, flat, twipsPerPixel] : cases) {
+    SCOPED_TRACE(fraction);
+    scripted_window::Reset();
+    state.flatLook = flat;
+    state.twipsPerPixel = twipsPerPixel;
+    state.drawn[frmPrincipal::picFile] = {{}};  // what was drawn before
+    modFunciones::DrawProgressBar(frmPrincipal::picFile, fraction);
+    const auto& drawn = state.drawn[frmPrincipal::picFile];
+    EXPECT_EQ(state.refreshes[frmPrincipal::picFile], 1);
+    ASSERT_EQ(drawn.size(), segments);
+    if (drawn.empty()) continue;
+    EXPECT_EQ(drawn.front().left, twipsPerPixel);
+    EXPECT_EQ(drawn.front().top, twipsPerPixel);
+    EXPECT_EQ(drawn.front().bottom, 255 - twipsPerPixel * (flat ? 4 : 6));
+    EXPECT_EQ(drawn.back().left, lastLeft);
+    EXPECT_EQ(drawn.back().right, lastLeft + 6 * twipsPerPixel);
+  }
+}
+
+TEST(FinalScreen, ShowsTheMessageAndTheFinishButton) {
+  using namespace frmPrincipal;
+  ResetRunState();
+  scripted_window::Reset();
+  state.enabled[btCancelar] = false;
+  FinishWithMessage("ya");
+  EXPECT_TRUE(SequenceStarted);
+  EXPECT_FALSE(HadError);
+  EXPECT_TRUE(state.shown);
+  EXPECT_TRUE(state.enabled[btCancelar]);
+  EXPECT_EQ(state.text[btCancelar], "Finalizar");
+  EXPECT_EQ(state.text[lblMensaje], "ya");
+  EXPECT_EQ(state.buttonTop, 1060);
+  EXPECT_EQ(state.windowHeight, 1950);
+  for (int control = picIco; control <= btCancelar; ++control) {
+    const bool hidden = control == lblNombreAplicacion || control == lblFile ||
+                        control == lblFileProgreso || control == picFile;
+    EXPECT_EQ(state.visible[static_cast<std::size_t>(control)], !hidden) << control;
+  }
+}
+
+TEST(Text, KnowsTheLettersOfItsCodePage) {
+  using namespace platform::text;
+  using namespace platform::text::literals;
+  EXPECT_EQ("ñÑ¿é€Œ"_ansi, "\xF1\xD1\xBF\xE9\x80\x8C");
+  EXPECT_EQ(UpperCase("az{ñé÷ß"_ansi), "AZ{ÑÉ÷ß"_ansi);
+  EXPECT_EQ(LowerCase("AZ[ÑÉ×ŒŸ"_ansi), "az[ñé×œÿ"_ansi);
+}
+
+}  // namespace

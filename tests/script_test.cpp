@@ -1,0 +1,189 @@
+// Versions, cutting a script into lines, and the parser with the table that it fills.
+
+#include <gtest/gtest.h>
+
+#include "run/messages.h"
+#include "run/run_state.h"
+#include "script/action_table.h"
+#include "script/arrays.h"
+#include "script/parser.h"
+#include "script/version.h"
+#include "tests/support/scripted_window.h"
+
+namespace {
+
+using namespace modPrincipal;
+using modFunciones::ElementCount;
+
+TEST(Version, BecomesTheNumberByWhichVersionsCompare) {
+  const struct {
+    std::string text;
+    std::int32_t number;
+  } cases[] = {{"1.2.3", 11002003},
+               {"1.02.3", 11002003},
+               {"1.2", 11002000},
+               {"1", 11000000},
+               {"1..3", 11000003},
+               {"1.2.3.x", 11002003},
+               {"0.0.0", 10000000},
+               {"10.0.0", 110000000},
+               {"999.999.999", 1999999999},
+               {"01.0.0", 101000000},
+               {"", 0},
+               {".1.2", 0},
+               {"a.b.c", 0},
+               {"1.2.3a", 0},
+               {"-1.0.0", 0},
+               {"+1.0.0", 0},
+               {"1. 2.3", 0},
+               {"1000.0.0", 0},
+               {"1.1000.0", 0},
+               {"1.0.0001", 0},
+               {"\xEF\xBB\xBF"
+                "1.0.0",
+                0},
+               {"99999999999999.1.1", 0}};
+  for (const auto& [text, number] : cases) EXPECT_EQ(VersionToNumber(text), number) << text;
+}
+
+/// Parses a script whose header and name are those of every sample, for an installed version.
+class Parser : public testing::Test {
+ protected:
+  void SetUp() override {
+    ResetActionTable();
+    ResetScript();
+    scripted_window::Reset();
+    AppTitle = "Ledger";
+  }
+
+  std::string Parse(const std::string& script, const std::string& installed = "2.0.0") {
+    AppVersion = installed;
+    ScriptLines = CutScript(script);
+    return ParseUpdateScript(ScriptLines);
+  }
+
+  std::string ParseLines(const std::string& lines, const std::string& installed = "2.0.0") {
+    return Parse("1.4.2|http://u/\nNAME|Ledger\nNAME|Sample||Ledger\n" + lines, installed);
+  }
+
+  /// The recorded rows, one a line.
+  static std::string Table() {
+    std::string table;
+    for (std::size_t i = 0; i < ActionCommand.size(); ++i) {
+      table += ActionCommand[i] + "|" + ActionArg1[i] + "|" + ActionArg2[i] + "|" + ActionArg3[i] +
+               "|" + std::to_string(ActionSize[i]) + "\n";
+    }
+    return table;
+  }
+};
+
+TEST_F(Parser, CutsSignificantLinesIntoFields) {
+  const auto lines = CutScript("\r\n#x\n #y\r\na|\r|b\n\n|\n  \nlast");
+  const std::vector<std::vector<std::string>> expected = {
+      {" #y"}, {"a", "", "b"}, {"", ""}, {"  "}, {"last"}};
+  EXPECT_EQ(lines, expected);
+  EXPECT_EQ(ElementCount(CutScript("")), 0);
+}
+
+TEST_F(Parser, RecordsEveryActionInScriptOrder) {
+  EXPECT_EQ(ParseLines("VERSION|<|3.0.0\n"
+                       "!add|C:\\a|\nUpdate|C:\\b||x\nDELETE|C:\\c|x|y\n"
+                       "MSG|Hola $winpath|critical|z\n"
+                       "EXECUTE|C:\\p /x|Wait|MIN\nKILL|ledger.exe\nREGISTER|C:\\r|1\n"
+                       "UNREGISTER|C:\\u\nSLEEP|soon\n"),
+            "");
+  EXPECT_EQ(Table(),
+            "ADD|C:\\a|||0\nUPDATE|C:\\b|||0\nDELETE|C:\\c|||0\n"
+            "MSG|Hola $winpath||critical|0\n"
+            "EXECUTE|C:\\p /x|Wait|MIN|0\nKILL|ledger.exe|||0\nREGISTER|C:\\r|||0\n"
+            "UNREGISTER|C:\\u|||0\nSLEEP|soon|||0\n");
+  EXPECT_EQ(NewUpdaterVersion, 11004002);
+  EXPECT_EQ(NewUpdaterUrl, "http://u/");
+  EXPECT_EQ(AppDisplayName, "Sample  Ledger");
+}
+
+TEST_F(Parser, FollowsTheCondition) {
+  const struct {
+    std::string lines;
+    std::string recorded;  // the first arguments
+    std::string installed = "2.0.0";
+  } cases[] = {
+      {"KILL|a\nKILL|b", ""},  // no VERSION line yet
+      {"VERSION|>|1.9.9\nKILL|a\nVERSION|>|2.0.0\nKILL|b", "a"},
+      {"VERSION|<|2.0.1\nKILL|a\nVERSION|<|2.0.0\nKILL|b", "a"},
+      {"VERSION|>=|2.0.0\nKILL|a\nVERSION|>=|2.0.1\nKILL|b", "a"},
+      {"VERSION|<=|2.0.0\nKILL|a\nVERSION|<=|1.9.9\nKILL|b", "a"},
+      {"VERSION|=|2.0.0\nKILL|a\nVERSION|=|2.0.1\nKILL|b", "a"},
+      {"VERSION|<|2.0.0\nKILL|a\nVERSION|>|0.0.1\nKILL|b", "a", "unknown"},
+      {"VERSION|=|2\nKILL|a\n \nKILL|b\nVERSION|=|2\nKILL|c\nADD |x|y\nKILL|d", "ac"},
+      {"VERSION|=|2\n!\nKILL|a\nVERSION|=|2\n!!KILL|x\nKILL|b", ""},
+      {"END\nVERSION|=|2\nKILL|a\n!end|x\nADD\nMSG|malformed", "a"},
+      {"!VERSION|=|2\n!NAME|x\nKILL|a\nNAME|y\nKILL|b", "ab"},
+  };
+  for (const auto& [lines, recorded, installed] : cases) {
+    ResetActionTable();
+    EXPECT_EQ(ParseLines(lines, installed), "") << lines;
+    EXPECT_EQ(modFunciones::Join(ActionArg1, ""), recorded) << lines;
+  }
+}
+
+TEST_F(Parser, CarriesOutImmediateActionsAsWritten) {
+  EXPECT_EQ(ParseLines("!MSG|no|INFORMATION\nVERSION|=|2\n!MSG|$AppPath|INFORMATION\nMSG|late|x\n"
+                       "VERSION|=|3\n!MSG|no|INFORMATION"),
+            "");
+  EXPECT_EQ(scripted_window::state.messageBoxes, std::vector<std::string>{"64|Ledger|$AppPath"});
+  EXPECT_EQ(Table(), "MSG|late||x|0\n");
+}
+
+TEST_F(Parser, RejectsWhatItDoesNotUnderstand) {
+  const std::string header = "1.4.2|http://u/\n";
+  const std::string cases[] = {"",
+                               header + "NAME|x\nVERSION|=|2\n#a\n\n",
+                               header + "NAME\nEND\nEND",
+                               header + "NAME||\nEND\nEND",
+                               "1.4.2|http://u/|\nEND\nEND\nEND",
+                               "1.4.2\nEND\nEND\nEND",
+                               "one|http://u/\nEND\nEND\nEND",
+                               "1.4.2|\nEND\nEND\nEND",
+                               "\xEF\xBB\xBF" + header + "END\nEND\nEND",
+                               header + "END\nEND\nVERSION|=|2|",
+                               header + "END\nEND\nVERSION|=",
+                               header + "END\nEND\nVERSION| =|2",
+                               header + "END\nEND\nVERSION|==|2",
+                               header + "END\nEND\nVERSION|=|two",
+                               header + "END\nEND\nADD|x",
+                               header + "END\nEND\nUPDATE|x",
+                               header + "END\nEND\nDELETE",
+                               header + "END\nEND\nMSG|x",
+                               header + "END\nEND\n!EXECUTE|x|WAIT",
+                               header + "END\nEND\nKILL",
+                               header + "END\nEND\nREGISTER",
+                               header + "END\nEND\nUNREGISTER",
+                               header + "END\nEND\nSLEEP"};
+  for (const auto& script : cases) EXPECT_EQ(Parse(script), ScriptNotUnderstood) << script;
+
+  EXPECT_EQ(Parse(header + "VERSION|=|2\nKILL|a\nKILL"), ScriptNotUnderstood);
+  EXPECT_EQ(Table(), "KILL|a|||0\n") << "what stood before the failing line stays";
+}
+
+TEST_F(Parser, StoresTheHeaderAsFarAsItIsRead) {
+  EXPECT_EQ(Parse("1.4.2|http://u/\nEND\nEND"), ScriptNotUnderstood);
+  EXPECT_EQ(NewUpdaterVersion, 0);
+  EXPECT_EQ(Parse("1.4.2|http://u/\nADD\nEND\nEND"), ScriptNotUnderstood);
+  EXPECT_EQ(NewUpdaterVersion, 11004002);
+  EXPECT_EQ(Parse("x|http://v/\nEND\nEND\nEND"), ScriptNotUnderstood);
+  EXPECT_EQ(NewUpdaterVersion, 0);
+  EXPECT_EQ(NewUpdaterUrl, "http://u/");
+}
+
+TEST(Arrays, SliceKeepsToItsBounds) {
+  const std::vector<std::string> list = {"a", "b", "c"};
+  using modFunciones::ArraySlice;
+  EXPECT_EQ(ArraySlice(list), list);
+  EXPECT_EQ(ArraySlice(list, 1), (std::vector<std::string>{"b", "c"}));
+  EXPECT_EQ(ArraySlice(list, 0, 1), (std::vector<std::string>{"a", "b"}));
+  EXPECT_TRUE(ArraySlice(list, 2, 1).empty());
+  EXPECT_TRUE(ArraySlice(list, 3).empty());
+}
+
+}  // namespace

@@ -1,0 +1,63 @@
+#pragma once
+
+// A folder of a test's own, deleted with it.
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <string>
+
+inline std::string ReadWhole(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// A content as tests compare it: long ones by length and hash, so that a failure stays readable.
+inline std::string Shown(const std::string& content) {
+  if (content.size() < 100) return content;
+  return std::to_string(content.size()) + " bytes with hash " +
+         std::to_string(std::hash<std::string>()(content));
+}
+
+class Sandbox {
+ public:
+  Sandbox() {
+    static int count = 0;
+    do {
+      root = std::filesystem::temp_directory_path() / ("kestrane test " + std::to_string(++count));
+    } while (!std::filesystem::create_directories(root));
+  }
+  ~Sandbox() {
+    std::error_code ignored;
+    std::filesystem::remove_all(root, ignored);
+  }
+  Sandbox(const Sandbox&) = delete;
+  Sandbox& operator=(const Sandbox&) = delete;
+
+  /// The path of a name, whose separators may be "/", as the program takes it.
+  [[nodiscard]] std::string Path(const std::string& name) const {
+    return (root / name).make_preferred().string();
+  }
+  void Write(const std::string& name, const std::string& content) const {
+    std::filesystem::create_directories((root / name).parent_path());
+    std::ofstream(root / name, std::ios::binary) << content;
+  }
+  [[nodiscard]] std::string Read(const std::string& name) const { return ReadWhole(root / name); }
+  [[nodiscard]] bool Has(const std::string& name) const {
+    return std::filesystem::exists(root / name);
+  }
+  /// Every file below the folder with its content as Shown, names with "/".
+  [[nodiscard]] std::map<std::string, std::string> Tree() const {
+    std::map<std::string, std::string> tree;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+      if (!entry.is_regular_file()) continue;
+      const std::string name = entry.path().lexically_relative(root).generic_string();
+      tree[name] = Shown(Read(name));
+    }
+    return tree;
+  }
+
+ private:
+  std::filesystem::path root;
+};

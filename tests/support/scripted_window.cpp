@@ -1,0 +1,90 @@
+#include "tests/support/scripted_window.h"
+
+namespace scripted_window {
+
+State state;
+
+void Reset() {
+  state = {};
+  state.visible.fill(true);
+  state.enabled.fill(true);
+}
+
+}  // namespace scripted_window
+
+namespace platform::window {
+
+using scripted_window::state;
+
+namespace {
+
+std::size_t At(int control) {
+  return static_cast<std::size_t>(control);
+}
+
+}  // namespace
+
+void Create(const Layout& /*layout*/, const Handlers& /*handlers*/) {}
+void Show() {
+  state.shown = true;
+}
+void SetWindowCaption(std::string_view /*caption*/) {}
+void SetWindowIcon(std::string_view /*path*/) {}
+void SetWindowHeight(int height) {
+  state.windowHeight = height;
+}
+void SetText(int control, std::string_view value) {
+  state.text[At(control)] = value;
+  state.history.push_back(std::to_string(control) + ":" + std::string(value));
+}
+std::string Text(int control) {
+  return state.text[At(control)];
+}
+void SetVisible(int control, bool visible) {
+  state.visible[At(control)] = visible;
+}
+void SetEnabled(int control, bool enabled) {
+  state.enabled[At(control)] = enabled;
+}
+bool IsEnabled(int control) {
+  return state.enabled[At(control)];
+}
+void SetTop(int /*control*/, int top) {
+  state.buttonTop = top;
+}
+double TwipsPerPixelX() {
+  return state.twipsPerPixel;
+}
+double TwipsPerPixelY() {
+  return state.twipsPerPixel;
+}
+PictureBox DescribePictureBox(int /*control*/) {
+  return {state.flatLook, 4530, 255, 0};
+}
+void ErasePictureBox(int control) {
+  state.drawn[At(control)].clear();
+}
+void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
+                         std::uint32_t /*colour*/) {
+  state.drawn[At(control)].push_back({left, top, right, bottom});
+}
+void RefreshPictureBox(int control) {
+  ++state.refreshes[At(control)];
+}
+void SetMousePointer(MousePointer pointer) {
+  state.history.push_back(pointer == MousePointer::Hourglass ? "hourglass" : "arrow");
+}
+int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {
+  state.messageBoxes.push_back(std::to_string(style) + "|" + std::string(title) + "|" +
+                               std::string(text));
+  return 1;
+}
+void ProcessPendingEvents() {
+  ++state.yields;
+  state.onYield();
+}
+void RunEventLoop() {
+  std::abort();
+}
+
+}  // namespace platform::window

@@ -1,0 +1,42 @@
+#pragma once
+
+// The window as tests see it: it stands in for the real one and remembers what the program does.
+
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/window.h"
+#include "run/progress_window.h"
+
+namespace scripted_window {
+
+inline constexpr std::size_t ControlCount = frmPrincipal::btCancelar + 1;
+
+struct Rectangle {
+  double left, top, right, bottom;
+};
+
+struct State {
+  std::array<std::string, ControlCount> text;
+  std::array<bool, ControlCount> visible;
+  std::array<bool, ControlCount> enabled;
+  std::array<std::vector<Rectangle>, ControlCount> drawn;
+  std::array<int, ControlCount> refreshes{};
+  int buttonTop = 0;
+  int windowHeight = 0;
+  bool shown = false;
+  bool flatLook = false;
+  double twipsPerPixel = 15;
+  std::vector<std::string> messageBoxes;  // "style|title|text"
+  std::vector<std::string> history;       // every text set, as "control:text"
+  int yields = 0;
+  std::function<void()> onYield = [] {};
+};
+
+/// What happened since Reset, and what the window is to answer.
+extern State state;
+void Reset();
+
+}  // namespace scripted_window

@@ -1,0 +1,254 @@
+// URLs, probes, downloads and the download phase, against a server on loopback.
+
+#include <gtest/gtest.h>
+
+#include "platform/system.h"
+#include "run/messages.h"
+#include "run/run_state.h"
+#include "script/action_table.h"
+#include "tests/support/faults.h"
+#include "tests/support/loopback_server.h"
+#include "tests/support/sandbox.h"
+#include "tests/support/scripted_window.h"
+#include "transfer/availability.h"
+#include "transfer/download.h"
+#include "transfer/download_phase.h"
+#include "transfer/http_probe.h"
+#include "transfer/url.h"
+
+namespace {
+
+using namespace modPrincipal;
+using namespace modFunciones;
+using scripted_window::state;
+using Texts = std::vector<std::string>;
+using Tree = std::map<std::string, std::string>;
+
+TEST(Url, IsSplitIntoHostPortAndPath) {
+  const struct {
+    std::string url;
+    Texts parts;
+  } cases[] = {
+      {"http://server/upd/info.txt", {"server", "80", "/upd/info.txt"}},
+      {"server:8080", {"server", "8080", "/"}},
+      {"http://server:81/a/b.zip", {"server", "81", "/a/b.zip"}},
+      {"server", {"server", "80", "/"}},
+      {"http://server/dir/http://x", {"server", "80", "/dir/x"}},
+      {"http://", {}},
+      {"", {}},
+      {"http://server/a:b", {}},
+      {"HTTP://server/a", {"HTTP", "", "//server/a"}},
+      {"WAIT", {"WAIT", "80", "/"}},
+      {"/:", {}},
+  };
+  for (const auto& [url, parts] : cases) EXPECT_EQ(SplitUrl(url), parts) << url;
+
+  EXPECT_EQ(PortNumber("0"), 0);
+  EXPECT_EQ(PortNumber("32767"), 32767);
+  for (const char* text : {"", "x", "-1", "+80", "80 ", "32768", "65616", "4294967376"}) {
+    EXPECT_EQ(PortNumber(text), std::nullopt) << text;
+  }
+}
+
+class Transfer : public testing::Test {
+ protected:
+  void SetUp() override {
+    ResetRunState();
+    ResetActionTable();
+    scripted_window::Reset();
+  }
+
+  std::string Query(std::uint32_t infoLevel, const std::string& path) {
+    UrlParts = SplitUrl(server.Url(path));
+    std::int32_t length = TransferBlockSize;
+    return HttpHeadQuery(infoLevel, UrlParts[0], *PortNumber(UrlParts[1]), UrlParts[2], length, "",
+                         "", "", UserAgentText, PreconfiguredAccess, "");
+  }
+
+  static std::string Fetch(const std::string& url, const std::string& target = "") {
+    return DownloadUrl(url, target, UserAgentText, PreconfiguredAccess, "");
+  }
+
+  static std::string Bytes(std::size_t count) {
+    std::string bytes(count, '\0');
+    for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>(i * 7 + i / 256);
+    return bytes;
+  }
+
+  LoopbackServer server;
+  Sandbox sandbox;
+};
+
+TEST_F(Transfer, ProbesSendOneHeadRequestEach) {
+  server.Serve("/there", {.body = "12345"});
+  server.Serve("/moved", {.status = "302 Found", .headers = "Location: /there\r\n"});
+  server.Serve("/unknown-length", {.contentLength = ""});
+  EXPECT_EQ(Query(HTTP_QUERY_STATUS_CODE, "/there"), "200");
+  EXPECT_TRUE(server.SawUserAgent(UserAgentText));
+  EXPECT_EQ(Query(HTTP_QUERY_CONTENT_LENGTH, "/there"), "5");
+  EXPECT_EQ(state.yields, 2);
+  EXPECT_EQ(Query(HTTP_QUERY_STATUS_CODE, "/missing"), "404");
+  EXPECT_EQ(Query(HTTP_QUERY_CONTENT_LENGTH, "/unknown-length"), "");
+  EXPECT_EQ(server.TakeRequests(),
+            (Texts{"HEAD /there HTTP/1.0", "HEAD /there HTTP/1.0", "HEAD /missing HTTP/1.0",
+                   "HEAD /unknown-length HTTP/1.0"}));
+
+  EXPECT_EQ(Query(HTTP_QUERY_STATUS_CODE, "/moved"), "200");
+  UrlParts = SplitUrl("http://127.0.0.1:1/");
+  EXPECT_FALSE(IsAvailable());
+  EXPECT_TRUE(IsOnline());
+}
+
+TEST_F(Transfer, RecordingAnActionChecksItsFile) {
+  server.Serve("/f", {.body = Bytes(2048)});
+  server.Serve("/none", {.contentLength = ""});
+  server.Serve("/words", {.contentLength = "12x"});
+  server.Serve("/huge", {.contentLength = "2147483648"});
+  server.Serve("/most", {.contentLength = "2147483647"});
+  server.Serve("/partial", {.body = "x", .status = "206 Partial Content"});
+  const struct {
+    std::string command;
+    std::string url;
+    bool recorded;
+    std::int32_t size;
+    std::size_t requests;
+  } cases[] = {
+      {"add", server.Url("/f"), true, 2048, 2},
+      {"UPDATE", server.Url("/most"), true, 2147483647, 2},
+      {"ADD", server.Url("/none"), false, 0, 2},
+      {"ADD", server.Url("/words"), false, 0, 2},
+      {"ADD", server.Url("/huge"), false, 0, 2},
+      {"ADD", server.Url("/missing"), false, 0, 1},
+      {"ADD", server.Url("/partial"), false, 0, 1},
+      {"ADD", "http://127.0.0.1:99999/f", false, 0, 0},
+      {"ADD", "http:///a:b", false, 0, 0},
+      {"ADD", "", true, 0, 0},
+      {"DELETE", server.Url("/f"), true, 0, 0},
+      {"EXECUTE", "a/b:c", true, 0, 0},
+  };
+  std::size_t rows = 0;
+  for (const auto& [command, url, recorded, size, requests] : cases) {
+    EXPECT_EQ(AddAction(command, "$AppPath\\x", url, "s"), recorded) << url;
+    ASSERT_EQ(ActionCommand.size(), ++rows);
+    EXPECT_EQ(ActionSize.back(), size) << url;
+    EXPECT_EQ(server.TakeRequests().size(), requests) << url;
+  }
+  EXPECT_EQ(ActionCommand.front(), "ADD");
+  EXPECT_EQ(ActionArg1.back(), platform::system::ExecutableFolder() + "\\x");
+  EXPECT_EQ(ActionArg2.back(), "a/b:c");
+  EXPECT_EQ(ActionArg3.back(), "s");
+}
+
+TEST_F(Transfer, DownloadsWholeBodies) {
+  for (const std::size_t size : {0U, 1U, 1023U, 1024U, 1025U, 2048U, 70'000U}) {
+    const std::string path = "/" + std::to_string(size);
+    server.Serve(path, {.body = Bytes(size)});
+    EXPECT_EQ(Fetch(server.Url(path)), Bytes(size)) << size;
+    sandbox.Write("f", "an older and longer content" + Bytes(3000));
+    EXPECT_EQ(Fetch(server.Url(path), sandbox.Path("f")), sandbox.Path("f")) << size;
+    EXPECT_EQ(sandbox.Read("f"), Bytes(size)) << size;
+  }
+  server.Serve("/error", {.body = "page", .status = "500 Broken"});
+  EXPECT_EQ(Fetch(server.Url("/error")), "page");
+  server.Serve("/open-ended", {.body = Bytes(5000), .contentLength = ""});
+  EXPECT_EQ(Fetch(server.Url("/open-ended")), Bytes(5000));
+  EXPECT_TRUE(state.history.empty());
+  EXPECT_EQ(TotalBytesDone + FileBytesDone, 0);
+}
+
+TEST_F(Transfer, FailsRatherThanInstallPartOfABody) {
+  for (const std::size_t cut : {0U, 1U, 1023U, 1024U, 1025U, 4999U}) {
+    server.Serve("/f", {.body = Bytes(5000), .cutAt = cut});
+    EXPECT_EQ(Fetch(server.Url("/f")), "") << cut;
+    EXPECT_EQ(Fetch(server.Url("/f"), sandbox.Path("f")), "") << cut;
+  }
+  sandbox.Write("kept", "old");
+  for (const std::string url : {"http://127.0.0.1:1/f", "127.0.0.1/f", "", "nonsense"}) {
+    EXPECT_EQ(Fetch(url, sandbox.Path("kept")), "") << url;
+  }
+  EXPECT_EQ(sandbox.Read("kept"), "old");
+
+  server.Serve("/f", {.body = "new"});
+  EXPECT_EQ(Fetch(server.Url("/f"), sandbox.Path("no/folder")), "");
+  const auto lock = faults::Lock(sandbox.Path("kept"));
+  EXPECT_EQ(Fetch(server.Url("/f"), sandbox.Path("kept")), "");
+}
+
+TEST(Progress, IsToldInKilobytesOrMegabytes) {
+  const std::string point = platform::system::DecimalSeparator();
+  EXPECT_EQ(ProgressText(0, 1536), "0 KB/2 KB");
+  EXPECT_EQ(ProgressText(512, 2560), "0 KB/2 KB");
+  EXPECT_EQ(ProgressText(12'288, 9'999'999), "12 KB/9766 KB");
+  EXPECT_EQ(ProgressText(0, 10'000'000), "0" + point + "00 MB/9" + point + "54 MB");
+  EXPECT_EQ(ProgressText(1'572'864, 12'582'912), "1" + point + "50 MB/12" + point + "00 MB");
+  EXPECT_EQ(ProgressText(1'100'000, 5'000'000'000), "1" + point + "05 MB/4768" + point + "37 MB");
+}
+
+TEST_F(Transfer, PhasePutsEveryFileBesideItsDestination) {
+  server.Serve("/a", {.body = Bytes(3000)});
+  server.Serve("/b", {.body = Bytes(5000)});
+  server.Serve("/empty", {});
+  const std::string deep = sandbox.Path("one/two three/b.dll");
+  ASSERT_TRUE(AddAction("ADD", sandbox.Path("a.exe"), server.Url("/a"), ""));
+  ASSERT_TRUE(AddAction("KILL", "x", "", ""));
+  ASSERT_TRUE(AddAction("UPDATE", deep, server.Url("/b"), ""));
+  ASSERT_TRUE(AddAction("ADD", sandbox.Path("empty"), server.Url("/empty"), ""));
+  std::size_t fullBars = 0;
+  state.onYield = [&] {
+    if (state.drawn[frmPrincipal::picFile].size() == 33) ++fullBars;
+  };
+
+  EXPECT_EQ(DownloadFiles(), "");
+  EXPECT_EQ(sandbox.Tree(), (Tree{{"a.exe.tmp", Shown(Bytes(3000))},
+                                  {"one/two three/b.dll.tmp", Shown(Bytes(5000))},
+                                  {"empty.tmp", ""}}));
+  EXPECT_EQ(TotalBytes, 8000);
+  EXPECT_EQ(TotalBytesDone, 8000);
+  EXPECT_FALSE(TransferProgressOn);
+  const auto& history = state.history;
+  for (const auto* text : {"4:3 KB/3 KB", "7:3 KB/8 KB", "7:4 KB/8 KB", "4:0 KB/0 KB"}) {
+    EXPECT_NE(std::find(history.begin(), history.end(), text), history.end()) << text;
+  }
+  EXPECT_GE(fullBars, 1U);
+  EXPECT_EQ(history.back(), "7:");
+  EXPECT_EQ(state.text[frmPrincipal::lblFileProgreso], "");
+  EXPECT_TRUE(state.drawn[frmPrincipal::picFile].empty());
+  EXPECT_TRUE(state.drawn[frmPrincipal::picTotal].empty());
+}
+
+TEST_F(Transfer, PhaseStopsAtTheFirstFailure) {
+  server.Serve("/a", {.body = Bytes(3000)});
+  server.Serve("/cut", {.body = Bytes(5000), .cutAt = 2048});
+  for (const char* name : {"a", "cut", "c"}) {
+    ASSERT_TRUE(
+        AddAction("ADD", sandbox.Path(name), server.Url(name[0] == 'c' ? "/cut" : "/a"), ""));
+  }
+  EXPECT_EQ(DownloadFiles(), WriteFailure);
+  EXPECT_EQ(sandbox.Tree(), (Tree{{"a.tmp", Shown(Bytes(3000))}, {"cut.tmp", Shown(Bytes(2048))}}));
+  EXPECT_TRUE(TransferProgressOn);
+
+  SetUp();
+  ASSERT_TRUE(AddAction("ADD", sandbox.Path("no-url"), "", ""));
+  EXPECT_EQ(DownloadFiles(), "") << "nothing to download";
+  EXPECT_TRUE(state.history.empty());
+  ASSERT_TRUE(AddAction("ADD", sandbox.Path("a"), server.Url("/a"), ""));
+  EXPECT_EQ(DownloadFiles(), WriteFailure);
+}
+
+TEST_F(Transfer, PhaseNeedsTheSpaceOfAllFiles) {
+  const std::int64_t free = FreeDiskSpaceKB("C:");
+  EXPECT_GT(free, 0);
+  EXPECT_EQ(FreeDiskSpaceKB("C:/"), free);
+  EXPECT_EQ(FreeDiskSpaceKB("?:"), 0);
+  for (std::int64_t announced = 0; announced / 1024 <= free; announced += INT32_MAX) {
+    ActionCommand.emplace_back("ADD");
+    ActionSize.push_back(INT32_MAX);
+  }
+  ActionArg1.resize(ActionCommand.size());
+  ActionArg2.resize(ActionCommand.size());
+  EXPECT_EQ(DownloadFiles(), NoDiskSpace);
+  EXPECT_TRUE(server.TakeRequests().empty());
+  EXPECT_TRUE(state.history.empty());
+}
+
+}  // namespace

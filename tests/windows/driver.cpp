@@ -1,0 +1,102 @@
+#include "tests/windows/driver.h"
+
+#include "platform/windows/text.h"
+
+namespace driver {
+namespace {
+
+constexpr int FirstControlId = 100;
+
+std::string WindowText(HWND window) {
+  wchar_t text[1024] = L"";
+  // Not WM_GETTEXT: the program answers no messages while it waits for its server.
+  InternalGetWindowText(window, text, std::size(text));
+  return platform::windows::FromUtf16(text);
+}
+
+}  // namespace
+
+ProgramRun::ProgramRun(const std::string& program, const std::vector<std::string>& arguments) {
+  std::string line = '"' + program + '"';
+  for (const auto& argument : arguments) line += " \"" + argument + '"';
+  STARTUPINFOA startup = {};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION started = {};
+  CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                 &started);
+  CloseHandle(started.hThread);
+  process = started.hProcess;
+}
+
+ProgramRun::~ProgramRun() {
+  TerminateProcess(process, 1);
+  WaitForSingleObject(process, 5000);
+  CloseHandle(process);
+}
+
+bool ProgramRun::WaitForEnd() const {
+  return WaitForSingleObject(process, 30'000) == WAIT_OBJECT_0;
+}
+bool ProgramRun::HasEnded() const {
+  return WaitForSingleObject(process, 0) == WAIT_OBJECT_0;
+}
+
+HWND Window() {
+  const HWND window = FindWindowW(L"KestraneWindow", nullptr);
+  return IsWindowVisible(window) != FALSE ? window : nullptr;
+}
+
+HWND At(Control control) {
+  return GetDlgItem(Window(), FirstControlId + control);
+}
+std::string Caption() {
+  return WindowText(Window());
+}
+std::string Text(Control control) {
+  return WindowText(At(control));
+}
+
+bool WaitForText(Control control, std::string_view text) {
+  return Eventually([&] { return Window() != nullptr && Text(control) == text; });
+}
+
+std::string FinalMessage() {
+  if (!WaitForText(frmPrincipal::btCancelar, "Finalizar")) return "(no final screen)";
+  // The message is written behind the button's caption.
+  DWORD_PTR ignored = 0;
+  SendMessageTimeoutW(Window(), WM_NULL, 0, 0, SMTO_NORMAL, 5000, &ignored);
+  return Text(frmPrincipal::lblMensaje);
+}
+
+void Click(Control control) {
+  PostMessageW(At(control), BM_CLICK, 0, 0);
+}
+
+std::string Place(Control control) {
+  RECT area;
+  GetWindowRect(At(control), &area);
+  MapWindowPoints(nullptr, Window(), reinterpret_cast<POINT*>(&area), 2);
+  return std::to_string(area.left) + "," + std::to_string(area.top) + "," +
+         std::to_string(area.right - area.left) + "," + std::to_string(area.bottom - area.top);
+}
+
+HWND Box() {
+  for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, L"#32770", nullptr)) != nullptr;) {
+    if (GetWindow(box, GW_OWNER) == Window() && IsWindowVisible(box) != FALSE) return box;
+  }
+  return nullptr;
+}
+
+std::string BoxText() {
+  constexpr int MessageId = 0xFFFF;
+  if (!Eventually([] { return Box() != nullptr; })) return "(no message box)";
+  return WindowText(Box()) + "|" + WindowText(GetDlgItem(Box(), MessageId));
+}
+
+void AnswerBox(int button) {
+  const HWND box = Box();
+  PostMessageW(GetDlgItem(box, button), BM_CLICK, 0, 0);
+  (void)Eventually([box] { return IsWindow(box) == FALSE; });
+}
+
+}  // namespace driver
