@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 
 #include "install/component_registration.h"
@@ -65,15 +64,16 @@ bool PutInPlace(const std::string& path) {
 bool AddFile(const std::string& path) {
   if (modFunciones::FileExists(path)) {
     const std::string backup = path + ".bak";
-    // An old backup, or a target of UpdateFile, that could not be deleted makes the rename fail.
-    (void)modFunciones::FileDelete(backup);
+    (void)modFunciones::FileDelete(backup);  // one that stays makes the rename fail
     if (!modFunciones::FileRename(path, backup)) return false;
   }
   return PutInPlace(path);
 }
 
 bool UpdateFile(const std::string& path) {
-  (void)modFunciones::FileDelete(path);
+  // Nothing was downloaded where the whole update announced no bytes: keep what is there.
+  if (!modFunciones::FileExists(path + ".tmp")) return false;
+  (void)modFunciones::FileDelete(path);  // one that stays makes the rename fail
   return PutInPlace(path);
 }
 
@@ -101,11 +101,11 @@ bool CarryOut(const Action& action, Styles& styles) {
     ChooseStyle(styles.window, WindowStyles, action.arg3);
     Execute(action, styles.window);
   } else if (action.command == "KILL") {
-    modKillApp::KillApp(action.arg1);
+    (void)modKillApp::KillApp(action.arg1);  // nobody is told how these went
   } else if (action.command == "REGISTER") {
-    modOcxDllReg::RegisterOcxDll(action.arg1, modOcxDllReg::RegisterMode);
+    (void)modOcxDllReg::RegisterOcxDll(action.arg1, modOcxDllReg::RegisterMode);
   } else if (action.command == "UNREGISTER") {
-    modOcxDllReg::RegisterOcxDll(action.arg1, modOcxDllReg::UnregisterMode);
+    (void)modOcxDllReg::RegisterOcxDll(action.arg1, modOcxDllReg::UnregisterMode);
   } else if (action.command == "SLEEP") {
     Pause(action.arg1);
   }
@@ -150,14 +150,18 @@ std::string RunAction(std::string_view command, const std::string& arg1, const s
 namespace modFunciones {
 
 std::string QuoteProgram(const std::string& commandLine) {
+  constexpr const char* Blanks = " \t";
   if (commandLine.starts_with('"')) return commandLine;
-  for (auto end = commandLine.size();; end = commandLine.rfind(' ', end - 1)) {
-    if (end == std::string::npos || end == 0) return commandLine;
-    const std::string program = commandLine.substr(0, end);
+  auto last = commandLine.find_last_not_of(Blanks);
+  while (last != std::string::npos) {
+    const std::string program = commandLine.substr(0, last + 1);
     if (platform::files::IsFile(program) || platform::files::IsFile(program + ".exe")) {
-      return '"' + program + '"' + commandLine.substr(end);
+      return '"' + program + '"' + commandLine.substr(last + 1);
     }
+    const auto blank = commandLine.find_last_of(Blanks, last);
+    last = blank == std::string::npos ? blank : commandLine.find_last_not_of(Blanks, blank);
   }
+  return commandLine;
 }
 
 }  // namespace modFunciones

@@ -25,7 +25,7 @@ class HourglassPointer {
 
 }  // namespace
 
-bool RegisterOcxDll(std::string_view path, std::int32_t mode) {
+bool RegisterOcxDll(const std::string& path, std::int32_t mode) {
   if (!modFunciones::FileExists(path)) return false;
   components::Library library = components::Load(path);
   if (!library) return false;

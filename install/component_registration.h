@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
+#include <string>
 
 namespace modOcxDllReg {
 
@@ -10,6 +10,6 @@ inline constexpr std::int32_t UnregisterMode = 1;
 
 /// Lets a component library register (unregister) itself through its own entry point, run on a
 /// worker thread. True when the entry point ended within 10,000 milliseconds, whatever it returned.
-bool RegisterOcxDll(std::string_view path, std::int32_t mode);
+[[nodiscard]] bool RegisterOcxDll(const std::string& path, std::int32_t mode);
 
 }  // namespace modOcxDllReg

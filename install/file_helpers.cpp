@@ -1,7 +1,6 @@
 #include "install/file_helpers.h"
 
 #include <new>
-#include <stdexcept>
 
 #include "platform/files.h"
 
@@ -9,11 +8,11 @@ namespace modFunciones {
 
 namespace files = platform::files;
 
-bool FileExists(std::string_view path) {
+bool FileExists(const std::string& path) {
   return !files::Find(path).empty();
 }
 
-bool FileDelete(std::string_view path) {
+bool FileDelete(const std::string& path) {
   bool deleted = true;
   for (const auto& file : files::Find(path)) {
     if (!files::Delete(file)) deleted = false;
@@ -21,26 +20,28 @@ bool FileDelete(std::string_view path) {
   return deleted;
 }
 
-bool FileRename(std::string_view oldPath, std::string_view newPath) {
+bool FileRename(const std::string& oldPath, const std::string& newPath) {
   return files::Rename(oldPath, newPath);
 }
 
-std::string FileReadAll(std::string_view path) {
+std::string FileReadAll(const std::string& path) {
   if (!FileExists(path)) return "";
   const files::File file = files::OpenForReading(path);
   if (!file) return "";
   const auto length = files::Length(file);
   if (!length) return "";
   try {
-    std::string content(static_cast<std::size_t>(*length), '\0');
-    return files::Read(file, content) ? content : "";
+    std::string content;
+    if (static_cast<std::uint64_t>(*length) > content.max_size()) return "";
+    content.resize(static_cast<std::size_t>(*length));
+    if (files::Read(file, content)) return content;
   } catch (const std::bad_alloc&) {
-  } catch (const std::length_error&) {
+    // Content that does not fit into memory cannot be read.
   }
-  return "";  // the content does not fit into memory
+  return "";
 }
 
-bool FileWriteAll(std::string_view path, std::string_view content) {
+bool FileWriteAll(const std::string& path, std::string_view content) {
   if (!FileDelete(path)) return false;
   const files::File file = files::Create(path);
   return file && files::Write(file, content);

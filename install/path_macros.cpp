@@ -33,9 +33,9 @@ std::string ExpandMacros(std::string_view value) {
   return ReplaceAll(expanded, "$AppPath", platform::system::ExecutableFolder());
 }
 
-void CreateFolderPath(std::string_view path) {
-  for (auto at = path.find('\\'); at != std::string_view::npos; at = path.find('\\', at + 1)) {
-    const auto folder = path.substr(0, at + 1);
+void CreateFolderPath(const std::string& path) {
+  for (auto at = path.find('\\'); at != std::string::npos; at = path.find('\\', at + 1)) {
+    const std::string folder = path.substr(0, at + 1);
     // The download that follows fails and is reported when the folder is not there.
     if (!platform::files::FolderExists(folder)) (void)platform::files::CreateFolder(folder);
   }

@@ -15,6 +15,6 @@ namespace modFunciones {
 
 /// Creates the missing folders of a path, outermost first; what follows the last backslash is not
 /// created. A folder that cannot be created shows in what is then written into it.
-void CreateFolderPath(std::string_view path);
+void CreateFolderPath(const std::string& path);
 
 }  // namespace modFunciones

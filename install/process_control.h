@@ -7,11 +7,11 @@ namespace modKillApp {
 
 /// Ends every process whose executable file name ends with the given name, letter case aside. True
 /// when at least one matched, whether or not it could be ended. An empty name matches nothing.
-bool KillApp(std::string_view name);
+[[nodiscard]] bool KillApp(std::string_view name);
 
 /// Ends one process, with the debug privilege on for the duration of the call. True when it was
 /// terminated.
-bool KillProcess(std::uint32_t id, std::uint32_t exitCode);
+[[nodiscard]] bool KillProcess(std::uint32_t id, std::uint32_t exitCode);
 
 }  // namespace modKillApp
 

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 #include <memory>
-#include <string_view>
+#include <string>
 
 namespace platform::components {
 
@@ -23,10 +23,10 @@ using Worker = std::unique_ptr<void, CloseWorker>;
 /// A function without parameters, called in the system's convention for component entries.
 using EntryPoint = void*;
 
-[[nodiscard]] Library Load(std::string_view path);
+[[nodiscard]] Library Load(const std::string& path);
 
 /// Null when the library has no such entry.
-[[nodiscard]] EntryPoint FindEntryPoint(const Library& library, std::string_view name);
+[[nodiscard]] EntryPoint FindEntryPoint(const Library& library, const std::string& name);
 
 /// Starts a thread that runs the entry point once.
 [[nodiscard]] Worker StartWorker(EntryPoint entryPoint);

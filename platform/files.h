@@ -16,28 +16,28 @@ namespace platform::files {
 /// Paths of the plain files that match; the last component may hold "*" and "?". Folders, hidden
 /// files and system files are passed over. A path that the system rejects matches nothing.
 /// Windows: FindFirstFileA.
-[[nodiscard]] std::vector<std::string> Find(std::string_view pattern);
+[[nodiscard]] std::vector<std::string> Find(const std::string& pattern);
 
 /// True when the path, taken without wildcards, names anything that is not a folder.
-[[nodiscard]] bool IsFile(std::string_view path);
+[[nodiscard]] bool IsFile(const std::string& path);
 
-[[nodiscard]] bool Delete(std::string_view path);
+[[nodiscard]] bool Delete(const std::string& path);
 
 /// Renames a file or moves it to another folder; never overwrites.
-[[nodiscard]] bool Rename(std::string_view oldPath, std::string_view newPath);
+[[nodiscard]] bool Rename(const std::string& oldPath, const std::string& newPath);
 
-[[nodiscard]] bool FolderExists(std::string_view path);
-[[nodiscard]] bool CreateFolder(std::string_view path);
+[[nodiscard]] bool FolderExists(const std::string& path);
+[[nodiscard]] bool CreateFolder(const std::string& path);
 
 struct CloseFile {
   void operator()(void* file) const;
 };
 using File = std::unique_ptr<void, CloseFile>;
 
-[[nodiscard]] File OpenForReading(std::string_view path);
+[[nodiscard]] File OpenForReading(const std::string& path);
 
 /// Creates the file, or empties the one that is there.
-[[nodiscard]] File Create(std::string_view path);
+[[nodiscard]] File Create(const std::string& path);
 
 /// Length in bytes.
 [[nodiscard]] std::optional<std::int64_t> Length(const File& file);
@@ -57,6 +57,6 @@ struct DiskSpace {
 };
 
 /// root: root folder of the volume, such as C:/. Windows: GetDiskFreeSpaceA.
-[[nodiscard]] DiskSpace QueryDiskSpace(std::string_view root);
+[[nodiscard]] DiskSpace QueryDiskSpace(const std::string& root);
 
 }  // namespace platform::files

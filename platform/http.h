@@ -8,7 +8,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace platform::http {
 
@@ -21,21 +20,21 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 [[nodiscard]] bool IsOffline();
 
 /// accessType: 0 is INTERNET_OPEN_TYPE_PRECONFIG, the system's proxy settings.
-[[nodiscard]] Handle OpenRoot(std::string_view userAgent, std::int32_t accessType,
-                              std::string_view proxy);
+[[nodiscard]] Handle OpenRoot(const std::string& userAgent, std::int32_t accessType,
+                              const std::string& proxy);
 
-[[nodiscard]] Handle Connect(const Handle& root, std::string_view host, std::uint16_t port);
+[[nodiscard]] Handle Connect(const Handle& root, const std::string& host, std::uint16_t port);
 
 /// version: such as "HTTP/1.0". Redirections are followed.
-[[nodiscard]] Handle OpenRequest(const Handle& connection, std::string_view verb,
-                                 std::string_view objectName, std::string_view version,
-                                 std::string_view referrer);
+[[nodiscard]] Handle OpenRequest(const Handle& connection, const std::string& verb,
+                                 const std::string& objectName, const std::string& version,
+                                 const std::string& referrer);
 
 /// Adds header lines, each replacing one of the same name.
-[[nodiscard]] bool AddRequestHeaders(const Handle& request, std::string_view headers);
+[[nodiscard]] bool AddRequestHeaders(const Handle& request, const std::string& headers);
 
 /// Sends the request and reads the head of the answer. It blocks.
-[[nodiscard]] bool Send(const Handle& request, std::string_view optionalData);
+[[nodiscard]] bool Send(const Handle& request, const std::string& optionalData);
 
 /// Writes the text of a value of the answer into the buffer and its length into length, which holds
 /// the room offered before. infoLevel: an HTTP_QUERY_ selector. False when the answer does not
@@ -45,7 +44,7 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 
 /// Starts a GET of an absolute URL; redirections are followed. It blocks until the head of the
 /// answer is there, whatever its status.
-[[nodiscard]] Handle OpenUrl(const Handle& root, std::string_view url);
+[[nodiscard]] Handle OpenUrl(const Handle& root, const std::string& url);
 
 /// Length of the body in bytes as the answer to OpenUrl announces it; nothing when it announces
 /// none.

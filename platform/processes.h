@@ -8,7 +8,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace platform::processes {
 
@@ -37,7 +36,7 @@ struct Entry {
 
 /// Locally unique id of a privilege on this system.
 using PrivilegeId = std::uint64_t;
-[[nodiscard]] std::optional<PrivilegeId> LookUpPrivilege(std::string_view name);
+[[nodiscard]] std::optional<PrivilegeId> LookUpPrivilege(const std::string& name);
 
 /// attributes: 2 (SE_PRIVILEGE_ENABLED) or 0.
 [[nodiscard]] bool AdjustPrivilege(const Token& token, PrivilegeId privilege,
@@ -46,7 +45,7 @@ using PrivilegeId = std::uint64_t;
 [[nodiscard]] Process Open(std::uint32_t access, std::uint32_t id);
 
 /// Ends a process and returns once it is gone and has let go of its files, after 5 seconds at the
-/// most. False when it may not be ended.
+/// most; so too when it was ending already. False when it was not this call that ended it.
 [[nodiscard]] bool Terminate(const Process& process, std::uint32_t exitCode);
 
 /// exitCode: 259 (STILL_ACTIVE) while the process runs.
@@ -63,7 +62,7 @@ struct StartedProgram {
 };
 
 /// Starts a program with its parameters; showValue is a SW_ value of ShowWindow.
-[[nodiscard]] std::optional<StartedProgram> Start(std::string_view commandLine, int showValue);
+[[nodiscard]] std::optional<StartedProgram> Start(const std::string& commandLine, int showValue);
 
 /// Blocks the thread.
 void Sleep(std::uint32_t milliseconds);

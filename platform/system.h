@@ -5,7 +5,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 namespace platform::system {
 
@@ -29,8 +28,8 @@ namespace platform::system {
 
 /// Opens a file through the shell, owned by the desktop window; showValue is a SW_ value of
 /// ShowWindow. Returns the shell's code, above 32 on success.
-std::int32_t OpenWithShell(std::string_view verb, std::string_view file,
-                           std::string_view parameters, std::string_view folder, int showValue);
+std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
+                           const std::string& parameters, const std::string& folder, int showValue);
 
 /// Ends the process at once with exit code 0: nothing else of the program runs, open files are
 /// closed, other threads are not waited for.

@@ -45,7 +45,7 @@ void Show();
 void SetWindowCaption(std::string_view caption);
 
 /// Keeps the icon as it is when the file is no icon.
-void SetWindowIcon(std::string_view path);
+void SetWindowIcon(const std::string& path);
 
 /// Height with title bar and borders.
 void SetWindowHeight(int height);

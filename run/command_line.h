@@ -6,9 +6,10 @@
 
 namespace modFunciones {
 
-/// Cuts an argument text into its arguments. Element 0 of the result is ownPath, each later element
-/// holds at least one character. Blanks and tabs separate unless quoted; inside an argument \"
-/// stands for a literal quote.
+/// Cuts an argument text into its arguments, behind ownPath as element 0. Each of them holds at
+/// least one character; a quoted blank in front of the first character of an argument goes to the
+/// element before it. Blanks and tabs separate unless quoted; inside an argument \" stands for a
+/// literal quote.
 [[nodiscard]] std::vector<std::string> SplitArguments(std::string_view ownPath,
                                                       std::string_view argumentText);
 

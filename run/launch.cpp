@@ -9,7 +9,7 @@ constexpr int ShowNormal = 1;  // SW_SHOWNORMAL
 
 }  // namespace
 
-std::int32_t LaunchFile(std::string_view file, std::string_view parameters) {
+std::int32_t LaunchFile(const std::string& file, const std::string& parameters) {
   return platform::system::OpenWithShell("Open", file, parameters, "C:\\", ShowNormal);
 }
 

@@ -20,6 +20,10 @@ std::int64_t FileBytes = 0;
 std::int64_t FileBytesDone = 0;
 
 void ResetRunState() {
+  for (auto* text : {&AppVersion, &AppDiskPath, &UpdateInfoUrl, &LaunchOnFinish, &ShowSuccessScreen,
+                     &AppTitle, &AppIconFile}) {
+    text->clear();
+  }
   HadError = false;
   SequenceStarted = false;
   TransferProgressOn = false;

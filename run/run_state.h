@@ -17,7 +17,7 @@ extern std::string ShowSuccessScreen;  // upper-cased; "NO" skips the final scre
 extern std::string AppTitle;           // window caption and title of message boxes; may be empty
 extern std::string AppIconFile;        // icon of the window; may be empty
 
-/// Set immediately before a failure goes to the final screen, by whoever found it.
+/// Set by FailWithMessage, immediately before a failure goes to the final screen.
 extern bool HadError;
 
 /// Set by the first resize and by the final screen: no later resize starts the sequence.
@@ -31,7 +31,7 @@ extern std::int64_t TotalBytesDone;  // of the files already finished
 extern std::int64_t FileBytes;
 extern std::int64_t FileBytesDone;
 
-/// Sets the flags and counters back to false and 0.
+/// Sets everything back to empty, false and 0.
 void ResetRunState();
 
 }  // namespace modPrincipal

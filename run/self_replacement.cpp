@@ -25,8 +25,8 @@ void WriteAndSwitchTo(std::string_view fileName, const std::string& program) {
 }
 
 void EndAndDelete(std::string_view fileName) {
-  modKillApp::KillApp(fileName);
-  // A file that cannot be deleted makes the writing that follows fail; a stale copy just stays.
+  // A file that stays makes the writing that follows fail; a stale copy just stays.
+  (void)modKillApp::KillApp(fileName);
   (void)modFunciones::FileDelete(InOwnFolder(fileName));
 }
 

@@ -26,8 +26,9 @@ void RemoveTemporaryCopy();
 /// process. Returns when there is nothing to write or it cannot be written.
 void HandOverToNewUpdater(const std::string& program);
 
-/// Second stage, run by the temporary copy: puts itself in the updater's place, starts it and ends
-/// the process; when it cannot, the final screen tells the user what to do.
+/// Second stage, run by the temporary copy: puts the file KestraneTmp.exe in the updater's place,
+/// starts the updater and ends the process; when it cannot, the final screen tells the user what to
+/// do.
 void ReplaceUpdater();
 
 }  // namespace modPrincipal

@@ -25,7 +25,7 @@ namespace {
 namespace window = platform::window;
 using Arguments = std::vector<std::string>;
 
-// Earlier releases of the applications still name the script of earlier updaters.
+// A URL that names the former script gets the current one.
 constexpr std::string_view FormerScriptName = "KDvelomar.txt";
 constexpr std::string_view ScriptName = "KDvelomar2.txt";
 

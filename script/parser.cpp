@@ -1,5 +1,7 @@
 #include "script/parser.h"
 
+#include <new>
+
 #include "install/action_executor.h"
 #include "platform/text.h"
 #include "run/messages.h"
@@ -120,12 +122,16 @@ void ResetScript() {
 }
 
 std::vector<Fields> CutScript(std::string_view script) {
-  std::vector<Fields> significant;
-  for (const auto& line : modFunciones::Split(modFunciones::ReplaceAll(script, "\r", ""), '\n')) {
-    if (line.empty() || line.starts_with('#')) continue;
-    significant.push_back(modFunciones::Split(line, '|'));
+  try {
+    std::vector<Fields> significant;
+    for (const auto& line : modFunciones::Split(modFunciones::ReplaceAll(script, "\r", ""), '\n')) {
+      if (line.empty() || line.starts_with('#')) continue;
+      significant.push_back(modFunciones::Split(line, '|'));
+    }
+    return significant;
+  } catch (const std::bad_alloc&) {
+    return {};
   }
-  return significant;
 }
 
 std::string ParseUpdateScript(std::vector<Fields>& lines) {

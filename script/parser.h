@@ -19,7 +19,7 @@
 namespace modPrincipal {
 
 /// The significant lines of the script, in order, each cut into its fields; element 0 is the
-/// header.
+/// header. Written by CheckForUpdate, from CutScript.
 extern std::vector<std::vector<std::string>> ScriptLines;
 
 // Written by ParseUpdateScript.
@@ -30,7 +30,8 @@ extern std::string AppDisplayName;  // from the last NAME line
 /// Sets these values back to nothing.
 void ResetScript();
 
-/// Cuts the text of a script into its significant lines and their fields.
+/// Cuts the text of a script into its significant lines and their fields. A script that does not
+/// fit into memory has no lines.
 [[nodiscard]] std::vector<std::vector<std::string>> CutScript(std::string_view script);
 
 /// Reads the header and the commands: fills the three values and the ActionTable, and carries out

@@ -15,6 +15,8 @@
 #include "run/messages.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
+#include "script/parser.h"
+#include "script/replace.h"
 #include "tests/support/faults.h"
 #include "tests/support/sandbox.h"
 #include "tests/support/scripted_window.h"
@@ -32,18 +34,18 @@ const std::string ownFolder = platform::system::ExecutableFolder();
 class Install : public testing::Test {
  protected:
   void SetUp() override {
-    ResetActionTable();
     scripted_window::Reset();
     AppTitle = "Ledger";
   }
 
-  static void Record(const std::string& command, const std::string& arg1,
-                     const std::string& arg2 = "", const std::string& arg3 = "") {
-    ActionCommand.push_back(command);
-    ActionArg1.push_back(arg1);
-    ActionArg2.push_back(arg2);
-    ActionArg3.push_back(arg3);
-    ActionSize.push_back(0);
+  /// Carries out the actions of a script's lines, in which @ stands for the sandbox.
+  std::string CarryOut(const std::string& lines) const {
+    ResetActionTable();
+    AppVersion = "1";
+    ScriptLines =
+        CutScript("1|url\nNAME|n\nVERSION|=|1\n" + ReplaceAll(lines, "@", sandbox.Path("")));
+    EXPECT_EQ(ParseUpdateScript(ScriptLines), "");
+    return RunActions();
   }
 
   /// The helper program under a name of its own, as a command line without parameters.
@@ -102,29 +104,24 @@ TEST_F(Install, FilesAreReadAndWrittenWhole) {
 }
 
 TEST_F(Install, FilesAreFoundDeletedAndRenamed) {
-  for (const char* name : {"one.txt", "two.txt", "three.dat", "dir.txt/x", "locked.log"}) {
-    sandbox.Write(name, name);
-  }
-  sandbox.Write(".hidden.txt", "h");
+  sandbox.Fill({{"one.txt", ""}, {"two.txt", ""}, {"three.dat", "3"}, {"dir.txt/x", ""}});
+  sandbox.Fill({{"locked.log", ""}, {".hidden.txt", ""}});
   const std::string hidden = faults::Hide(sandbox.Path(".hidden.txt"));
   EXPECT_TRUE(FileExists(sandbox.Path("one.txt")));
   EXPECT_TRUE(FileExists(sandbox.Path("t?o.*")));
-  for (const std::string& path : std::initializer_list<std::string>{
-           sandbox.Path("dir.txt"), sandbox.Path("missing"), hidden, sandbox.Path(""),
-           sandbox.Path("no/x"), std::string("?:\\<x>")}) {
+  for (const auto& path : Texts{sandbox.Path("dir.txt"), sandbox.Path("missing"), hidden,
+                                sandbox.Path(""), sandbox.Path("no/x"), "?:\\<x>"}) {
     EXPECT_FALSE(FileExists(path)) << path;
     EXPECT_TRUE(FileDelete(path)) << path;
   }
   EXPECT_TRUE(FileDelete(sandbox.Path("*.txt")));
-  EXPECT_EQ(sandbox.Tree(), (Tree{{".hidden.txt", "h"},
-                                  {"dir.txt/x", "dir.txt/x"},
-                                  {"locked.log", "locked.log"},
-                                  {"three.dat", "three.dat"}}));
+  EXPECT_EQ(sandbox.Tree(),
+            (Tree{{".hidden.txt", ""}, {"dir.txt/x", ""}, {"locked.log", ""}, {"three.dat", "3"}}));
 
   EXPECT_FALSE(FileRename(sandbox.Path("three.dat"), sandbox.Path("locked.log")));
   EXPECT_FALSE(FileRename(sandbox.Path("missing"), sandbox.Path("x")));
   EXPECT_TRUE(FileRename(sandbox.Path("three.dat"), sandbox.Path("dir.txt/moved")));
-  EXPECT_EQ(sandbox.Read("dir.txt/moved"), "three.dat");
+  EXPECT_EQ(sandbox.Read("dir.txt/moved"), "3");
   const auto lock = faults::Lock(sandbox.Path("locked.log"));
   EXPECT_FALSE(FileDelete(sandbox.Path("*.log")));
   EXPECT_TRUE(sandbox.Has("locked.log"));
@@ -191,106 +188,65 @@ TEST_F(Install, AProgramWithBlanksInItsPathIsTheLongestFile) {
   EXPECT_EQ(QuoteProgram(tool), '"' + tool + '"');
   EXPECT_EQ(QuoteProgram(tool + " /x y"), '"' + tool + "\" /x y");
   EXPECT_EQ(QuoteProgram(withoutExtension + " /x"), '"' + withoutExtension + "\" /x");
-  for (const std::string& line : {"\"" + tool + "\" /x", sandbox.Path("none at all.exe") + " /x",
-                                  std::string("notepad x"), std::string(), std::string(" ")}) {
+  for (const auto& line : Texts{'"' + tool + "\" /x", "missing.exe /x", "notepad x", "", " "}) {
     EXPECT_EQ(QuoteProgram(line), line);
   }
 }
 
 TEST_F(Install, FilesArePutInPlace) {
-  sandbox.Write("old", "old");
-  sandbox.Write("old.bak", "older");
-  sandbox.Write("old.tmp", "new");
-  sandbox.Write("fresh.tmp", "fresh");
-  sandbox.Write("changed", "was");
-  sandbox.Write("changed.tmp", "is");
-  sandbox.Write("added.tmp", "added");
-  sandbox.Write("gone", "x");
-  Record("ADD", sandbox.Path("old"));
-  Record("ADD", sandbox.Path("fresh"));
-  Record("UPDATE", sandbox.Path("changed"));
-  Record("UPDATE", sandbox.Path("added"));
-  Record("DELETE", sandbox.Path("gone"));
-  Record("delete", sandbox.Path("old"));  // command words are matched exactly
-  EXPECT_EQ(RunActions(), "");
-  EXPECT_EQ(sandbox.Tree(), (Tree{{"old", "new"},
-                                  {"old.bak", "old"},
-                                  {"fresh", "fresh"},
-                                  {"changed", "is"},
-                                  {"added", "added"}}));
-  EXPECT_EQ(state.text[frmPrincipal::lblFile], "");
+  sandbox.Fill({{"old", "old"}, {"old.bak", "older"}, {"old.tmp", "new"}, {"fresh.tmp", "fresh"}});
+  sandbox.Fill({{"changed", "was"}, {"changed.tmp", "is"}, {"added.tmp", "added"}, {"gone", "x"}});
+  EXPECT_EQ(CarryOut("ADD|@old|\nADD|@fresh|\nUPDATE|@changed|\nUPDATE|@added|\nDELETE|@gone"), "");
+  const Tree installed = {{"old", "new"},
+                          {"old.bak", "old"},
+                          {"fresh", "fresh"},
+                          {"changed", "is"},
+                          {"added", "added"}};
+  EXPECT_EQ(sandbox.Tree(), installed);
   EXPECT_EQ(state.text[frmPrincipal::lblTotal], InstallCaption);
-  EXPECT_EQ(state.refreshes[frmPrincipal::picTotal], 6);
+  EXPECT_EQ(state.refreshes[frmPrincipal::picTotal], 5);
   EXPECT_EQ(state.drawn[frmPrincipal::picTotal].size(), 33U);
+
+  RunAction("ADD", sandbox.Path("old"), "", "");  // only rows put files in place
+  ActionCommand[4] = "delete";                    // and their words are matched exactly
+  ActionArg1[4] = sandbox.Path("old");
+  ActionCommand.erase(ActionCommand.begin(), ActionCommand.begin() + 4);
+  EXPECT_EQ(RunActions(), "");
+  EXPECT_EQ(sandbox.Tree(), installed);
 }
 
 TEST_F(Install, AFailedWriteEndsThePhase) {
-  sandbox.Write("locked", "old");
-  sandbox.Write("locked.tmp", "new");
-  sandbox.Write("later", "stays");
-  Record("DELETE", sandbox.Path("locked"));
-  Record("UPDATE", sandbox.Path("locked"));
-  Record("DELETE", sandbox.Path("later"));
+  sandbox.Fill({{"locked", "old"}, {"locked.tmp", "new"}, {"later", "stays"}});
   const Tree before = sandbox.Tree();
-  {
-    const auto lock = faults::Lock(sandbox.Path("locked"));
-    EXPECT_EQ(RunActions(), WriteFailure);
-    ActionCommand[1] = "ADD";
-    EXPECT_EQ(RunActions(), WriteFailure);
-  }
+  auto lock = faults::Lock(sandbox.Path("locked"));
+  EXPECT_EQ(CarryOut("DELETE|@locked\nUPDATE|@locked|\nDELETE|@later"), WriteFailure);
+  EXPECT_EQ(CarryOut("ADD|@locked|\nDELETE|@later"), WriteFailure);
+  lock.reset();
   EXPECT_EQ(sandbox.Tree(), before);
-
-  sandbox.Write("locked.tmp", "new");
-  ResetActionTable();
-  Record("ADD", sandbox.Path("later"));  // its download is missing: the backup has been made
-  EXPECT_EQ(RunActions(), WriteFailure);
+  EXPECT_EQ(CarryOut("ADD|@later|"), WriteFailure) << "its download is missing";
   EXPECT_EQ(sandbox.Read("later.bak"), "stays");
 }
 
-TEST_F(Install, AFailedDeletionIsToldAtTheEnd) {
-  sandbox.Write("locked", "x");
-  sandbox.Write("later", "x");
-  Record("DELETE", sandbox.Path("locked"));
-  Record("DELETE", sandbox.Path("later"));
-  const auto lock = faults::Lock(sandbox.Path("locked"));
-  EXPECT_EQ(RunActions(), DeleteFailure);
-  EXPECT_FALSE(sandbox.Has("later"));
-  EXPECT_EQ(RunAction("DELETE", sandbox.Path("locked"), "", ""), "");
-}
-
 TEST_F(Install, UnknownStylesKeepTheLastOneOfThePhase) {
-  for (const char* style : {"?", "critical", "?", "Exclamation", "information", "NOTHING"}) {
-    Record("MSG", "m", "", style);
-  }
-  EXPECT_EQ(RunActions(), "");
-  EXPECT_EQ(state.messageBoxes, (Texts{"0|Ledger|m", "16|Ledger|m", "16|Ledger|m", "48|Ledger|m",
-                                       "64|Ledger|m", "0|Ledger|m"}));
-  RunAction("MSG", "n", "", "CRITICAL");
+  EXPECT_EQ(CarryOut("MSG|m|?\nMSG|m|critical\nMSG|m|?\nMSG|m|Exclamation\nMSG|m|INFORMATION"), "");
+  RunAction("MSG", "n", "", "NOTHING");
   RunAction("MSG", "n", "", "?");
-  EXPECT_EQ(state.messageBoxes[7], "0|Ledger|n");
+  EXPECT_EQ(state.messageBoxes, (Texts{"0|Ledger|m", "16|Ledger|m", "16|Ledger|m", "48|Ledger|m",
+                                       "64|Ledger|m", "0|Ledger|n", "0|Ledger|n"}));
 }
 
 TEST_F(Install, ProgramsAreStartedAndWaitedFor) {
-  const std::string helper = Helper("my helper.exe");
-  const std::string append = helper + " append \"" + sandbox.Path("out") + "\" ";
-  Record("EXECUTE", append + "first", "wait", "HIDE");
-  Record("EXECUTE", append + "never", "later", "HIDE");
-  Record("EXECUTE", sandbox.Path("missing.exe"), "WAIT", "HIDE");
-  Record("SLEEP", "0");
-  Record("SLEEP", "-5");
-  Record("SLEEP", "a while");
-  Record("EXECUTE", append + "second", "WAIT", "HIDE");
-  EXPECT_EQ(RunActions(), "");
+  Helper("my helper.exe");
+  EXPECT_EQ(CarryOut("EXECUTE|@my helper.exe append \"@out\" first|wait|HIDE\n"
+                     "EXECUTE|@my helper.exe append \"@out\" never|later|HIDE\n"
+                     "EXECUTE|@missing.exe|WAIT|HIDE\nSLEEP|0\nSLEEP|-5\nSLEEP|a while\n"
+                     "EXECUTE|@my helper.exe append \"@out\" second|WAIT|HIDE\n"
+                     "EXECUTE|@my helper.exe stay \"@up\"|NOWAIT|HIDE\n"),
+            "");
+  for (int i = 0; i < 100 && !sandbox.Has("up"); ++i) platform::processes::Sleep(50);
   EXPECT_EQ(sandbox.Read("out"), "first\r\nsecond\r\n");
-
-  const std::string sign = sandbox.Path("kt-stays.up");
-  RunAction("EXECUTE", Helper("kt-stays.exe") + " stay \"" + sign + "\"", "NOWAIT", "HIDE");
-  for (int i = 0; i < 100 && FileReadAll(sign).empty(); ++i) platform::processes::Sleep(50);
-  RunAction("KILL", "KT-STAYS.EXE", "", "");
-  EXPECT_FALSE(modKillApp::KillApp("kt-stays.exe"));
-  sandbox.Write("x.tmp", "x");
-  RunAction("ADD", sandbox.Path("x"), "", "");
-  EXPECT_FALSE(sandbox.Has("x")) << "only recorded rows put files in place";
+  RunAction("KILL", "MY HELPER.EXE", "", "");
+  EXPECT_FALSE(modKillApp::KillApp("my helper.exe"));
 }
 
 }  // namespace

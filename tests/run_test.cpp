@@ -1,4 +1,4 @@
-// The command line, the relaunch parameters, the progress bar and the final screen.
+// The command line, the relaunch parameters and the progress bar.
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,6 @@
 
 #include "platform/text.h"
 #include "run/command_line.h"
-#include "run/final_screen.h"
 #include "run/progress_bar.h"
 #include "run/run_state.h"
 #include "run/self_replacement.h"
@@ -43,7 +42,7 @@ TEST(CommandLine, IsCutIntoArguments) {
 }
 
 TEST(RelaunchParameters, CarryWhatIsSet) {
-  AppTitle.clear();
+  ResetRunState();
   AppVersion = "2.4.1";
   AppDiskPath = "C:\\Ledger";
   UpdateInfoUrl = "http://s/KDvelomar2.txt";
@@ -95,27 +94,6 @@ TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
     EXPECT_EQ(drawn.front().bottom, 255 - twipsPerPixel * (flat ? 4 : 6));
     EXPECT_EQ(drawn.back().left, lastLeft);
     EXPECT_EQ(drawn.back().right, lastLeft + 6 * twipsPerPixel);
-  }
-}
-
-TEST(FinalScreen, ShowsTheMessageAndTheFinishButton) {
-  using namespace frmPrincipal;
-  ResetRunState();
-  scripted_window::Reset();
-  state.enabled[btCancelar] = false;
-  FinishWithMessage("ya");
-  EXPECT_TRUE(SequenceStarted);
-  EXPECT_FALSE(HadError);
-  EXPECT_TRUE(state.shown);
-  EXPECT_TRUE(state.enabled[btCancelar]);
-  EXPECT_EQ(state.text[btCancelar], "Finalizar");
-  EXPECT_EQ(state.text[lblMensaje], "ya");
-  EXPECT_EQ(state.buttonTop, 1060);
-  EXPECT_EQ(state.windowHeight, 1950);
-  for (int control = picIco; control <= btCancelar; ++control) {
-    const bool hidden = control == lblNombreAplicacion || control == lblFile ||
-                        control == lblFileProgreso || control == picFile;
-    EXPECT_EQ(state.visible[static_cast<std::size_t>(control)], !hidden) << control;
   }
 }
 

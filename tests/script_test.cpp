@@ -162,28 +162,12 @@ TEST_F(Parser, RejectsWhatItDoesNotUnderstand) {
                                header + "END\nEND\nSLEEP"};
   for (const auto& script : cases) EXPECT_EQ(Parse(script), ScriptNotUnderstood) << script;
 
+  ResetScript();
+  EXPECT_EQ(Parse(header + "END\nEND"), ScriptNotUnderstood) << "three lines are too few";
+  EXPECT_EQ(NewUpdaterVersion, 0) << "and their header is not looked at";
+
   EXPECT_EQ(Parse(header + "VERSION|=|2\nKILL|a\nKILL"), ScriptNotUnderstood);
   EXPECT_EQ(Table(), "KILL|a|||0\n") << "what stood before the failing line stays";
-}
-
-TEST_F(Parser, StoresTheHeaderAsFarAsItIsRead) {
-  EXPECT_EQ(Parse("1.4.2|http://u/\nEND\nEND"), ScriptNotUnderstood);
-  EXPECT_EQ(NewUpdaterVersion, 0);
-  EXPECT_EQ(Parse("1.4.2|http://u/\nADD\nEND\nEND"), ScriptNotUnderstood);
-  EXPECT_EQ(NewUpdaterVersion, 11004002);
-  EXPECT_EQ(Parse("x|http://v/\nEND\nEND\nEND"), ScriptNotUnderstood);
-  EXPECT_EQ(NewUpdaterVersion, 0);
-  EXPECT_EQ(NewUpdaterUrl, "http://u/");
-}
-
-TEST(Arrays, SliceKeepsToItsBounds) {
-  const std::vector<std::string> list = {"a", "b", "c"};
-  using modFunciones::ArraySlice;
-  EXPECT_EQ(ArraySlice(list), list);
-  EXPECT_EQ(ArraySlice(list, 1), (std::vector<std::string>{"b", "c"}));
-  EXPECT_EQ(ArraySlice(list, 0, 1), (std::vector<std::string>{"a", "b"}));
-  EXPECT_TRUE(ArraySlice(list, 2, 1).empty());
-  EXPECT_TRUE(ArraySlice(list, 3).empty());
 }
 
 }  // namespace

@@ -92,7 +92,8 @@ std::string ReadIntoMemory(const platform::http::Handle& body) {
     content += block;
     return true;
   });
-  return complete ? content : "";
+  if (!complete) content.clear();
+  return content;
 }
 
 }  // namespace

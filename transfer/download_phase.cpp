@@ -43,7 +43,8 @@ std::string DownloadFiles() {
   if (TotalBytes < 1) return "";
 
   TransferProgressOn = true;
-  for (std::size_t row = 0; row < ActionCommand.size(); ++row) {
+  const auto count = static_cast<std::size_t>(modFunciones::ElementCount(ActionCommand));
+  for (std::size_t row = 0; row < count; ++row) {
     if (ActionCommand[row] == "ADD" || ActionCommand[row] == "UPDATE") {
       if (!DownloadRow(row)) return std::string(WriteFailure);
     }

@@ -1,11 +1,11 @@
 #include "transfer/url.h"
 
 #include "script/decimal.h"
+#include "script/replace.h"
 
 namespace modFunciones {
 namespace {
 
-constexpr std::string_view Scheme = "http://";
 constexpr const char* DefaultPort = "80";
 
 }  // namespace
@@ -13,12 +13,7 @@ constexpr const char* DefaultPort = "80";
 std::vector<std::string> UrlParts;
 
 std::vector<std::string> SplitUrl(std::string_view url) {
-  std::string rest;
-  for (auto at = url.find(Scheme); at != std::string_view::npos; at = url.find(Scheme)) {
-    rest += url.substr(0, at);
-    url.remove_prefix(at + Scheme.size());
-  }
-  rest += url;
+  std::string rest = ReplaceAll(url, "http://", "");
   if (rest.empty()) return {};
 
   if (rest.find('/') == std::string::npos) rest += '/';

@@ -8,8 +8,8 @@
 
 namespace modFunciones {
 
-/// The pieces of the URL split last, as SplitUrl returns them. Written by whoever is about to send
-/// a probe, immediately before it.
+/// The pieces of the URL split last, as SplitUrl returns them. Written by the update sequence and
+/// by AddAction; a probe is sent right after it was written.
 extern std::vector<std::string> UrlParts;
 
 /// Cuts an "http://" URL (the scheme may be missing) into host, port text ("80" when it names none)

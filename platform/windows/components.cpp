@@ -24,13 +24,13 @@ void CloseWorker::operator()(void* worker) const {
   CloseHandle(worker);
 }
 
-Library Load(std::string_view path) {
-  return Library(LoadLibraryA(std::string(path).c_str()));
+Library Load(const std::string& path) {
+  return Library(LoadLibraryA(path.c_str()));
 }
 
-EntryPoint FindEntryPoint(const Library& library, std::string_view name) {
+EntryPoint FindEntryPoint(const Library& library, const std::string& name) {
   return reinterpret_cast<EntryPoint>(
-      GetProcAddress(static_cast<HMODULE>(library.get()), std::string(name).c_str()));
+      GetProcAddress(static_cast<HMODULE>(library.get()), name.c_str()));
 }
 
 Worker StartWorker(EntryPoint entryPoint) {

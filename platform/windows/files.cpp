@@ -7,14 +7,14 @@ namespace {
 
 constexpr DWORD NotPlain = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
 
-File Open(std::string_view path, DWORD access, DWORD disposition) {
-  const HANDLE file = CreateFileA(std::string(path).c_str(), access, FILE_SHARE_READ, nullptr,
-                                  disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+File Open(const std::string& path, DWORD access, DWORD disposition) {
+  const HANDLE file = CreateFileA(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
   return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
-DWORD AttributesOf(std::string_view path) {
-  return GetFileAttributesA(std::string(path).c_str());
+DWORD AttributesOf(const std::string& path) {
+  return GetFileAttributesA(path.c_str());
 }
 
 }  // namespace
@@ -23,10 +23,10 @@ void CloseFile::operator()(void* file) const {
   CloseHandle(file);
 }
 
-std::vector<std::string> Find(std::string_view pattern) {
+std::vector<std::string> Find(const std::string& pattern) {
   std::vector<std::string> found;
   WIN32_FIND_DATAA entry;
-  const HANDLE search = FindFirstFileA(std::string(pattern).c_str(), &entry);
+  const HANDLE search = FindFirstFileA(pattern.c_str(), &entry);
   if (search == INVALID_HANDLE_VALUE) return found;
   const auto separator = pattern.find_last_of("\\/:");
   const std::string folder(
@@ -38,33 +38,33 @@ std::vector<std::string> Find(std::string_view pattern) {
   return found;
 }
 
-bool IsFile(std::string_view path) {
+bool IsFile(const std::string& path) {
   const DWORD attributes = AttributesOf(path);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-bool Delete(std::string_view path) {
-  return DeleteFileA(std::string(path).c_str()) != FALSE;
+bool Delete(const std::string& path) {
+  return DeleteFileA(path.c_str()) != FALSE;
 }
 
-bool Rename(std::string_view oldPath, std::string_view newPath) {
-  return MoveFileA(std::string(oldPath).c_str(), std::string(newPath).c_str()) != FALSE;
+bool Rename(const std::string& oldPath, const std::string& newPath) {
+  return MoveFileA(oldPath.c_str(), newPath.c_str()) != FALSE;
 }
 
-bool FolderExists(std::string_view path) {
+bool FolderExists(const std::string& path) {
   const DWORD attributes = AttributesOf(path);
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-bool CreateFolder(std::string_view path) {
-  return CreateDirectoryA(std::string(path).c_str(), nullptr) != FALSE;
+bool CreateFolder(const std::string& path) {
+  return CreateDirectoryA(path.c_str(), nullptr) != FALSE;
 }
 
-File OpenForReading(std::string_view path) {
+File OpenForReading(const std::string& path) {
   return Open(path, GENERIC_READ, OPEN_EXISTING);
 }
 
-File Create(std::string_view path) {
+File Create(const std::string& path) {
   return Open(path, GENERIC_WRITE, CREATE_ALWAYS);
 }
 
@@ -88,12 +88,12 @@ bool Write(const File& file, std::string_view bytes) {
          count == bytes.size();
 }
 
-DiskSpace QueryDiskSpace(std::string_view root) {
+DiskSpace QueryDiskSpace(const std::string& root) {
   DWORD sectorsPerCluster = 0;
   DWORD bytesPerSector = 0;
   DWORD freeClusters = 0;
   DWORD totalClusters = 0;
-  GetDiskFreeSpaceA(std::string(root).c_str(), &sectorsPerCluster, &bytesPerSector, &freeClusters,
+  GetDiskFreeSpaceA(root.c_str(), &sectorsPerCluster, &bytesPerSector, &freeClusters,
                     &totalClusters);
   return {sectorsPerCluster, bytesPerSector, freeClusters, totalClusters};
 }

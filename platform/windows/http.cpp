@@ -26,34 +26,30 @@ bool IsOffline() {
   return InetIsOffline(0) != FALSE;
 }
 
-Handle OpenRoot(std::string_view userAgent, std::int32_t accessType, std::string_view proxy) {
-  const std::string proxyText(proxy);
-  return Handle(InternetOpenA(std::string(userAgent).c_str(), static_cast<DWORD>(accessType),
-                              NullWhenEmpty(proxyText), nullptr, 0));
+Handle OpenRoot(const std::string& userAgent, std::int32_t accessType, const std::string& proxy) {
+  return Handle(InternetOpenA(NullWhenEmpty(userAgent), static_cast<DWORD>(accessType),
+                              NullWhenEmpty(proxy), nullptr, 0));
 }
 
-Handle Connect(const Handle& root, std::string_view host, std::uint16_t port) {
-  return Handle(InternetConnectA(root.get(), std::string(host).c_str(), port, nullptr, nullptr,
+Handle Connect(const Handle& root, const std::string& host, std::uint16_t port) {
+  return Handle(InternetConnectA(root.get(), NullWhenEmpty(host), port, nullptr, nullptr,
                                  INTERNET_SERVICE_HTTP, 0, 0));
 }
 
-Handle OpenRequest(const Handle& connection, std::string_view verb, std::string_view objectName,
-                   std::string_view version, std::string_view referrer) {
-  const std::string referrerText(referrer);
-  return Handle(HttpOpenRequestA(connection.get(), std::string(verb).c_str(),
-                                 std::string(objectName).c_str(), std::string(version).c_str(),
-                                 NullWhenEmpty(referrerText), nullptr, 0, 0));
+Handle OpenRequest(const Handle& connection, const std::string& verb, const std::string& objectName,
+                   const std::string& version, const std::string& referrer) {
+  return Handle(HttpOpenRequestA(connection.get(), verb.c_str(), NullWhenEmpty(objectName),
+                                 version.c_str(), NullWhenEmpty(referrer), nullptr, 0, 0));
 }
 
-bool AddRequestHeaders(const Handle& request, std::string_view headers) {
-  const std::string headerText(headers);
-  return HttpAddRequestHeadersA(request.get(), NullWhenEmpty(headerText),
+bool AddRequestHeaders(const Handle& request, const std::string& headers) {
+  return HttpAddRequestHeadersA(request.get(), NullWhenEmpty(headers),
                                 static_cast<DWORD>(headers.size()),
                                 HTTP_ADDREQ_FLAG_ADD | HTTP_ADDREQ_FLAG_REPLACE) != FALSE;
 }
 
-bool Send(const Handle& request, std::string_view optionalData) {
-  std::string data(optionalData);
+bool Send(const Handle& request, const std::string& optionalData) {
+  std::string data = optionalData;
   return HttpSendRequestA(request.get(), nullptr, 0, data.empty() ? nullptr : data.data(),
                           static_cast<DWORD>(data.size())) != FALSE;
 }
@@ -67,8 +63,8 @@ bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buff
   return found;
 }
 
-Handle OpenUrl(const Handle& root, std::string_view url) {
-  return Handle(InternetOpenUrlA(root.get(), std::string(url).c_str(), nullptr, 0, 0, 0));
+Handle OpenUrl(const Handle& root, const std::string& url) {
+  return Handle(InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0));
 }
 
 std::optional<std::int64_t> AnnouncedLength(const Handle& url) {

@@ -50,9 +50,9 @@ Token OpenOwnToken(std::uint32_t access) {
   return Token(OpenProcessToken(GetCurrentProcess(), access, &token) != FALSE ? token : nullptr);
 }
 
-std::optional<PrivilegeId> LookUpPrivilege(std::string_view name) {
+std::optional<PrivilegeId> LookUpPrivilege(const std::string& name) {
   LUID id;
-  if (LookupPrivilegeValueA("", std::string(name).c_str(), &id) == FALSE) return std::nullopt;
+  if (LookupPrivilegeValueA("", name.c_str(), &id) == FALSE) return std::nullopt;
   return static_cast<PrivilegeId>(id.HighPart) << 32U | id.LowPart;
 }
 
@@ -69,9 +69,12 @@ Process Open(std::uint32_t access, std::uint32_t id) {
 }
 
 bool Terminate(const Process& process, std::uint32_t exitCode) {
-  if (TerminateProcess(process.get(), exitCode) == FALSE) return false;
-  WaitForSingleObject(process.get(), LongestTermination);
-  return true;
+  const bool terminated = TerminateProcess(process.get(), exitCode) != FALSE;
+  // Access is denied as well where the process is ending already: it still holds its files then.
+  if (terminated || GetLastError() == ERROR_ACCESS_DENIED) {
+    WaitForSingleObject(process.get(), LongestTermination);
+  }
+  return terminated;
 }
 
 bool ExitCode(const Process& process, std::uint32_t& exitCode) {
@@ -85,15 +88,15 @@ bool HasEnded(const Process& process) {
   return WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0;
 }
 
-std::optional<StartedProgram> Start(std::string_view commandLine, int showValue) {
+std::optional<StartedProgram> Start(const std::string& commandLine, int showValue) {
   STARTUPINFOA startup = {};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESHOWWINDOW;
   startup.wShowWindow = static_cast<WORD>(showValue);
   PROCESS_INFORMATION started;
-  std::string writableLine(commandLine);
-  if (CreateProcessA(nullptr, writableLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                     &startup, &started) == FALSE) {
+  std::string writableLine = commandLine;
+  if (CreateProcessA(nullptr, writableLine.data(), nullptr, nullptr, FALSE,
+                     CREATE_DEFAULT_ERROR_MODE, nullptr, nullptr, &startup, &started) == FALSE) {
     return std::nullopt;
   }
   CloseHandle(started.hThread);

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <objbase.h>
 #include <shellapi.h>
 
 namespace platform::system {
@@ -23,12 +24,13 @@ const char* NullWhenEmpty(const std::string& value) {
 }  // namespace
 
 std::string CommandLineText() {
-  const std::string_view line = GetCommandLineA();
-  // The program's name ends at its closing quote, or at the first blank when it is not quoted.
-  const bool quoted = line.starts_with('"');
-  const auto end = quoted ? line.find('"', 1) : line.find_first_of(" \t");
-  if (end == std::string_view::npos) return "";
-  return std::string(line.substr(quoted ? end + 1 : end));
+  // The program's name ends at the first blank outside quotes.
+  const char* rest = GetCommandLineA();
+  for (bool inQuotes = false; *rest != '\0'; ++rest) {
+    if (*rest == '"') inQuotes = !inQuotes;
+    if (!inQuotes && (*rest == ' ' || *rest == '\t')) break;
+  }
+  return rest;
 }
 
 std::string ExecutableFolder() {
@@ -59,12 +61,11 @@ std::string DecimalSeparator() {
   return separator;
 }
 
-std::int32_t OpenWithShell(std::string_view verb, std::string_view file,
-                           std::string_view parameters, std::string_view folder, int showValue) {
-  const std::string parameterText(parameters);
-  const HINSTANCE code =
-      ShellExecuteA(GetDesktopWindow(), std::string(verb).c_str(), std::string(file).c_str(),
-                    NullWhenEmpty(parameterText), std::string(folder).c_str(), showValue);
+std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
+                           const std::string& parameters, const std::string& folder,
+                           int showValue) {
+  const HINSTANCE code = ShellExecuteA(GetDesktopWindow(), verb.c_str(), file.c_str(),
+                                       NullWhenEmpty(parameters), folder.c_str(), showValue);
   return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(code));
 }
 

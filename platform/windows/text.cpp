@@ -22,19 +22,4 @@ std::wstring ToUtf16(std::string_view value) {
   return wide;
 }
 
-std::string FromUtf16(std::wstring_view value) {
-  const auto& mapped = text::CodePointsFrom0x80;
-  std::string narrow;
-  narrow.reserve(value.size());
-  for (const wchar_t unit : value) {
-    const auto found = std::find(mapped.begin(), mapped.end(), static_cast<char16_t>(unit));
-    if (found != mapped.end()) {
-      narrow += static_cast<char>(FirstMapped + static_cast<unsigned>(found - mapped.begin()));
-    } else {
-      narrow += unit <= 0xFF ? static_cast<char>(unit) : '?';
-    }
-  }
-  return narrow;
-}
-
 }  // namespace platform::windows

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <array>
 #include <cmath>
 #include <vector>
@@ -12,7 +14,6 @@
 namespace platform::window {
 namespace {
 
-using windows::FromUtf16;
 using windows::ToUtf16;
 
 constexpr double TwipsPerInch = 1440.0;
@@ -43,14 +44,14 @@ struct Control {
   std::vector<FilledRectangle> shown;  // what the screen has to show
 };
 
-// All of it is written by Create, and by the procedures that are named after what they set.
+// Written by Create, and where not by the procedures that change the control in question.
 HWND mainWindow = nullptr;
 Handlers handlers{};
 std::vector<Control> controls;
 std::array<HFONT, FontSizes.size()> fonts{};
 double twipsPerPixelX = 0;
 double twipsPerPixelY = 0;
-bool resizeEventsOn = false;  // from the first showing on
+bool resizeEventsOn = false;  // set by the first Show
 
 HINSTANCE Instance() {
   return GetModuleHandleW(nullptr);
@@ -65,6 +66,13 @@ int PixelsX(double twips) {
 }
 int PixelsY(double twips) {
   return static_cast<int>(std::lround(twips / twipsPerPixelY));
+}
+
+/// The run must not stand still behind a box of the system's own, nor may the system offer to end
+/// it because it has not looked at its events for a while.
+void KeepSystemDialogsAway() {
+  SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+  DisableProcessWindowsGhosting();
 }
 
 void MeasureScreen() {
@@ -109,6 +117,7 @@ LRESULT PaintPicture(HWND picture) {
 LRESULT CALLBACK PictureProcedure(HWND picture, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_PAINT) return PaintPicture(picture);
   if (message == WM_ERASEBKGND) return TRUE;  // painting fills the background
+  if (message == WM_GETDLGCODE) return DLGC_STATIC;
   return DefWindowProcW(picture, message, wParam, lParam);
 }
 
@@ -130,7 +139,7 @@ LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
       if (resizeEventsOn) handlers.resized();
       return 0;
     case WM_COMMAND: {
-      const bool isClick = HIWORD(wParam) == BN_CLICKED && LOWORD(wParam) >= FirstControlId;
+      const bool isClick = HIWORD(wParam) == BN_CLICKED && LOWORD(wParam) == GetDlgCtrlID(Button());
       if (isClick && TakesInput() && IsWindowEnabled(Button()) != FALSE) handlers.buttonClicked();
       return 0;
     }
@@ -199,7 +208,7 @@ SystemControl SystemControlOf(ControlKind kind) {
     case ControlKind::Button:
       break;
   }
-  return {L"BUTTON", BS_DEFPUSHBUTTON | WS_TABSTOP, 0};
+  return {L"BUTTON", BS_DEFPUSHBUTTON | WS_TABSTOP | WS_GROUP, 0};
 }
 
 void CreateControl(const ControlLayout& layout) {
@@ -248,6 +257,8 @@ void DispatchMessage(MSG& message) {
 
 void Create(const Layout& layout, const Handlers& callbacks) {
   handlers = callbacks;
+  KeepSystemDialogsAway();
+  InitCommonControls();  // Windows XP makes no controls for a program with a manifest without it
   MeasureScreen();
   CreateFonts();
   RegisterClasses();
@@ -257,8 +268,10 @@ void Create(const Layout& layout, const Handlers& callbacks) {
 
 void Show() {
   ShowWindow(mainWindow, SW_SHOWNORMAL);
-  // The first call follows whoever started the process, who may have asked for a hidden window.
-  if (IsWindowVisible(mainWindow) == FALSE) ShowWindow(mainWindow, SW_SHOWNORMAL);
+  // The first call obeys whoever started the process, who may have asked for another size or none.
+  if (IsWindowVisible(mainWindow) == FALSE || IsZoomed(mainWindow) != FALSE) {
+    ShowWindow(mainWindow, SW_SHOWNORMAL);
+  }
   if (!resizeEventsOn) {
     resizeEventsOn = true;
     handlers.resized();
@@ -269,17 +282,18 @@ void SetWindowCaption(std::string_view caption) {
   SetWindowTextW(mainWindow, ToUtf16(caption).c_str());
 }
 
-void SetWindowIcon(std::string_view path) {
+void SetWindowIcon(const std::string& path) {
   for (const auto& [kind, size] : {std::pair{ICON_BIG, SM_CXICON}, {ICON_SMALL, SM_CXSMICON}}) {
     const int pixels = GetSystemMetrics(size);
     const HANDLE icon =
-        LoadImageA(nullptr, std::string(path).c_str(), IMAGE_ICON, pixels, pixels, LR_LOADFROMFILE);
+        LoadImageA(nullptr, path.c_str(), IMAGE_ICON, pixels, pixels, LR_LOADFROMFILE);
     if (icon == nullptr) return;
     SendMessageW(mainWindow, WM_SETICON, static_cast<WPARAM>(kind), reinterpret_cast<LPARAM>(icon));
   }
 }
 
 void SetWindowHeight(int height) {
+  if (IsIconic(mainWindow) != FALSE) ShowWindow(mainWindow, SW_RESTORE);  // an icon has no height
   RECT area;
   GetWindowRect(mainWindow, &area);
   SetWindowPos(mainWindow, nullptr, 0, 0, area.right - area.left, PixelsY(height),
@@ -308,6 +322,8 @@ void SetVisible(int control, bool visible) {
 }
 
 void SetEnabled(int control, bool enabled) {
+  // What was pressed while the control was disabled must not reach it when it is enabled.
+  if (enabled && !IsEnabled(control)) ProcessPendingEvents();
   EnableWindow(At(control).handle, enabled ? TRUE : FALSE);
   if (enabled && GetActiveWindow() == mainWindow) SetFocus(Button());
 }

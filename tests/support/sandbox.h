@@ -43,6 +43,9 @@ class Sandbox {
     std::filesystem::create_directories((root / name).parent_path());
     std::ofstream(root / name, std::ios::binary) << content;
   }
+  void Fill(const std::map<std::string, std::string>& files) const {
+    for (const auto& [name, content] : files) Write(name, content);
+  }
   [[nodiscard]] std::string Read(const std::string& name) const { return ReadWhole(root / name); }
   [[nodiscard]] bool Has(const std::string& name) const {
     return std::filesystem::exists(root / name);

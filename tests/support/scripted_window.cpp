@@ -29,7 +29,7 @@ void Show() {
   state.shown = true;
 }
 void SetWindowCaption(std::string_view /*caption*/) {}
-void SetWindowIcon(std::string_view /*path*/) {}
+void SetWindowIcon(const std::string& /*path*/) {}
 void SetWindowHeight(int height) {
   state.windowHeight = height;
 }

@@ -1,6 +1,6 @@
 #include "tests/windows/driver.h"
 
-#include "platform/windows/text.h"
+#include "platform/text.h"
 
 namespace driver {
 namespace {
@@ -11,7 +11,13 @@ std::string WindowText(HWND window) {
   wchar_t text[1024] = L"";
   // Not WM_GETTEXT: the program answers no messages while it waits for its server.
   InternalGetWindowText(window, text, std::size(text));
-  return platform::windows::FromUtf16(text);
+  std::string narrow;
+  for (const wchar_t* unit = text; *unit != 0; ++unit) {
+    const auto& mapped = platform::text::CodePointsFrom0x80;
+    const auto found = std::find(mapped.begin(), mapped.end(), *unit);
+    narrow += static_cast<char>(found == mapped.end() ? *unit : 0x80 + (found - mapped.begin()));
+  }
+  return narrow;
 }
 
 }  // namespace
