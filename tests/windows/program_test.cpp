@@ -64,7 +64,7 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
   const std::string log = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
   putenv(const_cast<char*>(log.c_str()));
   const std::string component = ReadWhole(ownFolder + "\\component.dll");
-  sandbox.Fill({{"kt-ledger.exe", "1"}, {"oldprint.dll", "x"}});
+  sandbox.Fill({{"kt-ledger.exe", "1"}, {"oldprint.dll", "x"}, {"old.txt", "x"}});
   sandbox.Fill({{"reports.dll", "old"}, {"reports.dll.bak", "older"}});
   server.Serve("/ledger", {.body = helper});
   server.Serve("/reports", {.body = component});
@@ -73,7 +73,7 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
               "\nUPDATE|$AppPath\\kt-ledger.exe|" + server.Url("/ledger") +
               "\nADD|$AppPath\\reports.dll|" + server.Url("/reports") +
               "\nADD|$AppPath\\help\\es es\\help.txt|" + server.Url("/help") +
-              "\nDELETE|$AppPath\\reports.dll.old"
+              "\nDELETE|$AppPath\\old.txt"
               "\nMSG|" +
               std::string("¿Añadir «más»?"_ansi) +
               "|EXCLAMATION"
@@ -255,22 +255,23 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
   sandbox.Write("kt-app.exe", helper);
   server.Serve("/updater", {.body = newer});
   server.Serve("/KDvelomar2.txt", {.body = "1.0.4|" + server.Url("/updater") +
-                                           "\nMSG\nVERSION|=|2.7.1\nDELETE|C:\\x"});
+                                           "\nNAME|x\nVERSION|=|2.7.1\nMSG|Listo|NOTHING"});
   run = std::make_unique<ProgramRun>(
       sandbox.Path("Kestrane.exe"),
       Texts{"2.7.1", sandbox.Path("a b"), server.Url("/KDvelomar.txt"), sandbox.Path("kt-app.exe"),
-            "yes", std::string("Título"_ansi), sandbox.Path("no.ico")});
+            "no", std::string("Título"_ansi), sandbox.Path("no.ico")});
   EXPECT_TRUE(run->WaitForEnd());
-  EXPECT_EQ(FinalMessage(), ScriptNotUnderstood) << "the newer program read the script in turn";
+  EXPECT_EQ(BoxText(), "Título|Listo"_ansi) << "the newer program carries out the update";
   EXPECT_EQ(Caption(), "Título"_ansi);
   EXPECT_EQ(sandbox.Tree(), (Tree{{"Kestrane.exe", Shown(newer)}, {"kt-app.exe", Shown(helper)}}));
+  const HWND window = Window();
+  AnswerBox(IDOK);
+  EXPECT_TRUE(Eventually([&] { return sandbox.Has("kt-app.exe.log"); }));
+  EXPECT_TRUE(Eventually([&] { return IsWindow(window) == FALSE; }));
   EXPECT_EQ(server.TakeRequests(),
             (Texts{"HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1",
                    "HEAD /updater HTTP/1.0", "HEAD /updater HTTP/1.0", "GET /updater HTTP/1.1",
                    "HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1"}));
-  const HWND window = Window();
-  Click(btCancelar);
-  EXPECT_TRUE(Eventually([&] { return IsWindow(window) == FALSE; }));
 }
 
 TEST_F(Program, KeepsToItsLayout) {
