@@ -142,7 +142,7 @@ TEST_F(Install, ProcessesAreEndedByTheEndOfTheirName) {
   EXPECT_TRUE(modKillApp::KillProcess(other.id, 7));
   std::uint32_t exitCode = 0;
   EXPECT_TRUE(platform::processes::ExitCode(other.process, exitCode));
-  EXPECT_EQ(exitCode, 7U);
+  EXPECT_EQ(exitCode, faults::CodeOfTerminated(7));
   EXPECT_FALSE(modKillApp::KillProcess(0, 0));
 }
 
@@ -170,7 +170,7 @@ TEST_F(Install, ComponentsRegisterThemselves) {
 
   EXPECT_TRUE(RegisterOcxDll(ownFolder + "\\component.dll", 0));
   EXPECT_TRUE(RegisterOcxDll(ownFolder + "\\component.dll", 1));
-  EXPECT_EQ(sandbox.Read("log"), "registered\r\nunregistered\r\n");
+  EXPECT_EQ(sandbox.Read("log"), "registered\nunregistered\n");
   EXPECT_EQ(state.history, (Texts{"hourglass", "arrow", "hourglass", "arrow"}));
 }
 
@@ -244,7 +244,7 @@ TEST_F(Install, ProgramsAreStartedAndWaitedFor) {
                      "EXECUTE|@my helper.exe stay \"@up\"|NOWAIT|HIDE\n"),
             "");
   for (int i = 0; i < 100 && !sandbox.Has("up"); ++i) platform::processes::Sleep(50);
-  EXPECT_EQ(sandbox.Read("out"), "first\r\nsecond\r\n");
+  EXPECT_EQ(sandbox.Read("out"), "first\nsecond\n");
   RunAction("KILL", "MY HELPER.EXE", "", "");
   EXPECT_FALSE(modKillApp::KillApp("my helper.exe"));
 }

@@ -1,29 +1,42 @@
-// The component library of the sample application. Instead of an entry in the registry it keeps a
-// file beside itself, so that a registration can be seen in the folder.
-
-#include <windows.h>
+// The component library of the sample application. It registers itself in a file beside itself, so
+// that a registration can be seen in the folder.
 
 #include <filesystem>
 #include <fstream>
 
-namespace {
+#ifdef _WIN32
+#include <windows.h>
+#define ENTRY HRESULT __stdcall
+#else
+#include <dlfcn.h>
+#define ENTRY int
+#endif
 
-std::filesystem::path RegistrationFile() {
-  wchar_t library[MAX_PATH] = {};
-  GetModuleFileNameW(GetModuleHandleW(L"reports.ocx"), library, MAX_PATH);
-  return std::filesystem::path(library).replace_filename("reports.registered");
+static std::filesystem::path Library() {
+#ifdef _WIN32
+  wchar_t path[MAX_PATH] = {};
+  GetModuleFileNameW(GetModuleHandleW(L"reports.ocx"), path, MAX_PATH);
+  return path;
+#else
+  static const int somethingInside = 0;
+  Dl_info library = {};
+  dladdr(&somethingInside, &library);
+  return library.dli_fname;
+#endif
 }
 
-}  // namespace
+static std::filesystem::path RegistrationFile() {
+  return Library().replace_filename("reports.registered");
+}
 
-extern "C" HRESULT __stdcall DllRegisterServer() {
-  std::ofstream file(RegistrationFile());
+extern "C" ENTRY DllRegisterServer() {
+  std::ofstream file(RegistrationFile(), std::ios::binary);
   file << "Ledger reports " LEDGER_VERSION " are registered\n";
-  return file.flush() ? S_OK : E_FAIL;
+  return file.flush() ? 0 : -1;
 }
 
-extern "C" HRESULT __stdcall DllUnregisterServer() {
+extern "C" ENTRY DllUnregisterServer() {
   std::error_code error;
   std::filesystem::remove(RegistrationFile(), error);
-  return error ? E_FAIL : S_OK;
+  return error ? -1 : 0;
 }

@@ -1,27 +1,32 @@
 // A component library that tells the file named by the environment when it is registered. Built as
 // SLOW it takes longer than anyone waits, and cannot be unregistered.
 
-#include <windows.h>
-
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
+#include <string>
+#include <thread>
 
-static HRESULT Tell(const char* text) {
-  std::ofstream(std::getenv("KESTRANE_TEST_LOG"), std::ios::app) << text << '\n';
-  return E_FAIL;  // what an entry point returns is not looked at
+static int Tell(const char* text) {
+  std::string path = std::getenv("KESTRANE_TEST_LOG");
+  std::replace(path.begin(), path.end(), '\\', '/');
+  std::ofstream(path, std::ios::app | std::ios::binary) << text << '\n';
+  return -1;  // what an entry point returns is not looked at
 }
 
+// Without parameters every calling convention comes to the same.
 extern "C" {
 
-__declspec(dllexport) HRESULT WINAPI DllRegisterServer() {
+int DllRegisterServer() {
 #ifdef SLOW
-  Sleep(30'000);
+  std::this_thread::sleep_for(std::chrono::seconds(30));
 #endif
   return Tell("registered");
 }
 
 #ifndef SLOW
-__declspec(dllexport) HRESULT WINAPI DllUnregisterServer() {
+int DllUnregisterServer() {
   return Tell("unregistered");
 }
 #endif

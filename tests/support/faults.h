@@ -2,6 +2,7 @@
 
 // What a test does to files from outside, each in its system's way.
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -10,7 +11,11 @@ namespace faults {
 /// Makes a file a hidden one and returns its path.
 std::string Hide(const std::string& path);
 
-/// Keeps a file open, as another program would, so that it can be neither deleted nor replaced.
+/// Keeps a file from being read, deleted or replaced, as another program that has it open would.
+/// Linux: the user and the mode of its folder keep it, and the other files there as well.
 [[nodiscard]] std::shared_ptr<void> Lock(const std::string& path);
+
+/// The exit code of a process that was terminated with this one.
+[[nodiscard]] std::uint32_t CodeOfTerminated(std::uint32_t exitCode);
 
 }  // namespace faults

@@ -14,4 +14,8 @@ std::shared_ptr<void> Lock(const std::string& path) {
           CloseHandle};
 }
 
+std::uint32_t CodeOfTerminated(std::uint32_t exitCode) {
+  return exitCode;
+}
+
 }  // namespace faults

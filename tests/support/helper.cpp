@@ -6,25 +6,33 @@
 //   there,
 //                             a minute at most
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <string>
 #include <thread>
 
+static void AppendLine(const std::string& path, const std::string& line) {
+  std::ofstream(path, std::ios::app | std::ios::binary) << line << '\n';
+}
+
 int main(int argc, char** argv) {
   using namespace std::chrono_literals;
   const std::string verb = argc > 2 ? argv[1] : "";
-  if (argc == 1) std::ofstream(std::string(argv[0]) + ".log", std::ios::app) << "launched\n";
-  if (verb == "append" && argc > 3) std::ofstream(argv[2], std::ios::app) << argv[3] << '\n';
+  std::string file = argc > 2 ? argv[2] : "";
+  std::replace(file.begin(), file.end(), '\\', '/');
+  if (argc == 1) AppendLine(std::string(argv[0]) + ".log", "launched");
+  if (verb == "append" && argc > 3) AppendLine(file, argv[3]);
   if (verb == "exit") {
     std::this_thread::sleep_for(300ms);
     return std::atoi(argv[2]);
   }
   if (verb == "stay") {
-    std::ofstream(argv[2], std::ios::app) << "up\n";
-    const std::string end = std::string(argv[2]) + ".end";
-    for (int i = 0; i < 600 && !std::ifstream(end); ++i) std::this_thread::sleep_for(100ms);
+    AppendLine(file, "up");
+    for (int i = 0; i < 600 && !std::ifstream(file + ".end"); ++i) {
+      std::this_thread::sleep_for(100ms);
+    }
   }
   return 0;
 }

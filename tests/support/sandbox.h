@@ -2,6 +2,7 @@
 
 // A folder of a test's own, deleted with it.
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -37,11 +38,16 @@ class Sandbox {
 
   /// The path of a name, whose separators may be "/", as the program takes it.
   [[nodiscard]] std::string Path(const std::string& name) const {
-    return (root / name).make_preferred().string();
+    std::string path = (root / name).string();
+    std::replace(path.begin(), path.end(), '/', '\\');
+    return path;
   }
   void Write(const std::string& name, const std::string& content) const {
     std::filesystem::create_directories((root / name).parent_path());
     std::ofstream(root / name, std::ios::binary) << content;
+    // It may be a program.
+    std::filesystem::permissions(root / name, std::filesystem::perms::owner_all,
+                                 std::filesystem::perm_options::add);
   }
   void Fill(const std::map<std::string, std::string>& files) const {
     for (const auto& [name, content] : files) Write(name, content);

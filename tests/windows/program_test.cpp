@@ -99,10 +99,10 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
                            {"reports.dll", Shown(component)},
                            {"reports.dll.bak", "old"},
                            {"help/es es/help.txt", "ayuda"},
-                           {"out", "migrated\r\n"},
-                           {"stay", "up\r\n"},
-                           {"component.log", "registered\r\nunregistered\r\n"},
-                           {"kt-ledger.exe.log", "launched\r\n"}}));
+                           {"out", "migrated\n"},
+                           {"stay", "up\n"},
+                           {"component.log", "registered\nunregistered\n"},
+                           {"kt-ledger.exe.log", "launched\n"}}));
   EXPECT_EQ(server.TakeRequests(),
             (Texts{"HEAD /info.txt HTTP/1.0", "GET /info.txt HTTP/1.1", "HEAD /ledger HTTP/1.0",
                    "HEAD /ledger HTTP/1.0", "HEAD /reports HTTP/1.0", "HEAD /reports HTTP/1.0",

@@ -1,0 +1,182 @@
+#include "platform/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+
+#include "platform/linux/paths.h"
+
+namespace platform::files {
+namespace {
+
+using linux_layer::ToProgramPath;
+using linux_layer::ToSystemPath;
+
+constexpr mode_t ModeOfNewFolders = 0777;
+/// Whatever was downloaded may be a program; the user's mask takes away from this.
+constexpr mode_t ModeOfNewFiles = 0777;
+
+struct OpenFile {
+  explicit OpenFile(int file) : descriptor(file) {}
+  ~OpenFile() { close(descriptor); }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  int descriptor;
+};
+
+int DescriptorOf(const File& file) {
+  return static_cast<const OpenFile*>(file.get())->descriptor;
+}
+
+File Open(const std::string& path, int flags) {
+  const int descriptor = open(ToSystemPath(path).c_str(), flags | O_CLOEXEC, ModeOfNewFiles);
+  return File(descriptor < 0 ? nullptr : new OpenFile(descriptor));
+}
+
+/// The kind of file behind a path, or 0.
+mode_t KindOf(const std::string& systemPath) {
+  struct stat status = {};
+  return stat(systemPath.c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
+}
+
+bool Matches(std::string_view name, std::string_view pattern) {
+  if (pattern.empty()) return name.empty();
+  if (pattern.front() == '*') {
+    return Matches(name, pattern.substr(1)) || (!name.empty() && Matches(name.substr(1), pattern));
+  }
+  return !name.empty() && (pattern.front() == '?' || pattern.front() == name.front()) &&
+         Matches(name.substr(1), pattern.substr(1));
+}
+
+std::vector<std::string> NamesIn(const std::string& systemFolder) {
+  namespace fs = std::filesystem;
+  std::vector<std::string> names;
+  std::error_code failure;
+  for (fs::directory_iterator entry(systemFolder, failure), end; !failure && entry != end;
+       entry.increment(failure)) {
+    names.push_back(ToProgramPath(entry->path().filename().string()));
+  }
+  return names;
+}
+
+bool IsVisiblePlainFile(const std::string& path) {
+  const std::string systemPath = ToSystemPath(path);
+  return !linux_layer::FileNameOf(systemPath).starts_with('.') && KindOf(systemPath) == S_IFREG;
+}
+
+/// Also for file systems that cannot be told not to overwrite.
+bool LinkAndUnlink(const std::string& oldPath, const std::string& newPath) {
+  return link(oldPath.c_str(), newPath.c_str()) == 0 && unlink(oldPath.c_str()) == 0;
+}
+
+bool CopyAndUnlink(const std::string& oldPath, const std::string& newPath) {
+  std::error_code failure;
+  return std::filesystem::copy_file(oldPath, newPath, failure) && unlink(oldPath.c_str()) == 0;
+}
+
+}  // namespace
+
+void CloseFile::operator()(void* file) const {
+  delete static_cast<OpenFile*>(file);
+}
+
+std::vector<std::string> Find(const std::string& pattern) {
+  const auto separator = pattern.find_last_of("\\/:");
+  const std::string folder = pattern.substr(0, separator == std::string::npos ? 0 : separator + 1);
+  const std::string last = pattern.substr(folder.size());
+  std::vector<std::string> found;
+  if (last.find_first_of("*?") == std::string::npos) {
+    if (IsVisiblePlainFile(pattern)) found.push_back(pattern);
+    return found;
+  }
+  const std::string systemFolder = ToSystemPath(folder);
+  for (const auto& name : NamesIn(systemFolder.empty() ? "." : systemFolder)) {
+    if (Matches(name, last == "*.*" ? "*" : last) && IsVisiblePlainFile(folder + name)) {
+      found.push_back(folder + name);
+    }
+  }
+  return found;
+}
+
+bool IsFile(const std::string& path) {
+  const mode_t kind = KindOf(ToSystemPath(path));
+  return kind != 0 && kind != S_IFDIR;
+}
+
+bool Delete(const std::string& path) {
+  return unlink(ToSystemPath(path).c_str()) == 0;
+}
+
+bool Rename(const std::string& oldPath, const std::string& newPath) {
+  const std::string from = ToSystemPath(oldPath);
+  const std::string to = ToSystemPath(newPath);
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno == EXDEV) return CopyAndUnlink(from, to);
+  return errno == EINVAL && LinkAndUnlink(from, to);
+}
+
+bool FolderExists(const std::string& path) {
+  return KindOf(ToSystemPath(path)) == S_IFDIR;
+}
+
+bool CreateFolder(const std::string& path) {
+  return mkdir(ToSystemPath(path).c_str(), ModeOfNewFolders) == 0;
+}
+
+File OpenForReading(const std::string& path) {
+  return Open(path, O_RDONLY);
+}
+
+File Create(const std::string& path) {
+  return Open(path, O_WRONLY | O_CREAT | O_TRUNC);
+}
+
+std::optional<std::int64_t> Length(const File& file) {
+  struct stat status = {};
+  if (fstat(DescriptorOf(file), &status) != 0) return std::nullopt;
+  return status.st_size;
+}
+
+bool Read(const File& file, std::string& buffer) {
+  for (std::size_t done = 0; done < buffer.size();) {
+    const ssize_t count = read(DescriptorOf(file), buffer.data() + done, buffer.size() - done);
+    if (count <= 0) return false;
+    done += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+bool Write(const File& file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = write(DescriptorOf(file), bytes.data(), bytes.size());
+    if (count < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+DiskSpace QueryDiskSpace(const std::string& root) {
+  constexpr std::uint32_t BytesPerSector = 512;
+  constexpr std::uint64_t Most = std::numeric_limits<std::uint32_t>::max();
+  struct statvfs status = {};
+  if (statvfs(ToSystemPath(root).c_str(), &status) != 0) return {};
+  // Larger clusters until 32 bits count them all.
+  std::uint64_t sectors = std::max<std::uint64_t>(1, status.f_frsize / BytesPerSector);
+  std::uint64_t free = status.f_bavail;
+  std::uint64_t total = status.f_blocks;
+  for (; total > Most || free > Most; sectors *= 2) {
+    free /= 2;
+    total /= 2;
+  }
+  return {static_cast<std::uint32_t>(std::min(sectors, Most)), BytesPerSector,
+          static_cast<std::uint32_t>(free), static_cast<std::uint32_t>(total)};
+}
+
+}  // namespace platform::files

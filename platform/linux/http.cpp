@@ -1,0 +1,298 @@
+#include "platform/http.h"
+
+#include <curl/curl.h>
+
+#include <algorithm>
+#include <charconv>
+#include <csignal>
+#include <cstring>
+#include <optional>
+
+namespace platform::http {
+namespace {
+
+// Numbers of wininet.h.
+constexpr std::int32_t DirectAccess = 1;  // INTERNET_OPEN_TYPE_DIRECT
+constexpr std::int32_t ProxyAccess = 3;   // INTERNET_OPEN_TYPE_PROXY
+constexpr std::uint32_t QueryContentLength = 5;
+constexpr std::uint32_t QueryStatusCode = 19;
+
+constexpr int PollInterval = 1000;  // milliseconds
+constexpr const char* Protocols = "http,https";
+
+struct CloseEasy {
+  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+};
+struct CloseMulti {
+  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+};
+struct CloseList {
+  void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+};
+struct CloseUrl {
+  void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
+using Easy = std::unique_ptr<CURL, CloseEasy>;
+using Multi = std::unique_ptr<CURLM, CloseMulti>;
+using List = std::unique_ptr<curl_slist, CloseList>;
+using ParsedUrl = std::unique_ptr<CURLU, CloseUrl>;
+
+/// What the handles of this file point to.
+struct InternetObject {
+  InternetObject() = default;
+  virtual ~InternetObject() = default;
+  InternetObject(const InternetObject&) = delete;
+  InternetObject& operator=(const InternetObject&) = delete;
+};
+
+struct Root : InternetObject {
+  std::string userAgent;
+  std::int32_t accessType = 0;
+  std::string proxy;
+};
+
+struct Connection : InternetObject {
+  const Root* root = nullptr;
+  std::string address;  // scheme, host and port
+};
+
+struct Request : InternetObject {
+  List headers;
+  ParsedUrl url;
+  Easy easy;  // closed before what it points to
+};
+
+/// A GET that stands still whenever a block of its body is not yet asked for.
+struct Download : InternetObject {
+  ~Download() override {
+    if (easy) curl_multi_remove_handle(multi.get(), easy.get());
+  }
+
+  ParsedUrl url;
+  Multi multi;
+  Easy easy;
+  std::string received;  // and not yet read: one delivery of the library's at the most
+  bool paused = false;
+  bool headIsComplete = false;
+  std::optional<CURLcode> result;  // once the transfer has ended
+};
+
+template <typename Object>
+Object& As(const Handle& handle) {
+  return static_cast<Object&>(*static_cast<InternetObject*>(handle.get()));
+}
+
+Handle HandleOf(std::unique_ptr<InternetObject> object) {
+  return Handle(object.release());
+}
+
+std::size_t DropBody(const char* /*bytes*/, std::size_t size, std::size_t count,
+                     void* /*request*/) {
+  return size * count;
+}
+
+ParsedUrl Parse(const std::string& url) {
+  ParsedUrl parsed(curl_url());
+  const bool valid = curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(),
+                                  CURLU_ALLOW_SPACE | CURLU_URLENCODE) == CURLUE_OK;
+  return valid ? std::move(parsed) : nullptr;
+}
+
+Easy OpenEasy(const Root& root, const ParsedUrl& url) {
+  Easy easy(curl_easy_init());
+  if (!easy) return easy;
+  curl_easy_setopt(easy.get(), CURLOPT_CURLU, url.get());
+  curl_easy_setopt(easy.get(), CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(easy.get(), CURLOPT_FOLLOWLOCATION, 1L);
+  curl_easy_setopt(easy.get(), CURLOPT_PROTOCOLS_STR, Protocols);
+  curl_easy_setopt(easy.get(), CURLOPT_REDIR_PROTOCOLS_STR, Protocols);
+  if (!root.userAgent.empty()) {
+    curl_easy_setopt(easy.get(), CURLOPT_USERAGENT, root.userAgent.c_str());
+  }
+  // Otherwise the environment tells, as for every program.
+  if (root.accessType == DirectAccess) curl_easy_setopt(easy.get(), CURLOPT_PROXY, "");
+  if (root.accessType == ProxyAccess) {
+    curl_easy_setopt(easy.get(), CURLOPT_PROXY, root.proxy.c_str());
+  }
+  return easy;
+}
+
+std::optional<std::string> Header(CURL* easy, const char* name) {
+  curl_header* header = nullptr;
+  if (curl_easy_header(easy, name, 0, CURLH_HEADER, -1, &header) != CURLHE_OK) return std::nullopt;
+  return header->value;
+}
+
+long StatusOf(CURL* easy) {
+  long status = 0;
+  curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
+  return status;
+}
+
+/// Whether an answer stands for another one that is still to come.
+bool IsPreliminary(CURL* easy) {
+  const long status = StatusOf(easy);
+  return status < 200 || (status >= 300 && status < 400 && Header(easy, "Location"));
+}
+
+std::size_t TakeHeaderLine(const char* line, std::size_t size, std::size_t count, void* target) {
+  auto& download = *static_cast<Download*>(target);
+  if (std::string_view(line, size * count).find_first_not_of("\r\n") == std::string::npos) {
+    download.headIsComplete = !IsPreliminary(download.easy.get());
+  }
+  return size * count;
+}
+
+std::size_t TakeBody(const char* bytes, std::size_t size, std::size_t count, void* target) {
+  auto& download = *static_cast<Download*>(target);
+  if (!download.received.empty()) {
+    download.paused = true;
+    return CURL_WRITEFUNC_PAUSE;
+  }
+  download.received.assign(bytes, size * count);
+  return size * count;
+}
+
+/// Waits until the transfer can go on, and lets it.
+void Advance(Download& download) {
+  if (download.paused) {
+    download.paused = false;
+    curl_easy_pause(download.easy.get(), CURLPAUSE_CONT);
+  }
+  CURLM* const multi = download.multi.get();
+  int count = 0;
+  if (curl_multi_poll(multi, nullptr, 0, PollInterval, nullptr) != CURLM_OK ||
+      curl_multi_perform(multi, &count) != CURLM_OK) {
+    download.result = CURLE_RECV_ERROR;
+  }
+  while (const CURLMsg* message = curl_multi_info_read(multi, &count)) {
+    if (message->msg == CURLMSG_DONE) download.result = message->data.result;
+  }
+}
+
+}  // namespace
+
+void CloseInternetHandle::operator()(void* handle) const {
+  delete static_cast<InternetObject*>(handle);
+}
+
+bool IsOffline() {
+  return false;
+}
+
+Handle OpenRoot(const std::string& userAgent, std::int32_t accessType, const std::string& proxy) {
+  static const bool ready = [] {
+    std::signal(SIGPIPE, SIG_IGN);  // a connection that breaks is an error of its call
+    return curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
+  }();
+  if (!ready) return nullptr;
+  auto root = std::make_unique<Root>();
+  root->userAgent = userAgent;
+  root->accessType = accessType;
+  root->proxy = proxy;
+  return HandleOf(std::move(root));
+}
+
+Handle Connect(const Handle& root, const std::string& host, std::uint16_t port) {
+  if (host.empty()) return nullptr;
+  auto connection = std::make_unique<Connection>();
+  connection->root = &As<Root>(root);
+  connection->address = "http://" + host + ":" + std::to_string(port);
+  return HandleOf(std::move(connection));
+}
+
+Handle OpenRequest(const Handle& connection, const std::string& verb, const std::string& objectName,
+                   const std::string& version, const std::string& referrer) {
+  const auto& parent = As<Connection>(connection);
+  auto request = std::make_unique<Request>();
+  request->url = Parse(parent.address + objectName);
+  if (!request->url) return nullptr;
+  request->easy = OpenEasy(*parent.root, request->url);
+  CURL* const easy = request->easy.get();
+  if (easy == nullptr) return nullptr;
+  curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
+  curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L);
+  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, DropBody);
+  if (verb == "HEAD") {
+    curl_easy_setopt(easy, CURLOPT_NOBODY, 1L);
+  } else {
+    curl_easy_setopt(easy, CURLOPT_CUSTOMREQUEST, verb.c_str());
+  }
+  if (version == "HTTP/1.0") curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_0);
+  if (!referrer.empty()) curl_easy_setopt(easy, CURLOPT_REFERER, referrer.c_str());
+  return HandleOf(std::move(request));
+}
+
+bool AddRequestHeaders(const Handle& request, const std::string& headers) {
+  auto& target = As<Request>(request);
+  for (std::size_t at = 0; at < headers.size();) {
+    const auto end = std::min(headers.find("\r\n", at), headers.size());
+    curl_slist* longer =
+        curl_slist_append(target.headers.get(), headers.substr(at, end - at).c_str());
+    if (longer == nullptr) return false;
+    (void)target.headers.release();  // it is part of the longer list now
+    target.headers.reset(longer);
+    at = end + std::strlen("\r\n");
+  }
+  return curl_easy_setopt(target.easy.get(), CURLOPT_HTTPHEADER, target.headers.get()) == CURLE_OK;
+}
+
+bool Send(const Handle& request, const std::string& optionalData) {
+  CURL* const easy = As<Request>(request).easy.get();
+  return optionalData.empty() && curl_easy_perform(easy) == CURLE_OK;
+}
+
+bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
+               std::int32_t& length) {
+  CURL* const easy = As<Request>(request).easy.get();
+  const long status = StatusOf(easy);
+  if (status == 0) return false;  // there was no answer
+  std::optional<std::string> value;
+  if (infoLevel == QueryStatusCode) value = std::to_string(status);
+  if (infoLevel == QueryContentLength) value = Header(easy, "Content-Length");
+  if (!value || value->size() > static_cast<std::size_t>(length)) return false;
+  buffer.replace(0, value->size(), *value);
+  length = static_cast<std::int32_t>(value->size());
+  return true;
+}
+
+Handle OpenUrl(const Handle& root, const std::string& url) {
+  auto download = std::make_unique<Download>();
+  download->url = Parse(url);
+  if (!download->url) return nullptr;
+  download->easy = OpenEasy(As<Root>(root), download->url);
+  download->multi.reset(curl_multi_init());
+  CURL* const easy = download->easy.get();
+  if (easy == nullptr || !download->multi) return nullptr;
+  curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+  curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, TakeHeaderLine);
+  curl_easy_setopt(easy, CURLOPT_HEADERDATA, download.get());
+  curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, TakeBody);
+  curl_easy_setopt(easy, CURLOPT_WRITEDATA, download.get());
+  if (curl_multi_add_handle(download->multi.get(), easy) != CURLM_OK) return nullptr;
+
+  while (!download->headIsComplete && !download->result) Advance(*download);
+  if (!download->headIsComplete) return nullptr;
+  return HandleOf(std::move(download));
+}
+
+std::optional<std::int64_t> AnnouncedLength(const Handle& url) {
+  const auto digits = Header(As<Download>(url).easy.get(), "Content-Length");
+  std::int64_t length = 0;
+  if (!digits ||
+      std::from_chars(digits->data(), digits->data() + digits->size(), length).ec != std::errc{}) {
+    return std::nullopt;
+  }
+  return length;
+}
+
+bool Read(const Handle& url, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
+  auto& download = As<Download>(url);
+  while (download.received.empty() && !download.result) Advance(download);
+  bytesRead = static_cast<std::uint32_t>(std::min<std::size_t>(size, download.received.size()));
+  std::copy_n(download.received.begin(), bytesRead, buffer);
+  download.received.erase(0, bytesRead);
+  return bytesRead > 0 || download.result == CURLE_OK;
+}
+
+}  // namespace platform::http

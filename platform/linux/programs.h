@@ -1,0 +1,30 @@
+#pragma once
+
+// Starting programs: what processes.cpp and system.cpp share.
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace platform::linux_layer {
+
+/// Cuts a command line at blanks and tabs outside quotes; \" is a literal quote. Still in the
+/// program's code page.
+[[nodiscard]] std::vector<std::string> SplitCommandLine(const std::string& commandLine);
+
+/// System path of the executable file that a name means, with or without its ".exe"; empty when
+/// there is none. A bare name is looked for in the own folder, the working folder and PATH.
+[[nodiscard]] std::string FindProgram(const std::string& name);
+
+/// Starts an executable file; parameters are in the program's code page. An empty folder is the own
+/// working folder.
+[[nodiscard]] std::optional<pid_t> Spawn(const std::string& systemPath,
+                                         const std::vector<std::string>& parameters,
+                                         const std::string& systemFolder);
+
+/// Takes the exit status of a child that nobody asks for any more, as soon as there is one.
+void Abandon(pid_t child);
+
+}  // namespace platform::linux_layer

@@ -1,0 +1,124 @@
+#include "platform/system.h"
+
+#include <langinfo.h>
+#include <locale.h>  // NOLINT(modernize-deprecated-headers): the one that declares newlocale
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string_view>
+
+#include "platform/linux/paths.h"
+#include "platform/linux/programs.h"
+#include "platform/linux/text.h"
+
+namespace platform::system {
+namespace {
+
+// They stand in for the Windows folder and the system folder.
+constexpr std::string_view WindowsFolder = "\\usr\\local";
+constexpr std::string_view SystemFolder = "\\usr\\local\\lib";
+
+// Codes of ShellExecute.
+constexpr std::int32_t Opened = 33;
+constexpr std::int32_t FileNotFound = 2;
+
+std::string ExecutablePath() {
+  return linux_layer::ToProgramPath(linux_layer::TargetOfLink("/proc/self/exe"));
+}
+
+/// An argument as it has to be written so that the program reads it as one. It knows no way to
+/// write an empty one.
+std::string Quoted(const std::string& argument) {
+  std::string text;
+  for (const char character : argument) {
+    if (character == '"') text += '\\';
+    text += character;
+  }
+  if (argument.find_first_of(" \t") == std::string::npos) return text;
+  // A backslash in front of the closing quote would make it a literal one.
+  const auto length = text.find_last_not_of('\\') + 1;
+  return '"' + text.substr(0, length) + '"' + text.substr(length);
+}
+
+std::size_t Fill(std::string& buffer, std::string_view folder) {
+  if (folder.size() > buffer.size()) return folder.size() + 1;
+  buffer.replace(0, folder.size(), folder);
+  return folder.size();
+}
+
+bool StartDirectly(const std::string& file, const std::string& parameters,
+                   const std::string& folder) {
+  const std::string program = linux_layer::FindProgram(file);
+  if (program.empty()) return false;
+  const std::string systemFolder = linux_layer::ToSystemPath(folder);
+  std::error_code failure;
+  const bool folderExists = std::filesystem::is_directory(systemFolder, failure);
+  const auto child = linux_layer::Spawn(program, linux_layer::SplitCommandLine(parameters),
+                                        folderExists ? systemFolder : "");
+  if (child) linux_layer::Abandon(*child);
+  return child.has_value();
+}
+
+bool LetDesktopOpen(const std::string& file) {
+  const bool isUrl = file.find("://") != std::string::npos;
+  const std::string path = isUrl ? file : linux_layer::FromUtf8(linux_layer::ToSystemPath(file));
+  const std::string opener = linux_layer::FindProgram("xdg-open");
+  const auto child = opener.empty() ? std::nullopt : linux_layer::Spawn(opener, {path}, "");
+  if (child) linux_layer::Abandon(*child);
+  return child.has_value();
+}
+
+}  // namespace
+
+std::string CommandLineText() {
+  std::ifstream file("/proc/self/cmdline", std::ios::binary);
+  std::string argument;
+  std::getline(file, argument, '\0');  // the program's own name
+  std::string text;
+  while (std::getline(file, argument, '\0')) {
+    text += ' ' + Quoted(linux_layer::FromUtf8(argument));
+  }
+  return text;
+}
+
+std::string ExecutableFolder() {
+  const std::string path = ExecutablePath();
+  const auto separator = path.rfind('\\');
+  if (separator == std::string::npos) return "";
+  return path.substr(0, separator);
+}
+
+std::string ExecutableBaseName() {
+  const std::string path = ExecutablePath();
+  const std::string name = path.substr(path.rfind('\\') + 1);
+  return name.substr(0, name.rfind('.'));
+}
+
+std::size_t WindowsDirectory(std::string& buffer) {
+  return Fill(buffer, WindowsFolder);
+}
+
+std::size_t SystemDirectory(std::string& buffer) {
+  return Fill(buffer, SystemFolder);
+}
+
+std::string DecimalSeparator() {
+  const locale_t locale = newlocale(LC_NUMERIC_MASK, "", nullptr);
+  if (locale == nullptr) return ".";  // the environment names a locale that is not installed
+  const std::string separator = linux_layer::FromUtf8(nl_langinfo_l(RADIXCHAR, locale));
+  freelocale(locale);
+  return separator;
+}
+
+std::int32_t OpenWithShell(const std::string& /*verb*/, const std::string& file,
+                           const std::string& parameters, const std::string& folder,
+                           int /*showValue*/) {
+  return StartDirectly(file, parameters, folder) || LetDesktopOpen(file) ? Opened : FileNotFound;
+}
+
+void EndProcess() {
+  _exit(0);
+}
+
+}  // namespace platform::system

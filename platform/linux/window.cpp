@@ -1,0 +1,427 @@
+#include "platform/window.h"
+
+#include <FL/Fl.H>
+#include <FL/Fl_Button.H>
+#include <FL/Fl_Double_Window.H>
+#include <FL/fl_draw.H>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <vector>
+
+#include "platform/linux/icon_file.h"
+#include "platform/linux/message_box.h"
+#include "platform/linux/paths.h"
+#include "platform/linux/text.h"
+
+namespace platform::window {
+namespace {
+
+using linux_layer::ToUtf8;
+
+constexpr double TwipsPerInch = 1440.0;
+constexpr float UnscaledDotsPerInch = 96;
+constexpr int UnscaledIconSize = 32;
+constexpr int BorderOfPictures = 2;         // pixels
+constexpr double HeightOfDecoration = 390;  // twips: title bar and borders of the Windows window
+constexpr const char* WindowClass = "Kestrane";
+constexpr const char* Ellipsis = "\u2026";
+
+/// Twips: 8 points and less. A label takes the first size in which its text fits, so that no
+/// message is cut off.
+constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
+
+struct FilledRectangle {
+  int x;
+  int y;
+  int w;
+  int h;
+  std::uint32_t colour;
+  bool operator==(const FilledRectangle&) const = default;
+};
+
+// Written by Create, and where not by the procedures that change the thing in question.
+Handlers handlers{};
+double twipsPerPixelX = 0;
+double twipsPerPixelY = 0;
+bool resizeEventsOn = false;  // set by the first Show
+
+int PixelsX(double twips) {
+  return static_cast<int>(std::lround(twips / twipsPerPixelX));
+}
+int PixelsY(double twips) {
+  return static_cast<int>(std::lround(twips / twipsPerPixelY));
+}
+
+/// A red, green and blue byte from the lowest one on, as Windows writes a colour.
+Fl_Color ColourOf(std::uint32_t value) {
+  return fl_rgb_color(static_cast<uchar>(value), static_cast<uchar>(value >> 8U),
+                      static_cast<uchar>(value >> 16U));
+}
+
+std::uint32_t ValueOf(Fl_Color colour) {
+  uchar red = 0;
+  uchar green = 0;
+  uchar blue = 0;
+  Fl::get_color(colour, red, green, blue);
+  return static_cast<std::uint32_t>(red | green << 8 | blue << 16);
+}
+
+class MainWindow : public Fl_Double_Window {
+ public:
+  using Fl_Double_Window::Fl_Double_Window;
+
+  void resize(int x, int y, int w, int h) override {
+    const bool resized = w != this->w() || h != this->h();
+    Fl_Double_Window::resize(x, y, w, h);
+    if (resized && resizeEventsOn) handlers.resized();
+  }
+};
+
+class LabelWidget : public Fl_Widget {
+ public:
+  LabelWidget(int x, int y, int w, int h, ControlKind labelKind)
+      : Fl_Widget(x, y, w, h), kind(labelKind) {}
+
+  void SetText(const std::string& utf8) {
+    text = utf8;
+    size = FittingSize();
+    if (!Wraps() && !Fits(text, size)) Shorten();
+    redraw();
+  }
+
+ private:
+  [[nodiscard]] bool Wraps() const { return kind == ControlKind::WrappingLabel; }
+
+  [[nodiscard]] bool Fits(const std::string& value, int fontSize) const {
+    int width = Wraps() ? w() : 0;
+    int height = 0;
+    fl_font(FL_HELVETICA, fontSize);
+    fl_measure(value.c_str(), width, height, 0);
+    return width <= w() && (!Wraps() || height <= h());
+  }
+
+  [[nodiscard]] int FittingSize() const {
+    for (const int twips : FontSizes) {
+      if (Fits(text, PixelsY(twips))) return PixelsY(twips);
+    }
+    return PixelsY(FontSizes.back());
+  }
+
+  void Shorten() {
+    while (!text.empty() && !Fits(text + Ellipsis, size)) {
+      while ((static_cast<unsigned char>(text.back()) >> 6U) == 2U) text.pop_back();
+      text.pop_back();
+    }
+    text += Ellipsis;
+  }
+
+  void draw() override {
+    const Fl_Align side = kind == ControlKind::RightAlignedLabel ? FL_ALIGN_RIGHT : FL_ALIGN_LEFT;
+    const Fl_Align wrap = Wraps() ? FL_ALIGN_WRAP | FL_ALIGN_TOP : FL_ALIGN_CENTER;
+    fl_font(FL_HELVETICA, size);
+    fl_color(FL_BLACK);
+    fl_draw(text.c_str(), x(), y(), w(), h(), side | wrap | FL_ALIGN_INSIDE, nullptr, 0);
+  }
+
+  ControlKind kind;
+  std::string text;
+  int size = 0;
+};
+
+class PictureWidget : public Fl_Widget {
+ public:
+  PictureWidget(int x, int y, int w, int h) : Fl_Widget(x, y, w, h) {}
+
+  std::vector<FilledRectangle> drawn;  // since the picture box was erased
+  std::vector<FilledRectangle> shown;  // what the screen has to show
+
+ private:
+  /// A white box, sunken by a border of two pixels.
+  void draw() override {
+    DrawFrame(0, fl_rgb_color(0xA0, 0xA0, 0xA0), FL_WHITE);
+    DrawFrame(1, fl_rgb_color(0x69, 0x69, 0x69), fl_rgb_color(0xE3, 0xE3, 0xE3));
+    const int left = x() + BorderOfPictures;
+    const int top = y() + BorderOfPictures;
+    fl_push_clip(left, top, w() - 2 * BorderOfPictures, h() - 2 * BorderOfPictures);
+    fl_rectf(left, top, w(), h(), FL_WHITE);
+    for (const auto& area : shown) {
+      fl_rectf(left + area.x, top + area.y, area.w, area.h, ColourOf(area.colour));
+    }
+    fl_pop_clip();
+  }
+
+  void DrawFrame(int inset, Fl_Color upperLeft, Fl_Color lowerRight) {
+    const int left = x() + inset;
+    const int top = y() + inset;
+    const int right = x() + w() - 1 - inset;
+    const int bottom = y() + h() - 1 - inset;
+    fl_color(lowerRight);
+    fl_yxline(right, top, bottom);
+    fl_xyline(left, bottom, right);
+    fl_color(upperLeft);
+    fl_yxline(left, top, bottom - 1);
+    fl_xyline(left, top, right - 1);
+  }
+};
+
+class IconWidget : public Fl_Widget {
+ public:
+  IconWidget(int x, int y, int w, int h, int side)
+      : Fl_Widget(x, y, w, h),
+        picture(linux_layer::ReadIcon(linux_layer::BuiltInIconFile(), side)->copy(side, side)) {}
+
+ private:
+  void draw() override {
+    picture->draw(x() + (w() - picture->w()) / 2, y() + (h() - picture->h()) / 2);
+  }
+
+  std::unique_ptr<Fl_Image> picture;
+};
+
+class ButtonWidget : public Fl_Button {
+ public:
+  using Fl_Button::Fl_Button;
+
+ private:
+  /// White with round corners, and with the highlight's colour while it is the one that Enter
+  /// presses.
+  void draw() override {
+    const Fl_Color edge = active_r() != 0 ? linux_layer::Highlight : fl_rgb_color(0xB0, 0xB0, 0xB0);
+    draw_box(FL_ROUNDED_FRAME, value() != 0 ? linux_layer::Grey : FL_WHITE);
+    draw_box(FL_FLAT_BOX, x() + 2, y() + 2, w() - 4, h() - 4,
+             value() != 0 ? linux_layer::Grey : FL_WHITE);
+    fl_color(edge);
+    fl_rect(x(), y(), w(), h());
+    fl_rect(x() + 1, y() + 1, w() - 2, h() - 2);
+    draw_label();
+    if (Fl::focus() == this) draw_focus(FL_FLAT_BOX, x() + 2, y() + 2, w() - 4, h() - 4);
+  }
+};
+
+struct Control {
+  Fl_Widget* widget;  // owned by the window
+  ControlLayout layout;
+  std::string text;
+};
+
+MainWindow* mainWindow = nullptr;  // lives as long as the process
+std::vector<Control> controls;
+
+Control& At(int control) {
+  return controls[static_cast<std::size_t>(control)];
+}
+
+PictureWidget& PictureAt(int control) {
+  return static_cast<PictureWidget&>(*At(control).widget);
+}
+
+Fl_Widget* Button() {
+  for (const auto& control : controls) {
+    if (control.layout.kind == ControlKind::Button) return control.widget;
+  }
+  return nullptr;
+}
+
+void MeasureScreen() {
+  float horizontal = UnscaledDotsPerInch;
+  float vertical = UnscaledDotsPerInch;
+  Fl::screen_dpi(horizontal, vertical);
+  twipsPerPixelX = TwipsPerInch / std::max(horizontal, UnscaledDotsPerInch);
+  twipsPerPixelY = TwipsPerInch / std::max(vertical, UnscaledDotsPerInch);
+}
+
+void ButtonPressed(Fl_Widget* /*button*/, void* /*data*/) {
+  handlers.buttonClicked();
+}
+
+void WindowClosing(Fl_Widget* /*window*/, void* /*data*/) {
+  // Escape is reported here too, and closes no window of this kind.
+  if (Fl::event() != FL_SHORTCUT) handlers.closing();
+}
+
+ButtonWidget* CreateButton(int x, int y, int w, int h) {
+  auto* button = new ButtonWidget(x, y, w, h);
+  button->labelsize(PixelsY(FontSizes.front()));
+  button->shortcut(FL_Enter);
+  button->callback(ButtonPressed);
+  return button;
+}
+
+Fl_Widget* CreateWidget(const ControlLayout& layout) {
+  const int x = PixelsX(layout.left);
+  const int y = PixelsY(layout.top);
+  const int w = PixelsX(layout.width);
+  const int h = PixelsY(layout.height);
+  switch (layout.kind) {
+    case ControlKind::ProgramIcon:
+      return new IconWidget(
+          x, y, w, h,
+          static_cast<int>(UnscaledIconSize * TwipsPerInch / twipsPerPixelY / UnscaledDotsPerInch));
+    case ControlKind::PictureBox:
+      return new PictureWidget(x, y, w, h);
+    case ControlKind::Button:
+      return CreateButton(x, y, w, h);
+    case ControlKind::Label:
+    case ControlKind::WrappingLabel:
+    case ControlKind::RightAlignedLabel:
+      break;
+  }
+  return new LabelWidget(x, y, w, h, layout.kind);
+}
+
+/// The window manager takes the size that it likes.
+bool UseIcon(std::string_view file) {
+  const auto icon = linux_layer::ReadIcon(file, UnscaledIconSize);
+  if (icon) mainWindow->icon(icon.get());  // copies it
+  return icon != nullptr;
+}
+
+void CentreWindow() {
+  int x = 0;
+  int y = 0;
+  int w = 0;
+  int h = 0;
+  Fl::screen_work_area(x, y, w, h);
+  mainWindow->position(x + (w - mainWindow->w()) / 2, y + (h - mainWindow->h()) / 2);
+}
+
+}  // namespace
+
+void Create(const Layout& layout, const Handlers& callbacks) {
+  handlers = callbacks;
+  MeasureScreen();
+  mainWindow = new MainWindow(PixelsX(layout.clientWidth), PixelsY(layout.clientHeight));
+  mainWindow->xclass(WindowClass);
+  mainWindow->color(linux_layer::Grey);
+  mainWindow->callback(WindowClosing);
+  for (const auto& control : layout.controls) {
+    controls.push_back({CreateWidget(control), control, ""});
+  }
+  mainWindow->end();
+  SetWindowCaption(layout.caption);
+  (void)UseIcon(linux_layer::BuiltInIconFile());
+  CentreWindow();
+}
+
+void Show() {
+  mainWindow->show();
+  mainWindow->wait_for_expose();
+  Button()->take_focus();
+  if (!resizeEventsOn) {
+    resizeEventsOn = true;
+    handlers.resized();
+  }
+}
+
+void SetWindowCaption(std::string_view caption) {
+  mainWindow->copy_label(ToUtf8(caption).c_str());
+}
+
+void SetWindowIcon(const std::string& path) {
+  std::ifstream file(linux_layer::ToSystemPath(path), std::ios::binary);
+  std::ostringstream content;
+  content << file.rdbuf();
+  (void)UseIcon(content.str());  // what is no icon changes nothing
+}
+
+void SetWindowHeight(int height) {
+  mainWindow->size(mainWindow->w(), PixelsY(height - HeightOfDecoration));
+}
+
+void SetText(int control, std::string_view value) {
+  Control& target = At(control);
+  if (target.text == value) return;
+  target.text = value;
+  if (target.layout.kind == ControlKind::Button) {
+    target.widget->copy_label(ToUtf8(value).c_str());
+  } else {
+    static_cast<LabelWidget&>(*target.widget).SetText(ToUtf8(value));
+  }
+  mainWindow->redraw();
+}
+
+std::string Text(int control) {
+  return At(control).text;
+}
+
+void SetVisible(int control, bool visible) {
+  if (visible) {
+    At(control).widget->show();
+  } else {
+    At(control).widget->hide();
+  }
+}
+
+void SetEnabled(int control, bool enabled) {
+  Fl_Widget& widget = *At(control).widget;
+  if (!enabled) return widget.deactivate();
+  // What was pressed while the control was disabled must not reach it when it is enabled.
+  if (!IsEnabled(control)) ProcessPendingEvents();
+  widget.activate();
+  Button()->take_focus();
+}
+
+bool IsEnabled(int control) {
+  return At(control).widget->active() != 0;
+}
+
+void SetTop(int control, int top) {
+  Fl_Widget& widget = *At(control).widget;
+  widget.position(widget.x(), PixelsY(top));
+  mainWindow->redraw();
+}
+
+double TwipsPerPixelX() {
+  return twipsPerPixelX;
+}
+double TwipsPerPixelY() {
+  return twipsPerPixelY;
+}
+
+PictureBox DescribePictureBox(int control) {
+  const ControlLayout& layout = At(control).layout;
+  return {false, layout.width, layout.height, ValueOf(linux_layer::Highlight)};
+}
+
+void ErasePictureBox(int control) {
+  PictureAt(control).drawn.clear();
+}
+
+void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
+                         std::uint32_t colour) {
+  const int x = PixelsX(left);
+  const int y = PixelsY(top);
+  PictureAt(control).drawn.push_back({x, y, PixelsX(right) - x, PixelsY(bottom) - y, colour});
+}
+
+void RefreshPictureBox(int control) {
+  PictureWidget& picture = PictureAt(control);
+  if (picture.shown == picture.drawn) return;
+  picture.shown = picture.drawn;
+  picture.redraw();
+  Fl::flush();
+}
+
+void SetMousePointer(MousePointer pointer) {
+  mainWindow->cursor(pointer == MousePointer::Hourglass ? FL_CURSOR_WAIT : FL_CURSOR_DEFAULT);
+  Fl::flush();
+}
+
+int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {
+  return linux_layer::RunMessageBox(ToUtf8(text), style, ToUtf8(title), PixelsY(FontSizes.front()));
+}
+
+void ProcessPendingEvents() {
+  Fl::check();
+}
+
+void RunEventLoop() {
+  while (true) Fl::wait();
+}
+
+}  // namespace platform::window
