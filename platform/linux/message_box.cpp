@@ -1,13 +1,13 @@
 #include "platform/linux/message_box.h"
 
 #include <FL/Fl.H>
-#include <FL/Fl_Box.H>
-#include <FL/Fl_Button.H>
 #include <FL/Fl_Double_Window.H>
 #include <FL/fl_draw.H>
 
 #include <algorithm>
 #include <vector>
+
+#include "platform/linux/widgets.h"
 
 namespace platform::linux_layer {
 namespace {
@@ -45,7 +45,7 @@ class PlainText : public Fl_Widget {
 
  private:
   void draw() override {
-    fl_font(FL_HELVETICA, size);
+    fl_font(Font, size);
     fl_color(FL_BLACK);
     fl_draw(text.c_str(), x(), y(), w(), h(), FL_ALIGN_LEFT | FL_ALIGN_WRAP | FL_ALIGN_INSIDE,
             nullptr, 0);
@@ -105,7 +105,7 @@ void AddButtons(const std::vector<ChoiceButton>& choices, Fl_Window& box, int to
   int left = (box.w() - static_cast<int>(choices.size()) * pitch + Margin * fontSize) / 2;
   for (const auto& choice : choices) {
     auto* button =
-        new Fl_Button(left, top, ButtonWidth * fontSize, ButtonHeight * fontSize, choice.caption);
+        new PushButton(left, top, ButtonWidth * fontSize, ButtonHeight * fontSize, choice.caption);
     button->labelsize(fontSize);
     button->callback(Press, choice.value);
     if (choice.value == choices.front().value) button->shortcut(FL_Enter);
@@ -124,7 +124,7 @@ int RunMessageBox(const std::string& text, std::uint32_t style, const std::strin
   const int textLeft = 2 * margin + iconSide + (sign != nullptr ? margin : 0);
   int textWidth = WidestText * fontSize;
   int textHeight = 0;
-  fl_font(FL_HELVETICA, fontSize);
+  fl_font(Font, fontSize);
   fl_measure(text.c_str(), textWidth, textHeight, 0);
   const int bodyHeight = std::max(textHeight, iconSide);
   const int buttonsWidth = static_cast<int>(choices.size()) * (ButtonWidth + Margin) * fontSize;
@@ -140,11 +140,8 @@ int RunMessageBox(const std::string& text, std::uint32_t style, const std::strin
   box.end();
   box.callback(Close, static_cast<long>(choices.size()));
   box.set_modal();
-  const Fl_Widget* parent = Fl::first_window();
-  const auto* parentWindow = static_cast<const Fl_Window*>(parent);
-  if (parentWindow != nullptr) {
-    box.position(parentWindow->x_root() + (parentWindow->w() - box.w()) / 2,
-                 parentWindow->y_root() + (parentWindow->h() - box.h()) / 2);
+  if (const Fl_Window* owner = Fl::first_window()) {
+    box.position(owner->x() + (owner->w() - box.w()) / 2, owner->y() + (owner->h() - box.h()) / 2);
   }
   pressed = 0;
   box.show();

@@ -1,7 +1,6 @@
 #include "platform/window.h"
 
 #include <FL/Fl.H>
-#include <FL/Fl_Button.H>
 #include <FL/Fl_Double_Window.H>
 #include <FL/fl_draw.H>
 
@@ -17,6 +16,7 @@
 #include "platform/linux/message_box.h"
 #include "platform/linux/paths.h"
 #include "platform/linux/text.h"
+#include "platform/linux/widgets.h"
 
 namespace platform::window {
 namespace {
@@ -24,7 +24,7 @@ namespace {
 using linux_layer::ToUtf8;
 
 constexpr double TwipsPerInch = 1440.0;
-constexpr float UnscaledDotsPerInch = 96;
+constexpr double UnscaledDotsPerInch = 96;
 constexpr int UnscaledIconSize = 32;
 constexpr int BorderOfPictures = 2;         // pixels
 constexpr double HeightOfDecoration = 390;  // twips: title bar and borders of the Windows window
@@ -100,7 +100,7 @@ class LabelWidget : public Fl_Widget {
   [[nodiscard]] bool Fits(const std::string& value, int fontSize) const {
     int width = Wraps() ? w() : 0;
     int height = 0;
-    fl_font(FL_HELVETICA, fontSize);
+    fl_font(linux_layer::Font, fontSize);
     fl_measure(value.c_str(), width, height, 0);
     return width <= w() && (!Wraps() || height <= h());
   }
@@ -123,7 +123,7 @@ class LabelWidget : public Fl_Widget {
   void draw() override {
     const Fl_Align side = kind == ControlKind::RightAlignedLabel ? FL_ALIGN_RIGHT : FL_ALIGN_LEFT;
     const Fl_Align wrap = Wraps() ? FL_ALIGN_WRAP | FL_ALIGN_TOP : FL_ALIGN_CENTER;
-    fl_font(FL_HELVETICA, size);
+    fl_font(linux_layer::Font, size);
     fl_color(FL_BLACK);
     fl_draw(text.c_str(), x(), y(), w(), h(), side | wrap | FL_ALIGN_INSIDE, nullptr, 0);
   }
@@ -183,26 +183,6 @@ class IconWidget : public Fl_Widget {
   std::unique_ptr<Fl_Image> picture;
 };
 
-class ButtonWidget : public Fl_Button {
- public:
-  using Fl_Button::Fl_Button;
-
- private:
-  /// White with round corners, and with the highlight's colour while it is the one that Enter
-  /// presses.
-  void draw() override {
-    const Fl_Color edge = active_r() != 0 ? linux_layer::Highlight : fl_rgb_color(0xB0, 0xB0, 0xB0);
-    draw_box(FL_ROUNDED_FRAME, value() != 0 ? linux_layer::Grey : FL_WHITE);
-    draw_box(FL_FLAT_BOX, x() + 2, y() + 2, w() - 4, h() - 4,
-             value() != 0 ? linux_layer::Grey : FL_WHITE);
-    fl_color(edge);
-    fl_rect(x(), y(), w(), h());
-    fl_rect(x() + 1, y() + 1, w() - 2, h() - 2);
-    draw_label();
-    if (Fl::focus() == this) draw_focus(FL_FLAT_BOX, x() + 2, y() + 2, w() - 4, h() - 4);
-  }
-};
-
 struct Control {
   Fl_Widget* widget;  // owned by the window
   ControlLayout layout;
@@ -227,12 +207,19 @@ Fl_Widget* Button() {
   return nullptr;
 }
 
+/// What a screen says of its size in millimetres is rarely exact: the nearest quarter of the
+/// unscaled resolution, as Windows offers them.
+double TwipsPerPixel(float dotsPerInch) {
+  const double quarters = std::max(4.0, std::round(4.0 * dotsPerInch / UnscaledDotsPerInch));
+  return TwipsPerInch * 4.0 / (quarters * UnscaledDotsPerInch);
+}
+
 void MeasureScreen() {
-  float horizontal = UnscaledDotsPerInch;
-  float vertical = UnscaledDotsPerInch;
+  float horizontal = 0;
+  float vertical = 0;
   Fl::screen_dpi(horizontal, vertical);
-  twipsPerPixelX = TwipsPerInch / std::max(horizontal, UnscaledDotsPerInch);
-  twipsPerPixelY = TwipsPerInch / std::max(vertical, UnscaledDotsPerInch);
+  twipsPerPixelX = TwipsPerPixel(horizontal);
+  twipsPerPixelY = TwipsPerPixel(vertical);
 }
 
 void ButtonPressed(Fl_Widget* /*button*/, void* /*data*/) {
@@ -244,8 +231,8 @@ void WindowClosing(Fl_Widget* /*window*/, void* /*data*/) {
   if (Fl::event() != FL_SHORTCUT) handlers.closing();
 }
 
-ButtonWidget* CreateButton(int x, int y, int w, int h) {
-  auto* button = new ButtonWidget(x, y, w, h);
+linux_layer::PushButton* CreateButton(int x, int y, int w, int h) {
+  auto* button = new linux_layer::PushButton(x, y, w, h);
   button->labelsize(PixelsY(FontSizes.front()));
   button->shortcut(FL_Enter);
   button->callback(ButtonPressed);
@@ -294,6 +281,7 @@ void CentreWindow() {
 
 void Create(const Layout& layout, const Handlers& callbacks) {
   handlers = callbacks;
+  Fl::set_font(linux_layer::Font, linux_layer::FontFamilies);
   MeasureScreen();
   mainWindow = new MainWindow(PixelsX(layout.clientWidth), PixelsY(layout.clientHeight));
   mainWindow->xclass(WindowClass);
