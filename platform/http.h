@@ -33,7 +33,7 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 /// Adds header lines, each replacing one of the same name.
 [[nodiscard]] bool AddRequestHeaders(const Handle& request, const std::string& headers);
 
-/// Sends the request and reads the head of the answer. It blocks.
+/// Sends the request and waits for the head of the answer; events are handled meanwhile.
 [[nodiscard]] bool Send(const Handle& request, const std::string& optionalData);
 
 /// Writes the text of a value of the answer into the buffer and its length into length, which holds
@@ -42,16 +42,23 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 [[nodiscard]] bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                              std::int32_t& length);
 
-/// Starts a GET of an absolute URL; redirections are followed. It blocks until the head of the
-/// answer is there, whatever its status.
-[[nodiscard]] Handle OpenUrl(const Handle& root, const std::string& url);
+struct CloseBody {
+  void operator()(void* body) const;
+};
+/// The body of an answer, on its way.
+using Body = std::unique_ptr<void, CloseBody>;
+
+/// Starts a GET of an absolute URL; redirections are followed. Waits for the head of the answer,
+/// whatever its status; events are handled meanwhile.
+[[nodiscard]] Body OpenUrl(const Handle& root, const std::string& url);
 
 /// Length of the body in bytes as the answer to OpenUrl announces it; nothing when it announces
 /// none.
-[[nodiscard]] std::optional<std::int64_t> AnnouncedLength(const Handle& url);
+[[nodiscard]] std::optional<std::int64_t> AnnouncedLength(const Body& body);
 
-/// Reads up to size bytes of the body into the buffer; 0 bytes are its end. It blocks.
-[[nodiscard]] bool Read(const Handle& url, char* buffer, std::uint32_t size,
+/// Reads up to size bytes of the body into the buffer; 0 bytes are its end. Waits for the server
+/// where it has to; events are handled meanwhile.
+[[nodiscard]] bool Read(const Body& body, char* buffer, std::uint32_t size,
                         std::uint32_t& bytesRead);
 
 }  // namespace platform::http

@@ -86,7 +86,7 @@ TEST_F(Transfer, ProbesSendOneHeadRequestEach) {
   EXPECT_EQ(Query(HTTP_QUERY_STATUS_CODE, "/there"), "200");
   EXPECT_TRUE(server.SawUserAgent(UserAgentText));
   EXPECT_EQ(Query(HTTP_QUERY_CONTENT_LENGTH, "/there"), "5");
-  EXPECT_EQ(state.yields, 2);
+  EXPECT_GE(state.yields, 2);
   EXPECT_EQ(Query(HTTP_QUERY_STATUS_CODE, "/missing"), "404");
   EXPECT_EQ(Query(HTTP_QUERY_CONTENT_LENGTH, "/unknown-length"), "");
   EXPECT_EQ(server.TakeRequests(),

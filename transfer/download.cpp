@@ -60,7 +60,7 @@ void ShowProgress() {
 /// Hands the body to store, block by block. False when a read fails, store refuses a block, or the
 /// body ends before the length that the answer itself announced.
 template <typename Store>
-bool ReadBody(const platform::http::Handle& body, Store store) {
+bool ReadBody(const platform::http::Body& body, Store store) {
   std::array<char, TransferBlockSize> buffer{};
   std::int64_t received = 0;
   std::uint32_t bytesRead = 0;
@@ -77,7 +77,7 @@ bool ReadBody(const platform::http::Handle& body, Store store) {
   return received >= platform::http::AnnouncedLength(body).value_or(0);
 }
 
-std::string ReadIntoFile(const platform::http::Handle& body, const std::string& targetPath) {
+std::string ReadIntoFile(const platform::http::Body& body, const std::string& targetPath) {
   if (!FileDelete(targetPath)) return "";
   const platform::files::File file = platform::files::Create(targetPath);
   if (!file) return "";
@@ -86,7 +86,7 @@ std::string ReadIntoFile(const platform::http::Handle& body, const std::string& 
   return complete ? targetPath : "";
 }
 
-std::string ReadIntoMemory(const platform::http::Handle& body) {
+std::string ReadIntoMemory(const platform::http::Body& body) {
   std::string content;
   const bool complete = ReadBody(body, [&](std::string_view block) {
     content += block;
@@ -112,7 +112,7 @@ std::string DownloadUrl(const std::string& url, const std::string& targetPath,
                         const std::string& proxy) {
   const platform::http::Handle root = platform::http::OpenRoot(userAgent, accessType, proxy);
   if (!root) return "";
-  const platform::http::Handle body = platform::http::OpenUrl(root, url);
+  const platform::http::Body body = platform::http::OpenUrl(root, url);
   if (!body) return "";
 
   std::string result;

@@ -8,6 +8,8 @@
 #include <cstring>
 #include <optional>
 
+#include "platform/window.h"
+
 namespace platform::http {
 namespace {
 
@@ -17,7 +19,7 @@ constexpr std::int32_t ProxyAccess = 3;   // INTERNET_OPEN_TYPE_PROXY
 constexpr std::uint32_t QueryContentLength = 5;
 constexpr std::uint32_t QueryStatusCode = 19;
 
-constexpr int PollInterval = 1000;  // milliseconds
+constexpr int PollInterval = 20;  // milliseconds; nobody feels a click wait that long
 constexpr const char* Protocols = "http,https";
 
 struct CloseEasy {
@@ -63,10 +65,13 @@ struct Request : InternetObject {
 };
 
 /// A GET that stands still whenever a block of its body is not yet asked for.
-struct Download : InternetObject {
-  ~Download() override {
+struct Download {
+  Download() = default;
+  ~Download() {
     if (easy) curl_multi_remove_handle(multi.get(), easy.get());
   }
+  Download(const Download&) = delete;
+  Download& operator=(const Download&) = delete;
 
   ParsedUrl url;
   Multi multi;
@@ -153,7 +158,11 @@ std::size_t TakeBody(const char* bytes, std::size_t size, std::size_t count, voi
   return size * count;
 }
 
-/// Waits until the transfer can go on, and lets it.
+Download& DownloadOf(const Body& body) {
+  return *static_cast<Download*>(body.get());
+}
+
+/// Waits until the transfer can go on, for one poll at most, and lets it.
 void Advance(Download& download) {
   if (download.paused) {
     download.paused = false;
@@ -165,6 +174,7 @@ void Advance(Download& download) {
       curl_multi_perform(multi, &count) != CURLM_OK) {
     download.result = CURLE_RECV_ERROR;
   }
+  window::ProcessPendingEvents();
   while (const CURLMsg* message = curl_multi_info_read(multi, &count)) {
     if (message->msg == CURLMSG_DONE) download.result = message->data.result;
   }
@@ -256,7 +266,11 @@ bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buff
   return true;
 }
 
-Handle OpenUrl(const Handle& root, const std::string& url) {
+void CloseBody::operator()(void* body) const {
+  delete static_cast<Download*>(body);
+}
+
+Body OpenUrl(const Handle& root, const std::string& url) {
   auto download = std::make_unique<Download>();
   download->url = Parse(url);
   if (!download->url) return nullptr;
@@ -273,11 +287,11 @@ Handle OpenUrl(const Handle& root, const std::string& url) {
 
   while (!download->headIsComplete && !download->result) Advance(*download);
   if (!download->headIsComplete) return nullptr;
-  return HandleOf(std::move(download));
+  return Body(download.release());
 }
 
-std::optional<std::int64_t> AnnouncedLength(const Handle& url) {
-  const auto digits = Header(As<Download>(url).easy.get(), "Content-Length");
+std::optional<std::int64_t> AnnouncedLength(const Body& body) {
+  const auto digits = Header(DownloadOf(body).easy.get(), "Content-Length");
   std::int64_t length = 0;
   if (!digits ||
       std::from_chars(digits->data(), digits->data() + digits->size(), length).ec != std::errc{}) {
@@ -286,8 +300,8 @@ std::optional<std::int64_t> AnnouncedLength(const Handle& url) {
   return length;
 }
 
-bool Read(const Handle& url, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
-  auto& download = As<Download>(url);
+bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
+  auto& download = DownloadOf(body);
   while (download.received.empty() && !download.result) Advance(download);
   bytesRead = static_cast<std::uint32_t>(std::min<std::size_t>(size, download.received.size()));
   std::copy_n(download.received.begin(), bytesRead, buffer);

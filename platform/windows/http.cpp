@@ -7,13 +7,51 @@
 #include <intshcut.h>
 #include <wininet.h>
 
+#include <algorithm>
 #include <charconv>
+#include <vector>
+
+#include "platform/windows/background.h"
 
 namespace platform::http {
 namespace {
 
+using windows::RunInBackground;
+
 const char* NullWhenEmpty(const std::string& value) {
   return value.empty() ? nullptr : value.c_str();
+}
+
+constexpr std::size_t SmallestChunk = 1024;  // bytes
+constexpr std::size_t LargestChunk = 64 * 1024;
+constexpr DWORD SlowRead = 100;  // milliseconds
+constexpr DWORD FastRead = 25;
+
+/// A read costs much the same whatever its size, and returns when all of it is there: so the body
+/// is fetched in chunks as large as arrive before anyone would miss the progress.
+struct OpenBody {
+  Handle url;
+  std::size_t chunkSize = SmallestChunk;
+  std::vector<char> chunk = {};
+  std::size_t taken = 0;  // bytes of the chunk that were handed out
+};
+
+/// An empty chunk is the end of the body.
+bool FetchChunk(OpenBody& body) {
+  body.chunk.resize(body.chunkSize);
+  body.taken = 0;
+  DWORD count = 0;
+  bool read = false;
+  const DWORD start = GetTickCount();
+  RunInBackground([&] {
+    read = InternetReadFile(body.url.get(), body.chunk.data(),
+                            static_cast<DWORD>(body.chunk.size()), &count) != FALSE;
+  });
+  const DWORD duration = GetTickCount() - start;
+  if (duration < FastRead) body.chunkSize = std::min(body.chunkSize * 2, LargestChunk);
+  if (duration > SlowRead) body.chunkSize = std::max(body.chunkSize / 2, SmallestChunk);
+  body.chunk.resize(read ? count : 0);
+  return read;
 }
 
 }  // namespace
@@ -50,8 +88,12 @@ bool AddRequestHeaders(const Handle& request, const std::string& headers) {
 
 bool Send(const Handle& request, const std::string& optionalData) {
   std::string data = optionalData;
-  return HttpSendRequestA(request.get(), nullptr, 0, data.empty() ? nullptr : data.data(),
-                          static_cast<DWORD>(data.size())) != FALSE;
+  bool sent = false;
+  RunInBackground([&] {
+    sent = HttpSendRequestA(request.get(), nullptr, 0, data.empty() ? nullptr : data.data(),
+                            static_cast<DWORD>(data.size())) != FALSE;
+  });
+  return sent;
 }
 
 bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
@@ -63,14 +105,21 @@ bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buff
   return found;
 }
 
-Handle OpenUrl(const Handle& root, const std::string& url) {
-  return Handle(InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0));
+void CloseBody::operator()(void* body) const {
+  delete static_cast<OpenBody*>(body);
 }
 
-std::optional<std::int64_t> AnnouncedLength(const Handle& url) {
+Body OpenUrl(const Handle& root, const std::string& url) {
+  HINTERNET opened = nullptr;
+  RunInBackground([&] { opened = InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0); });
+  return Body(opened != nullptr ? new OpenBody{Handle(opened)} : nullptr);
+}
+
+std::optional<std::int64_t> AnnouncedLength(const Body& body) {
+  const auto* open = static_cast<const OpenBody*>(body.get());
   char digits[32] = {};
   DWORD size = sizeof digits;
-  if (HttpQueryInfoA(url.get(), HTTP_QUERY_CONTENT_LENGTH, digits, &size, nullptr) == FALSE) {
+  if (HttpQueryInfoA(open->url.get(), HTTP_QUERY_CONTENT_LENGTH, digits, &size, nullptr) == FALSE) {
     return std::nullopt;
   }
   std::int64_t length = 0;
@@ -78,11 +127,15 @@ std::optional<std::int64_t> AnnouncedLength(const Handle& url) {
   return length;
 }
 
-bool Read(const Handle& url, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
-  DWORD count = 0;
-  const bool read = InternetReadFile(url.get(), buffer, size, &count) != FALSE;
-  bytesRead = count;
-  return read;
+bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
+  auto& open = *static_cast<OpenBody*>(body.get());
+  bytesRead = 0;
+  if (open.taken == open.chunk.size() && !FetchChunk(open)) return false;
+  const auto available = static_cast<std::uint32_t>(open.chunk.size() - open.taken);
+  bytesRead = std::min(size, available);
+  std::copy_n(open.chunk.data() + open.taken, bytesRead, buffer);
+  open.taken += bytesRead;
+  return true;
 }
 
 }  // namespace platform::http

@@ -28,6 +28,10 @@ constexpr DWORD WindowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIM
 /// message is cut off.
 constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 
+/// Milliseconds. A download sets texts and yields at every block: what follows this soon on the
+/// last text of a label, or on the last look at the events, waits.
+constexpr DWORD DisplayInterval = 10;
+
 struct FilledRectangle {
   RECT area;
   COLORREF colour;
@@ -40,6 +44,8 @@ struct Control {
   HWND handle = nullptr;
   ControlLayout layout{};
   std::string text;
+  DWORD textShown = 0;  // tick count when a text was brought to the screen last
+  bool textWaits = false;
   std::vector<FilledRectangle> drawn;  // since the picture box was erased
   std::vector<FilledRectangle> shown;  // what the screen has to show
 };
@@ -52,6 +58,7 @@ std::array<HFONT, FontSizes.size()> fonts{};
 double twipsPerPixelX = 0;
 double twipsPerPixelY = 0;
 bool resizeEventsOn = false;  // set by the first Show
+DWORD lastEvents = 0;         // tick count when events were processed last
 
 HINSTANCE Instance() {
   return GetModuleHandleW(nullptr);
@@ -223,7 +230,9 @@ void CreateControl(const ControlLayout& layout) {
     const HICON icon = BuiltInIcon(MulDiv(UnscaledIconSize, DotsPerInch(), UnscaledDotsPerInch));
     SendMessageW(handle, STM_SETICON, reinterpret_cast<WPARAM>(icon), 0);
   }
-  controls.push_back({handle, layout, "", {}, {}});
+  controls.emplace_back();
+  controls.back().handle = handle;
+  controls.back().layout = layout;
 }
 
 HFONT LargestFittingFont(HWND label, const std::wstring& text, bool wraps) {
@@ -247,10 +256,35 @@ HFONT LargestFittingFont(HWND label, const std::wstring& text, bool wraps) {
   return fitting;
 }
 
+void ShowText(Control& control) {
+  const std::wstring text = ToUtf16(control.text);
+  if (control.layout.kind != ControlKind::Button) {
+    const bool wraps = control.layout.kind == ControlKind::WrappingLabel;
+    const HFONT font = LargestFittingFont(control.handle, text, wraps);
+    SendMessageW(control.handle, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+  }
+  SetWindowTextW(control.handle, text.c_str());
+  control.textShown = GetTickCount();
+  control.textWaits = false;
+}
+
+void ShowWaitingTexts() {
+  for (auto& control : controls) {
+    if (control.textWaits) ShowText(control);
+  }
+}
+
 void DispatchMessage(MSG& message) {
   if (IsDialogMessageW(mainWindow, &message) != FALSE) return;
   TranslateMessage(&message);
   DispatchMessageW(&message);
+}
+
+void HandleEvents() {
+  ShowWaitingTexts();
+  MSG message;
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessage(message);
+  lastEvents = GetTickCount();
 }
 
 }  // namespace
@@ -267,6 +301,7 @@ void Create(const Layout& layout, const Handlers& callbacks) {
 }
 
 void Show() {
+  ShowWaitingTexts();
   ShowWindow(mainWindow, SW_SHOWNORMAL);
   // The first call obeys whoever started the process, who may have asked for another size or none.
   if (IsWindowVisible(mainWindow) == FALSE || IsZoomed(mainWindow) != FALSE) {
@@ -304,13 +339,8 @@ void SetText(int control, std::string_view value) {
   Control& target = At(control);
   if (target.text == value) return;
   target.text = value;
-  const std::wstring text = ToUtf16(value);
-  if (target.layout.kind != ControlKind::Button) {
-    const bool wraps = target.layout.kind == ControlKind::WrappingLabel;
-    const HFONT font = LargestFittingFont(target.handle, text, wraps);
-    SendMessageW(target.handle, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-  }
-  SetWindowTextW(target.handle, text.c_str());
+  target.textWaits = true;
+  if (GetTickCount() - target.textShown >= DisplayInterval) ShowText(target);
 }
 
 std::string Text(int control) {
@@ -323,7 +353,8 @@ void SetVisible(int control, bool visible) {
 
 void SetEnabled(int control, bool enabled) {
   // What was pressed while the control was disabled must not reach it when it is enabled.
-  if (enabled && !IsEnabled(control)) ProcessPendingEvents();
+  if (enabled && !IsEnabled(control)) HandleEvents();
+  ShowWaitingTexts();
   EnableWindow(At(control).handle, enabled ? TRUE : FALSE);
   if (enabled && GetActiveWindow() == mainWindow) SetFocus(Button());
 }
@@ -375,12 +406,12 @@ void SetMousePointer(MousePointer pointer) {
 }
 
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {
+  ShowWaitingTexts();
   return MessageBoxW(mainWindow, ToUtf16(text).c_str(), ToUtf16(title).c_str(), style);
 }
 
 void ProcessPendingEvents() {
-  MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessage(message);
+  if (GetTickCount() - lastEvents >= DisplayInterval) HandleEvents();
 }
 
 void RunEventLoop() {
