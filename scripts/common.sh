@@ -4,6 +4,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 root=$PWD
 
 export WINEPREFIX=$root/build/wine WINEDEBUG=-all WINEDLLOVERRIDES=mscoree,mshtml=
+# Every server of ours is on this machine.
+export no_proxy=127.0.0.1
 
 fail() {
   echo "$(basename "$0"): $*" >&2
@@ -33,9 +35,25 @@ end_children() {
 }
 trap end_children EXIT
 
+# Whether the Windows program can be built and run here; scripts/setup does what it can for it.
+windows_works() {
+  command -v i686-w64-mingw32-g++-posix && command -v wine && [[ -d $WINEPREFIX ]]
+} >/dev/null
+
+say_that_windows_is_missing() {
+  cat <<END
+
+*******************************************************************************
+*** THE WINDOWS PROGRAM WAS LEFT OUT: it is the one that users get, but its
+*** compiler or Wine could not be installed here; see the messages of apt-get
+*** above. What you have seen is the Linux build alone.
+*******************************************************************************
+END
+}
+
+# build PRESET
 build() {
-  cmake --preset windows
-  cmake --build --preset windows
+  cmake --preset "$1" && cmake --build --preset "$1"
 }
 
 display_answers() {

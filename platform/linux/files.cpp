@@ -46,13 +46,28 @@ mode_t KindOf(const std::string& systemPath) {
   return stat(systemPath.c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
 }
 
+/// Whether a name fits a pattern with "*" and "?". Only the last "*" met is ever tried longer.
 bool Matches(std::string_view name, std::string_view pattern) {
-  if (pattern.empty()) return name.empty();
-  if (pattern.front() == '*') {
-    return Matches(name, pattern.substr(1)) || (!name.empty() && Matches(name.substr(1), pattern));
+  std::size_t inName = 0;
+  std::size_t inPattern = 0;
+  std::size_t star = std::string_view::npos;
+  std::size_t behindStar = 0;  // in the name: where what follows the star is tried
+  while (inName < name.size()) {
+    const char wanted = inPattern < pattern.size() ? pattern[inPattern] : '\0';
+    if (wanted == '*') {
+      star = inPattern++;
+      behindStar = inName;
+    } else if (wanted == '?' || wanted == name[inName]) {
+      ++inName;
+      ++inPattern;
+    } else if (star != std::string_view::npos) {
+      inPattern = star + 1;
+      inName = ++behindStar;
+    } else {
+      return false;
+    }
   }
-  return !name.empty() && (pattern.front() == '?' || pattern.front() == name.front()) &&
-         Matches(name.substr(1), pattern.substr(1));
+  return pattern.find_first_not_of('*', inPattern) == std::string_view::npos;
 }
 
 std::vector<std::string> NamesIn(const std::string& systemFolder) {

@@ -19,7 +19,8 @@ constexpr std::int32_t ProxyAccess = 3;   // INTERNET_OPEN_TYPE_PROXY
 constexpr std::uint32_t QueryContentLength = 5;
 constexpr std::uint32_t QueryStatusCode = 19;
 
-constexpr int PollInterval = 20;  // milliseconds; nobody feels a click wait that long
+constexpr int PollInterval = 20;       // milliseconds; nobody feels a click wait that long
+constexpr long MostRedirections = 10;  // as many as WinINet follows
 constexpr const char* Protocols = "http,https";
 
 struct CloseEasy {
@@ -58,28 +59,32 @@ struct Connection : InternetObject {
   std::string address;  // scheme, host and port
 };
 
-struct Request : InternetObject {
-  List headers;
+/// A request on its way, and what the library needs to live as long.
+struct Transfer {
+  Transfer() = default;
+  ~Transfer() {
+    if (easy) curl_multi_remove_handle(multi.get(), easy.get());
+  }
+  Transfer(const Transfer&) = delete;
+  Transfer& operator=(const Transfer&) = delete;
+
   ParsedUrl url;
-  Easy easy;  // closed before what it points to
+  List headers;
+  Multi multi;
+  Easy easy;
+  std::optional<CURLcode> result;  // once the transfer has ended
+};
+
+struct Request : InternetObject {
+  Transfer transfer;
 };
 
 /// A GET that stands still whenever a block of its body is not yet asked for.
 struct Download {
-  Download() = default;
-  ~Download() {
-    if (easy) curl_multi_remove_handle(multi.get(), easy.get());
-  }
-  Download(const Download&) = delete;
-  Download& operator=(const Download&) = delete;
-
-  ParsedUrl url;
-  Multi multi;
-  Easy easy;
+  Transfer transfer;
   std::string received;  // and not yet read: one delivery of the library's at the most
   bool paused = false;
   bool headIsComplete = false;
-  std::optional<CURLcode> result;  // once the transfer has ended
 };
 
 template <typename Object>
@@ -103,23 +108,42 @@ ParsedUrl Parse(const std::string& url) {
   return valid ? std::move(parsed) : nullptr;
 }
 
-Easy OpenEasy(const Root& root, const ParsedUrl& url) {
-  Easy easy(curl_easy_init());
-  if (!easy) return easy;
-  curl_easy_setopt(easy.get(), CURLOPT_CURLU, url.get());
-  curl_easy_setopt(easy.get(), CURLOPT_NOSIGNAL, 1L);
-  curl_easy_setopt(easy.get(), CURLOPT_FOLLOWLOCATION, 1L);
-  curl_easy_setopt(easy.get(), CURLOPT_PROTOCOLS_STR, Protocols);
-  curl_easy_setopt(easy.get(), CURLOPT_REDIR_PROTOCOLS_STR, Protocols);
-  if (!root.userAgent.empty()) {
-    curl_easy_setopt(easy.get(), CURLOPT_USERAGENT, root.userAgent.c_str());
-  }
+/// Makes a transfer ready for its own settings; false when the URL is none, or no memory is left.
+bool Prepare(Transfer& transfer, const Root& root, const std::string& url) {
+  transfer.url = Parse(url);
+  transfer.multi.reset(curl_multi_init());
+  transfer.easy.reset(curl_easy_init());
+  CURL* const easy = transfer.easy.get();
+  if (!transfer.url || !transfer.multi || easy == nullptr) return false;
+  curl_easy_setopt(easy, CURLOPT_CURLU, transfer.url.get());
+  curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
+  curl_easy_setopt(easy, CURLOPT_MAXREDIRS, MostRedirections);
+  curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, Protocols);
+  curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, Protocols);
+  if (!root.userAgent.empty()) curl_easy_setopt(easy, CURLOPT_USERAGENT, root.userAgent.c_str());
   // Otherwise the environment tells, as for every program.
-  if (root.accessType == DirectAccess) curl_easy_setopt(easy.get(), CURLOPT_PROXY, "");
-  if (root.accessType == ProxyAccess) {
-    curl_easy_setopt(easy.get(), CURLOPT_PROXY, root.proxy.c_str());
+  if (root.accessType == DirectAccess) curl_easy_setopt(easy, CURLOPT_PROXY, "");
+  if (root.accessType == ProxyAccess) curl_easy_setopt(easy, CURLOPT_PROXY, root.proxy.c_str());
+  return true;
+}
+
+bool Begin(Transfer& transfer) {
+  return curl_multi_add_handle(transfer.multi.get(), transfer.easy.get()) == CURLM_OK;
+}
+
+/// Waits until the transfer can go on, for one poll at most, and lets it; then handles events.
+void Advance(Transfer& transfer) {
+  CURLM* const multi = transfer.multi.get();
+  int count = 0;
+  if (curl_multi_poll(multi, nullptr, 0, PollInterval, nullptr) != CURLM_OK ||
+      curl_multi_perform(multi, &count) != CURLM_OK) {
+    transfer.result = CURLE_RECV_ERROR;
   }
-  return easy;
+  while (const CURLMsg* message = curl_multi_info_read(multi, &count)) {
+    if (message->msg == CURLMSG_DONE) transfer.result = message->data.result;
+  }
+  window::ProcessPendingEvents();
 }
 
 std::optional<std::string> Header(CURL* easy, const char* name) {
@@ -141,9 +165,9 @@ bool IsPreliminary(CURL* easy) {
 }
 
 std::size_t TakeHeaderLine(const char* line, std::size_t size, std::size_t count, void* target) {
-  auto& download = *static_cast<Download*>(target);
-  if (std::string_view(line, size * count).find_first_not_of("\r\n") == std::string::npos) {
-    download.headIsComplete = !IsPreliminary(download.easy.get());
+  if (std::string_view(line, size * count).find_first_not_of("\r\n") == std::string_view::npos) {
+    auto& download = *static_cast<Download*>(target);
+    download.headIsComplete = !IsPreliminary(download.transfer.easy.get());
   }
   return size * count;
 }
@@ -162,22 +186,11 @@ Download& DownloadOf(const Body& body) {
   return *static_cast<Download*>(body.get());
 }
 
-/// Waits until the transfer can go on, for one poll at most, and lets it.
-void Advance(Download& download) {
-  if (download.paused) {
-    download.paused = false;
-    curl_easy_pause(download.easy.get(), CURLPAUSE_CONT);
-  }
-  CURLM* const multi = download.multi.get();
-  int count = 0;
-  if (curl_multi_poll(multi, nullptr, 0, PollInterval, nullptr) != CURLM_OK ||
-      curl_multi_perform(multi, &count) != CURLM_OK) {
-    download.result = CURLE_RECV_ERROR;
-  }
-  window::ProcessPendingEvents();
-  while (const CURLMsg* message = curl_multi_info_read(multi, &count)) {
-    if (message->msg == CURLMSG_DONE) download.result = message->data.result;
-  }
+/// What was kept back goes on first.
+void Unpause(Download& download) {
+  if (!download.paused) return;
+  download.paused = false;
+  curl_easy_pause(download.transfer.easy.get(), CURLPAUSE_CONT);
 }
 
 }  // namespace
@@ -192,7 +205,7 @@ bool IsOffline() {
 
 Handle OpenRoot(const std::string& userAgent, std::int32_t accessType, const std::string& proxy) {
   static const bool ready = [] {
-    std::signal(SIGPIPE, SIG_IGN);  // a connection that breaks is an error of its call
+    (void)std::signal(SIGPIPE, SIG_IGN);  // a connection that breaks is an error of its call
     return curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK;
   }();
   if (!ready) return nullptr;
@@ -215,11 +228,8 @@ Handle OpenRequest(const Handle& connection, const std::string& verb, const std:
                    const std::string& version, const std::string& referrer) {
   const auto& parent = As<Connection>(connection);
   auto request = std::make_unique<Request>();
-  request->url = Parse(parent.address + objectName);
-  if (!request->url) return nullptr;
-  request->easy = OpenEasy(*parent.root, request->url);
-  CURL* const easy = request->easy.get();
-  if (easy == nullptr) return nullptr;
+  if (!Prepare(request->transfer, *parent.root, parent.address + objectName)) return nullptr;
+  CURL* const easy = request->transfer.easy.get();
   curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
   curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, DropBody);
@@ -234,7 +244,7 @@ Handle OpenRequest(const Handle& connection, const std::string& verb, const std:
 }
 
 bool AddRequestHeaders(const Handle& request, const std::string& headers) {
-  auto& target = As<Request>(request);
+  auto& target = As<Request>(request).transfer;
   for (std::size_t at = 0; at < headers.size();) {
     const auto end = std::min(headers.find("\r\n", at), headers.size());
     curl_slist* longer =
@@ -248,13 +258,15 @@ bool AddRequestHeaders(const Handle& request, const std::string& headers) {
 }
 
 bool Send(const Handle& request, const std::string& optionalData) {
-  CURL* const easy = As<Request>(request).easy.get();
-  return optionalData.empty() && curl_easy_perform(easy) == CURLE_OK;
+  auto& transfer = As<Request>(request).transfer;
+  if (!optionalData.empty() || !Begin(transfer)) return false;
+  while (!transfer.result) Advance(transfer);
+  return transfer.result == CURLE_OK;
 }
 
 bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                std::int32_t& length) {
-  CURL* const easy = As<Request>(request).easy.get();
+  CURL* const easy = As<Request>(request).transfer.easy.get();
   const long status = StatusOf(easy);
   if (status == 0) return false;  // there was no answer
   std::optional<std::string> value;
@@ -272,26 +284,23 @@ void CloseBody::operator()(void* body) const {
 
 Body OpenUrl(const Handle& root, const std::string& url) {
   auto download = std::make_unique<Download>();
-  download->url = Parse(url);
-  if (!download->url) return nullptr;
-  download->easy = OpenEasy(As<Root>(root), download->url);
-  download->multi.reset(curl_multi_init());
-  CURL* const easy = download->easy.get();
-  if (easy == nullptr || !download->multi) return nullptr;
+  Transfer& transfer = download->transfer;
+  if (!Prepare(transfer, As<Root>(root), url)) return nullptr;
+  CURL* const easy = transfer.easy.get();
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
   curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, TakeHeaderLine);
   curl_easy_setopt(easy, CURLOPT_HEADERDATA, download.get());
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, TakeBody);
   curl_easy_setopt(easy, CURLOPT_WRITEDATA, download.get());
-  if (curl_multi_add_handle(download->multi.get(), easy) != CURLM_OK) return nullptr;
+  if (!Begin(transfer)) return nullptr;
 
-  while (!download->headIsComplete && !download->result) Advance(*download);
+  while (!download->headIsComplete && !transfer.result) Advance(transfer);
   if (!download->headIsComplete) return nullptr;
   return Body(download.release());
 }
 
 std::optional<std::int64_t> AnnouncedLength(const Body& body) {
-  const auto digits = Header(DownloadOf(body).easy.get(), "Content-Length");
+  const auto digits = Header(DownloadOf(body).transfer.easy.get(), "Content-Length");
   std::int64_t length = 0;
   if (!digits ||
       std::from_chars(digits->data(), digits->data() + digits->size(), length).ec != std::errc{}) {
@@ -302,11 +311,14 @@ std::optional<std::int64_t> AnnouncedLength(const Body& body) {
 
 bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
   auto& download = DownloadOf(body);
-  while (download.received.empty() && !download.result) Advance(download);
+  while (download.received.empty() && !download.transfer.result) {
+    Unpause(download);
+    Advance(download.transfer);
+  }
   bytesRead = static_cast<std::uint32_t>(std::min<std::size_t>(size, download.received.size()));
   std::copy_n(download.received.begin(), bytesRead, buffer);
   download.received.erase(0, bytesRead);
-  return bytesRead > 0 || download.result == CURLE_OK;
+  return bytesRead > 0 || download.transfer.result == CURLE_OK;
 }
 
 }  // namespace platform::http

@@ -5,6 +5,7 @@
 #include <FL/fl_draw.H>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "platform/linux/widgets.h"
@@ -32,16 +33,16 @@ struct Sign {
   const char* letter;
   Fl_Color colour;
 };
-const Sign Signs[] = {{16, "\u00D7", fl_rgb_color(0xC4, 0x2B, 0x1C)},
-                      {32, "?", fl_rgb_color(0x12, 0x55, 0x7F)},
-                      {48, "!", fl_rgb_color(0xD9, 0x8A, 0x00)},
-                      {64, "i", fl_rgb_color(0x12, 0x55, 0x7F)}};
+constexpr Sign Signs[] = {{16, "\u00D7", 0xC42B1C00},
+                          {32, "?", 0x12557F00},
+                          {48, "!", 0xD98A0000},
+                          {64, "i", 0x12557F00}};
 
 /// A text in which "@" and "&" have no meaning of their own.
 class PlainText : public Fl_Widget {
  public:
-  PlainText(int x, int y, int w, int h, int fontSize, const std::string& value)
-      : Fl_Widget(x, y, w, h), size(fontSize), text(value) {}
+  PlainText(int x, int y, int w, int h, int fontSize, std::string value)
+      : Fl_Widget(x, y, w, h), size(fontSize), text(std::move(value)) {}
 
  private:
   void draw() override {

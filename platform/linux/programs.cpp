@@ -103,6 +103,7 @@ std::optional<pid_t> Spawn(const std::string& systemPath,
   std::vector<std::string> texts = {systemPath};
   for (const auto& parameter : parameters) texts.push_back(ToUtf8(parameter));
   std::vector<char*> arguments;
+  arguments.reserve(texts.size() + 1);
   for (auto& text : texts) arguments.push_back(text.data());
   arguments.push_back(nullptr);
 

@@ -16,8 +16,8 @@ namespace platform::system {
 namespace {
 
 // They stand in for the Windows folder and the system folder.
-constexpr std::string_view WindowsFolder = "\\usr\\local";
-constexpr std::string_view SystemFolder = "\\usr\\local\\lib";
+constexpr std::string_view WindowsFolder = R"(\usr\local)";
+constexpr std::string_view SystemFolder = R"(\usr\local\lib)";
 
 // Codes of ShellExecute.
 constexpr std::int32_t Opened = 33;
@@ -106,7 +106,7 @@ std::size_t SystemDirectory(std::string& buffer) {
 std::string DecimalSeparator() {
   const locale_t locale = newlocale(LC_NUMERIC_MASK, "", nullptr);
   if (locale == nullptr) return ".";  // the environment names a locale that is not installed
-  const std::string separator = linux_layer::FromUtf8(nl_langinfo_l(RADIXCHAR, locale));
+  std::string separator = linux_layer::FromUtf8(nl_langinfo_l(RADIXCHAR, locale));
   freelocale(locale);
   return separator;
 }

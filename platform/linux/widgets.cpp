@@ -20,7 +20,7 @@ void PushButton::draw() {
   const int top = y() + Frame;
   const int width = w() - 2 * Frame;
   const int height = h() - 2 * Frame;
-  fl_rectf(x(), y(), w(), h(), active_r() != 0 ? Highlight : fl_rgb_color(0xC0, 0xC0, 0xC0));
+  fl_rectf(x(), y(), w(), h(), active_r() != 0 ? Highlight : DarkGrey);
   fl_rectf(left, top, width, height, value() != 0 ? Grey : FL_WHITE);
   draw_label();
   if (Fl::focus() == this) draw_focus(FL_FLAT_BOX, left, top, width, height);

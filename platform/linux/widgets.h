@@ -6,9 +6,10 @@
 
 namespace platform::linux_layer {
 
-// The look of the Windows window.
-inline const Fl_Color Grey = fl_rgb_color(0xF5, 0xF5, 0xF5);
-inline const Fl_Color Highlight = fl_rgb_color(0x30, 0x96, 0xFA);
+// The look of the Windows window. A colour is red, green, blue and a byte of zeros.
+inline constexpr Fl_Color Grey = 0xF5F5F500;
+inline constexpr Fl_Color DarkGrey = 0xC0C0C000;
+inline constexpr Fl_Color Highlight = 0x3096FA00;
 inline constexpr Fl_Font Font = FL_HELVETICA;
 /// The font of Windows, or one that is as narrow.
 inline constexpr const char* FontFamilies = " Tahoma,DejaVu Sans Condensed";

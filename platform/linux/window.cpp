@@ -143,8 +143,8 @@ class PictureWidget : public Fl_Widget {
  private:
   /// A white box, sunken by a border of two pixels.
   void draw() override {
-    DrawFrame(0, fl_rgb_color(0xA0, 0xA0, 0xA0), FL_WHITE);
-    DrawFrame(1, fl_rgb_color(0x69, 0x69, 0x69), fl_rgb_color(0xE3, 0xE3, 0xE3));
+    DrawFrame(0, Fl_Color{0xA0A0A000}, FL_WHITE);
+    DrawFrame(1, Fl_Color{0x69696900}, Fl_Color{0xE3E3E300});
     const int left = x() + BorderOfPictures;
     const int top = y() + BorderOfPictures;
     fl_push_clip(left, top, w() - 2 * BorderOfPictures, h() - 2 * BorderOfPictures);
