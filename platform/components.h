@@ -20,7 +20,8 @@ struct CloseWorker {
 /// Closing a worker does not end it.
 using Worker = std::unique_ptr<void, CloseWorker>;
 
-/// A function without parameters, called in the system's convention for component entries.
+/// A function without parameters that returns a 32-bit number. Windows: stdcall. Linux: of a shared
+/// object.
 using EntryPoint = void*;
 
 [[nodiscard]] Library Load(const std::string& path);

@@ -3,6 +3,8 @@
 // Files, folders and disk space. Paths are texts as the system takes them; functions return false
 // (an empty object, an empty list) on failure and show nothing. A File is closed by its owner's
 // end.
+// Linux: "\" separates names like "/", a drive such as C: is dropped, letter case counts, and a
+// name that starts with a dot is a hidden file.
 
 #include <cstdint>
 #include <memory>
@@ -15,12 +17,13 @@ namespace platform::files {
 
 /// Paths of the plain files that match; the last component may hold "*" and "?". Folders, hidden
 /// files and system files are passed over. A path that the system rejects matches nothing.
-/// Windows: FindFirstFileA.
+/// Windows: FindFirstFileA, which looks at short names as well.
 [[nodiscard]] std::vector<std::string> Find(const std::string& pattern);
 
 /// True when the path, taken without wildcards, names anything that is not a folder.
 [[nodiscard]] bool IsFile(const std::string& path);
 
+/// Windows: fails while a program has the file open. Linux: does not.
 [[nodiscard]] bool Delete(const std::string& path);
 
 /// Renames a file or moves it to another folder; never overwrites.
@@ -36,7 +39,8 @@ using File = std::unique_ptr<void, CloseFile>;
 
 [[nodiscard]] File OpenForReading(const std::string& path);
 
-/// Creates the file, or empties the one that is there.
+/// Creates the file, or empties the one that is there. Linux: as a file that may be executed, since
+/// any may be a program.
 [[nodiscard]] File Create(const std::string& path);
 
 /// Length in bytes.
@@ -56,7 +60,8 @@ struct DiskSpace {
   std::uint32_t totalClusters = 0;
 };
 
-/// root: root folder of the volume, such as C:/. Windows: GetDiskFreeSpaceA.
+/// root: root folder of the volume, such as C:/. Windows: GetDiskFreeSpaceA. Linux: statvfs, in
+/// clusters so large that 32 bits count them.
 [[nodiscard]] DiskSpace QueryDiskSpace(const std::string& root);
 
 }  // namespace platform::files

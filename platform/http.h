@@ -17,9 +17,11 @@ struct CloseInternetHandle {
 using Handle = std::unique_ptr<void, CloseInternetHandle>;
 
 /// True when the system knows itself to be without a connection. Windows: InetIsOffline(0).
+/// Linux: never.
 [[nodiscard]] bool IsOffline();
 
-/// accessType: 0 is INTERNET_OPEN_TYPE_PRECONFIG, the system's proxy settings.
+/// accessType: 0 is INTERNET_OPEN_TYPE_PRECONFIG, the system's proxy settings. Linux: those
+/// of the environment, such as http_proxy.
 [[nodiscard]] Handle OpenRoot(const std::string& userAgent, std::int32_t accessType,
                               const std::string& proxy);
 
@@ -33,12 +35,13 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 /// Adds header lines, each replacing one of the same name.
 [[nodiscard]] bool AddRequestHeaders(const Handle& request, const std::string& headers);
 
-/// Sends the request and waits for the head of the answer; events are handled meanwhile.
+/// Sends the request and waits for the head of the answer; events are handled meanwhile. Linux: a
+/// request with optional data fails.
 [[nodiscard]] bool Send(const Handle& request, const std::string& optionalData);
 
 /// Writes the text of a value of the answer into the buffer and its length into length, which holds
 /// the room offered before. infoLevel: an HTTP_QUERY_ selector. False when the answer does not
-/// carry the value or the room is too small.
+/// carry the value or the room is too small. Linux: only status code and content length are known.
 [[nodiscard]] bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                              std::int32_t& length);
 
@@ -57,7 +60,8 @@ using Body = std::unique_ptr<void, CloseBody>;
 [[nodiscard]] std::optional<std::int64_t> AnnouncedLength(const Body& body);
 
 /// Reads up to size bytes of the body into the buffer; 0 bytes are its end. Waits for the server
-/// where it has to; events are handled meanwhile.
+/// where it has to; events are handled meanwhile. Windows: a connection that closes early may look
+/// like the end. Linux: it is a failure.
 [[nodiscard]] bool Read(const Body& body, char* buffer, std::uint32_t size,
                         std::uint32_t& bytesRead);
 

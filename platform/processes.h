@@ -18,7 +18,8 @@ using Snapshot = std::unique_ptr<void, CloseSystemHandle>;
 using Process = std::unique_ptr<void, CloseSystemHandle>;
 using Token = std::unique_ptr<void, CloseSystemHandle>;
 
-/// One entry of a snapshot: the process id and the file name of its executable.
+/// One entry of a snapshot: the process id and the file name of its executable. Linux: of a script,
+/// its own; a process that the user may not look into is left out.
 struct Entry {
   std::uint32_t id = 0;
   std::string fileName;
@@ -29,9 +30,10 @@ struct Entry {
 [[nodiscard]] bool FirstEntry(const Snapshot& snapshot, Entry& entry);
 [[nodiscard]] bool NextEntry(const Snapshot& snapshot, Entry& entry);
 
-/// GetVersion as a signed number: negative on systems that are not of the NT family.
+/// GetVersion as a signed number: negative on systems that are not of the NT family. Linux: 10.
 [[nodiscard]] std::int32_t SystemVersion();
 
+/// Linux: no privilege needs to be asked for; these three succeed and do nothing.
 [[nodiscard]] Token OpenOwnToken(std::uint32_t access);
 
 /// Locally unique id of a privilege on this system.
@@ -46,9 +48,11 @@ using PrivilegeId = std::uint64_t;
 
 /// Ends a process and returns once it is gone and has let go of its files, after 5 seconds at the
 /// most; so too when it was ending already. False when it was not this call that ended it.
+/// Linux: SIGKILL, so that the exit code is not obeyed.
 [[nodiscard]] bool Terminate(const Process& process, std::uint32_t exitCode);
 
-/// exitCode: 259 (STILL_ACTIVE) while the process runs.
+/// exitCode: 259 (STILL_ACTIVE) while the process runs. Linux: afterwards 0 to 255, or 128 and the
+/// number of the signal; 0 of a process that this one did not start.
 [[nodiscard]] bool ExitCode(const Process& process, std::uint32_t& exitCode);
 
 /// True when the process has ended, whatever its exit code; asks for the right 0x100000
@@ -62,6 +66,8 @@ struct StartedProgram {
 };
 
 /// Starts a program with its parameters; showValue is a SW_ value of ShowWindow.
+/// Linux: showValue is not obeyed; a bare name is looked for in the own folder, the working folder
+/// and PATH; "\" stays as it is in parameters.
 [[nodiscard]] std::optional<StartedProgram> Start(const std::string& commandLine, int showValue);
 
 /// Blocks the thread.

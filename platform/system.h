@@ -8,7 +8,9 @@
 
 namespace platform::system {
 
-/// Everything that follows the program's own name on its command line, as written.
+/// Everything that follows the program's own name on its command line. Windows: as written. Linux:
+/// put together from the arguments: in quotes what holds blanks or tabs, each literal quote as \",
+/// backslashes at the end behind the closing quote; an empty argument leaves nothing.
 [[nodiscard]] std::string CommandLineText();
 
 /// Folder of the running executable, without a trailing backslash (a drive root keeps its own).
@@ -19,7 +21,7 @@ namespace platform::system {
 
 /// Writes the Windows folder (the system folder) into the buffer and returns the number of
 /// characters written, 0 on failure, or more than the buffer's size when it does not fit.
-/// Windows: GetWindowsDirectoryA, GetSystemDirectoryA.
+/// Windows: GetWindowsDirectoryA, GetSystemDirectoryA. Linux: \usr\local and \usr\local\lib.
 [[nodiscard]] std::size_t WindowsDirectory(std::string& buffer);
 [[nodiscard]] std::size_t SystemDirectory(std::string& buffer);
 
@@ -27,7 +29,8 @@ namespace platform::system {
 [[nodiscard]] std::string DecimalSeparator();
 
 /// Opens a file through the shell, owned by the desktop window; showValue is a SW_ value of
-/// ShowWindow. Returns the shell's code, above 32 on success.
+/// ShowWindow. Returns the shell's code, above 32 on success. Linux: an executable file is
+/// started directly, in the folder if there is one; xdg-open is given anything else, alone.
 std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder, int showValue);
 

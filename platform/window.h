@@ -44,10 +44,12 @@ void Show();
 
 void SetWindowCaption(std::string_view caption);
 
-/// Keeps the icon as it is when the file is no icon.
+/// Keeps the icon as it is when the file is no icon. Linux: or has no picture of 32 bits a pixel as
+/// a bitmap.
 void SetWindowIcon(const std::string& path);
 
-/// Height with title bar and borders.
+/// Height with title bar and borders. Linux: those that the Windows window has, whatever the window
+/// manager draws.
 void SetWindowHeight(int height);
 
 /// A text that is already there repaints nothing.
@@ -59,7 +61,8 @@ void SetEnabled(int control, bool enabled);
 [[nodiscard]] bool IsEnabled(int control);
 void SetTop(int control, int top);
 
-/// Twips per pixel of the screen, 1,440 divided by its dots per inch.
+/// Twips per pixel of the screen, 1,440 divided by its dots per inch. Linux: in steps of a
+/// quarter of 96.
 [[nodiscard]] double TwipsPerPixelX();
 [[nodiscard]] double TwipsPerPixelY();
 
@@ -81,7 +84,8 @@ void RefreshPictureBox(int control);
 enum class MousePointer { Default = 0, Hourglass = 11 };
 void SetMousePointer(MousePointer pointer);
 
-/// Modal. style and result are the numbers of the Windows call MessageBox.
+/// Modal. style and result are the numbers of the Windows call MessageBox. Linux: the buttons are
+/// those of MB_OK or MB_YESNO.
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title);
 
 /// Yields: handles the events that are waiting, and returns.
