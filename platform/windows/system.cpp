@@ -64,6 +64,8 @@ std::string DecimalSeparator() {
 std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder,
                            int showValue) {
+  // Shortcuts and documents may be opened through COM.
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
   const HINSTANCE code = ShellExecuteA(GetDesktopWindow(), verb.c_str(), file.c_str(),
                                        NullWhenEmpty(parameters), folder.c_str(), showValue);
   return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(code));
