@@ -123,6 +123,7 @@ class LabelWidget : public Fl_Widget {
   void draw() override {
     const Fl_Align side = kind == ControlKind::RightAlignedLabel ? FL_ALIGN_RIGHT : FL_ALIGN_LEFT;
     const Fl_Align wrap = Wraps() ? FL_ALIGN_WRAP | FL_ALIGN_TOP : FL_ALIGN_CENTER;
+    fl_rectf(x(), y(), w(), h(), linux_layer::Grey);
     fl_font(linux_layer::Font, size);
     fl_color(FL_BLACK);
     fl_draw(text.c_str(), x(), y(), w(), h(), side | wrap | FL_ALIGN_INSIDE, nullptr, 0);
@@ -330,7 +331,6 @@ void SetText(int control, std::string_view value) {
   } else {
     static_cast<LabelWidget&>(*target.widget).SetText(ToUtf8(value));
   }
-  mainWindow->redraw();
 }
 
 std::string Text(int control) {
