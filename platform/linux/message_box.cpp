@@ -29,14 +29,14 @@ constexpr int ButtonWidth = 7;
 constexpr int ButtonHeight = 2;
 
 struct Sign {
-  std::uint32_t icon;
   const char* letter;
+  std::uint32_t icon;
   Fl_Color colour;
 };
-constexpr Sign Signs[] = {{16, "\u00D7", 0xC42B1C00},
-                          {32, "?", 0x12557F00},
-                          {48, "!", 0xD98A0000},
-                          {64, "i", 0x12557F00}};
+constexpr Sign Signs[] = {{"\u00D7", 16, 0xC42B1C00},
+                          {"?", 32, 0x12557F00},
+                          {"!", 48, 0xD98A0000},
+                          {"i", 64, 0x12557F00}};
 
 /// A text in which "@" and "&" have no meaning of their own.
 class PlainText : public Fl_Widget {
@@ -107,6 +107,7 @@ void AddButtons(const std::vector<ChoiceButton>& choices, Fl_Window& box, int to
   for (const auto& choice : choices) {
     auto* button =
         new PushButton(left, top, ButtonWidth * fontSize, ButtonHeight * fontSize, choice.caption);
+    box.add(button);
     button->labelsize(fontSize);
     button->callback(Press, choice.value);
     if (choice.value == choices.front().value) button->shortcut(FL_Enter);
@@ -133,12 +134,12 @@ int RunMessageBox(const std::string& text, std::uint32_t style, const std::strin
 
   Fl_Double_Window box(width, bodyHeight + ButtonHeight * fontSize + 5 * margin);
   box.copy_label(title.c_str());
+  box.end();  // no widget joins by itself
   box.color(Grey);
-  if (sign != nullptr) new SignBox(2 * margin, 2 * margin, iconSide, *sign);
+  if (sign != nullptr) box.add(new SignBox(2 * margin, 2 * margin, iconSide, *sign));
   // A little wider than measured, so that no word moves to the next line by rounding.
-  new PlainText(textLeft, 2 * margin, textWidth + margin, bodyHeight, fontSize, text);
+  box.add(new PlainText(textLeft, 2 * margin, textWidth + margin, bodyHeight, fontSize, text));
   AddButtons(choices, box, bodyHeight + 3 * margin + margin / 2, fontSize);
-  box.end();
   box.callback(Close, static_cast<long>(choices.size()));
   box.set_modal();
   if (const Fl_Window* owner = Fl::first_window()) {
