@@ -32,7 +32,7 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
                                  const std::string& objectName, const std::string& version,
                                  const std::string& referrer);
 
-/// Adds header lines, each replacing one of the same name.
+/// Adds header lines, each replacing one of the same name (Linux: both are sent).
 [[nodiscard]] bool AddRequestHeaders(const Handle& request, const std::string& headers);
 
 /// Sends the request and waits for the head of the answer; events are handled meanwhile. Linux: a

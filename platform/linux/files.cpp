@@ -93,7 +93,12 @@ bool LinkAndUnlink(const std::string& oldPath, const std::string& newPath) {
 
 bool CopyAndUnlink(const std::string& oldPath, const std::string& newPath) {
   std::error_code failure;
-  return std::filesystem::copy_file(oldPath, newPath, failure) && unlink(oldPath.c_str()) == 0;
+  if (std::filesystem::exists(newPath, failure)) return false;
+  if (!std::filesystem::copy_file(oldPath, newPath, failure)) {
+    unlink(newPath.c_str());  // half a file is none
+    return false;
+  }
+  return unlink(oldPath.c_str()) == 0;
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ constexpr std::uint32_t QueryContentLength = 5;
 constexpr std::uint32_t QueryStatusCode = 19;
 
 constexpr int PollInterval = 20;       // milliseconds; nobody feels a click wait that long
-constexpr long MostRedirections = 10;  // as many as WinINet follows
+constexpr long MostRedirections = 10;  // so that a circle of them ends
 constexpr const char* Protocols = "http,https";
 
 struct CloseEasy {
@@ -174,6 +174,7 @@ std::size_t TakeHeaderLine(const char* line, std::size_t size, std::size_t count
 
 std::size_t TakeBody(const char* bytes, std::size_t size, std::size_t count, void* target) {
   auto& download = *static_cast<Download*>(target);
+  download.headIsComplete = true;  // no body comes of an answer that stands for another one
   if (!download.received.empty()) {
     download.paused = true;
     return CURL_WRITEFUNC_PAUSE;

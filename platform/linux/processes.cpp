@@ -23,9 +23,10 @@ extern "C" {  // glibc 2.36 does not say so itself
 namespace platform::processes {
 namespace {
 
-constexpr int LongestTermination = 5000;    // milliseconds
-constexpr std::uint32_t StillActive = 259;  // STILL_ACTIVE
-constexpr int SignalledCode = 128;          // what a shell adds to the number of the signal
+constexpr int LongestTermination = 5000;        // milliseconds
+constexpr std::uint32_t StillActive = 259;      // STILL_ACTIVE
+constexpr int SignalledCode = 128;              // what a shell adds to the number of the signal
+constexpr std::size_t LongestCommandName = 15;  // of /proc/PID/comm
 constexpr std::int32_t NewestVersion = 10;
 constexpr PrivilegeId AnyPrivilege = 1;
 
@@ -70,14 +71,14 @@ std::vector<std::string> ArgumentsOf(const std::string& folder) {
 }
 
 /// A script runs inside its interpreter, behind whose name and option its own stands; the kernel
-/// then calls the process by the script's name.
+/// then calls the process by the first 15 characters of the script's name.
 std::string ScriptOf(const std::string& folder) {
   std::string name;
   std::getline(std::ifstream(folder + "/comm"), name);
   const auto arguments = ArgumentsOf(folder);
   for (std::size_t i = 1; i < arguments.size() && i <= 2; ++i) {
     std::string script = linux_layer::FileNameOf(arguments[i]);
-    if (!name.empty() && script.starts_with(name)) return script;
+    if (!name.empty() && script.substr(0, LongestCommandName) == name) return script;
   }
   return "";
 }

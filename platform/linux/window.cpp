@@ -28,6 +28,8 @@ constexpr double UnscaledDotsPerInch = 96;
 constexpr int UnscaledIconSize = 32;
 constexpr int BorderOfPictures = 2;         // pixels
 constexpr double HeightOfDecoration = 390;  // twips: title bar and borders of the Windows window
+constexpr double ShowingPoll = 0.05;        // seconds
+constexpr int MostShowingPolls = 20;
 constexpr const char* WindowClass = "Kestrane";
 constexpr const char* Ellipsis = "\u2026";
 
@@ -80,6 +82,20 @@ class MainWindow : public Fl_Double_Window {
     Fl_Double_Window::resize(x, y, w, h);
     if (resized && resizeEventsOn) handlers.resized();
   }
+
+  /// Waits until the window has been on the screen once, but not for a window manager that keeps it
+  /// back.
+  void WaitUntilDrawn() const {
+    for (int poll = 0; poll < MostShowingPolls && !drawn; ++poll) Fl::wait(ShowingPoll);
+  }
+
+ private:
+  void draw() override {
+    drawn = true;
+    Fl_Double_Window::draw();
+  }
+
+  bool drawn = false;
 };
 
 class LabelWidget : public Fl_Widget {
@@ -123,10 +139,13 @@ class LabelWidget : public Fl_Widget {
   void draw() override {
     const Fl_Align side = kind == ControlKind::RightAlignedLabel ? FL_ALIGN_RIGHT : FL_ALIGN_LEFT;
     const Fl_Align wrap = Wraps() ? FL_ALIGN_WRAP | FL_ALIGN_TOP : FL_ALIGN_CENTER;
-    fl_rectf(x(), y(), w(), h(), linux_layer::Grey);
+    // A line of text may be a pixel higher than its label.
+    fl_push_clip(x() - 1, y() - 1, w() + 2, h() + 2);
+    fl_rectf(x() - 1, y() - 1, w() + 2, h() + 2, linux_layer::Grey);
     fl_font(linux_layer::Font, size);
     fl_color(FL_BLACK);
     fl_draw(text.c_str(), x(), y(), w(), h(), side | wrap | FL_ALIGN_INSIDE, nullptr, 0);
+    fl_pop_clip();
   }
 
   ControlKind kind;
@@ -299,7 +318,7 @@ void Create(const Layout& layout, const Handlers& callbacks) {
 
 void Show() {
   mainWindow->show();
-  mainWindow->wait_for_expose();
+  mainWindow->WaitUntilDrawn();
   Button()->take_focus();
   if (!resizeEventsOn) {
     resizeEventsOn = true;
@@ -347,7 +366,11 @@ void SetVisible(int control, bool visible) {
 
 void SetEnabled(int control, bool enabled) {
   Fl_Widget& widget = *At(control).widget;
-  if (!enabled) return widget.deactivate();
+  if (!enabled) {
+    // The release of a button that is held down would not come any more.
+    if (&widget == Button()) static_cast<Fl_Button&>(widget).value(0);
+    return widget.deactivate();
+  }
   // What was pressed while the control was disabled must not reach it when it is enabled.
   if (!IsEnabled(control)) ProcessPendingEvents();
   widget.activate();
