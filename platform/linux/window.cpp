@@ -368,7 +368,7 @@ void SetEnabled(int control, bool enabled) {
   Fl_Widget& widget = *At(control).widget;
   if (!enabled) {
     // The release of a button that is held down would not come any more.
-    if (&widget == Button()) static_cast<Fl_Button&>(widget).value(0);
+    if (At(control).layout.kind == ControlKind::Button) static_cast<Fl_Button&>(widget).value(0);
     return widget.deactivate();
   }
   // What was pressed while the control was disabled must not reach it when it is enabled.
