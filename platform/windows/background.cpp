@@ -25,11 +25,12 @@ DWORD WINAPI Work(void* argument) {
   return 0;
 }
 
-/// The worker lives as long as the process; null when the system has no thread for it.
+/// The worker lives as long as the process; null when the system has no thread or events for it.
 Worker* TheWorker() {
   static Worker worker;
   static const HANDLE thread = CreateThread(nullptr, 0, Work, &worker, 0, nullptr);
-  return thread != nullptr ? &worker : nullptr;
+  const bool complete = worker.start != nullptr && worker.done != nullptr && thread != nullptr;
+  return complete ? &worker : nullptr;
 }
 
 }  // namespace
