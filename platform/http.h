@@ -27,10 +27,11 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 
 [[nodiscard]] Handle Connect(const Handle& root, const std::string& host, std::uint16_t port);
 
-/// version: such as "HTTP/1.0". Redirections are followed.
+/// version: such as "HTTP/1.0". secure: over https, the certificate checked by the system's rules
+/// (Linux: against the authorities in SSL_CERT_FILE where that is set). Redirections are followed.
 [[nodiscard]] Handle OpenRequest(const Handle& connection, const std::string& verb,
                                  const std::string& objectName, const std::string& version,
-                                 const std::string& referrer);
+                                 const std::string& referrer, bool secure);
 
 /// Adds header lines, each replacing one of the same name (Linux: both are sent).
 [[nodiscard]] bool AddRequestHeaders(const Handle& request, const std::string& headers);
@@ -38,6 +39,9 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 /// Sends the request and waits for the head of the answer; events are handled meanwhile. Linux: a
 /// request with optional data fails.
 [[nodiscard]] bool Send(const Handle& request, const std::string& optionalData);
+
+/// True when the answer came over https, whatever redirections lay between.
+[[nodiscard]] bool IsSecure(const Handle& request);
 
 /// Writes the text of a value of the answer into the buffer and its length into length, which holds
 /// the room offered before. infoLevel: an HTTP_QUERY_ selector. False when the answer does not
@@ -54,6 +58,9 @@ using Body = std::unique_ptr<void, CloseBody>;
 /// Starts a GET of an absolute URL; redirections are followed. Waits for the head of the answer,
 /// whatever its status; events are handled meanwhile.
 [[nodiscard]] Body OpenUrl(const Handle& root, const std::string& url);
+
+/// As for a request.
+[[nodiscard]] bool IsSecure(const Body& body);
 
 /// Length of the body in bytes as the answer to OpenUrl announces it; nothing when it announces
 /// none.

@@ -37,7 +37,12 @@ TEST(Url, IsSplitIntoHostPortAndPath) {
       {"http://", {}},
       {"", {}},
       {"http://server/a:b", {}},
-      {"HTTP://server/a", {"HTTP", "", "//server/a"}},
+      {"HTTP://server/a", {"server", "80", "/a"}},
+      {"https://server", {"server", "443", "/", "https"}},
+      {"hTTpS://server:81/http://x", {"server", "81", "/http://x", "https"}},
+      {"https://", {}},
+      {"https://server/a:b", {}},
+      {"ftp://server/a", {"ftp", "", "//server/a"}},
       {"WAIT", {"WAIT", "80", "/"}},
       {"/:", {}},
   };

@@ -15,6 +15,7 @@
 #include "run/rounding.h"
 #include "run/run_state.h"
 #include "transfer/http_probe.h"
+#include "transfer/url.h"
 
 namespace modFunciones {
 namespace {
@@ -113,7 +114,7 @@ std::string DownloadUrl(const std::string& url, const std::string& targetPath,
   const platform::http::Handle root = platform::http::OpenRoot(userAgent, accessType, proxy);
   if (!root) return "";
   const platform::http::Body body = platform::http::OpenUrl(root, url);
-  if (!body) return "";
+  if (!body || (IsSecureUrl(url) && !platform::http::IsSecure(body))) return "";
 
   std::string result;
   try {

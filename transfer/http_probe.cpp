@@ -15,7 +15,7 @@ std::string QueryUrlParts(std::uint32_t infoLevel) {
   if (!port) return "";
   std::int32_t bufferLength = TransferBlockSize;
   return HttpHeadQuery(infoLevel, UrlParts[0], *port, UrlParts[2], bufferLength, "", "", "",
-                       UserAgentText, PreconfiguredAccess, "");
+                       UserAgentText, PreconfiguredAccess, "", ElementCount(UrlParts) > 3);
 }
 
 }  // namespace
@@ -28,7 +28,7 @@ std::string HttpHeadQuery(std::uint32_t infoLevel, const std::string& host, std:
                           const std::string& objectName, std::int32_t& bufferLength,
                           const std::string& optionalData, const std::string& extraHeaders,
                           const std::string& referrer, const std::string& userAgent,
-                          std::int32_t accessType, const std::string& proxy) {
+                          std::int32_t accessType, const std::string& proxy, bool secure) {
   namespace http = platform::http;
 
   const http::Handle root = http::OpenRoot(userAgent, accessType, proxy);
@@ -36,13 +36,14 @@ std::string HttpHeadQuery(std::uint32_t infoLevel, const std::string& host, std:
   const http::Handle connection = http::Connect(root, host, static_cast<std::uint16_t>(port));
   if (!connection) return "";
   const http::Handle request =
-      http::OpenRequest(connection, "HEAD", objectName, "HTTP/1.0", referrer);
+      http::OpenRequest(connection, "HEAD", objectName, "HTTP/1.0", referrer, secure);
   if (!request) return "";
   platform::window::ProcessPendingEvents();
 
   // Headers that are not added and a request that is not sent show in the query below.
   (void)http::AddRequestHeaders(request, extraHeaders);
   (void)http::Send(request, optionalData);
+  if (secure && !http::IsSecure(request)) return "";
 
   std::string buffer(static_cast<std::size_t>(bufferLength), ' ');
   if (!http::QueryInfo(request, infoLevel, buffer, bufferLength)) return "";

@@ -24,13 +24,15 @@ inline constexpr std::uint32_t HTTP_QUERY_STATUS_CODE = 19;
 
 /// Sends one HEAD request in HTTP/1.0 over a connection of its own and returns one value of the
 /// answer, empty on every failure. bufferLength is the room for the value in bytes, and its length
-/// afterwards. Yields once before the request is sent.
+/// afterwards. secure: over https, and an answer that in the end came otherwise is a failure.
+/// Yields once before the request is sent.
 [[nodiscard]] std::string HttpHeadQuery(std::uint32_t infoLevel, const std::string& host,
                                         std::int16_t port, const std::string& objectName,
                                         std::int32_t& bufferLength, const std::string& optionalData,
                                         const std::string& extraHeaders,
                                         const std::string& referrer, const std::string& userAgent,
-                                        std::int32_t accessType, const std::string& proxy);
+                                        std::int32_t accessType, const std::string& proxy,
+                                        bool secure = false);
 
 /// True when a probe of UrlParts answers with status 200.
 [[nodiscard]] bool IsAvailable();

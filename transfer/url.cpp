@@ -1,27 +1,49 @@
 #include "transfer/url.h"
 
+#include "platform/text.h"
 #include "script/decimal.h"
 #include "script/replace.h"
 
 namespace modFunciones {
 namespace {
 
-constexpr const char* DefaultPort = "80";
+constexpr std::string_view PlainScheme = "http://";
+constexpr std::string_view SecureScheme = "https://";
+constexpr const char* PlainPort = "80";
+constexpr const char* SecurePort = "443";
+constexpr const char* SecureMark = "https";
+
+bool HasScheme(std::string_view url, std::string_view scheme) {
+  return platform::text::LowerCase(url.substr(0, scheme.size())) == scheme;
+}
+
+std::vector<std::string> SplitWithoutScheme(std::string rest, const char* defaultPort) {
+  if (rest.empty()) return {};
+  if (rest.find('/') == std::string::npos) rest += '/';
+  const auto slash = rest.find('/');
+  const auto colon = rest.find(':');
+  if (colon == std::string::npos) return {rest.substr(0, slash), defaultPort, rest.substr(slash)};
+  if (colon > slash) return {};
+  return {rest.substr(0, colon), rest.substr(colon + 1, slash - colon - 1), rest.substr(slash)};
+}
 
 }  // namespace
 
 std::vector<std::string> UrlParts;
 
-std::vector<std::string> SplitUrl(std::string_view url) {
-  std::string rest = ReplaceAll(url, "http://", "");
-  if (rest.empty()) return {};
+bool IsSecureUrl(std::string_view url) {
+  return HasScheme(url, SecureScheme);
+}
 
-  if (rest.find('/') == std::string::npos) rest += '/';
-  const auto slash = rest.find('/');
-  const auto colon = rest.find(':');
-  if (colon == std::string::npos) return {rest.substr(0, slash), DefaultPort, rest.substr(slash)};
-  if (colon > slash) return {};
-  return {rest.substr(0, colon), rest.substr(colon + 1, slash - colon - 1), rest.substr(slash)};
+std::vector<std::string> SplitUrl(std::string_view url) {
+  if (IsSecureUrl(url)) {
+    url.remove_prefix(SecureScheme.size());
+    std::vector<std::string> parts = SplitWithoutScheme(std::string(url), SecurePort);
+    if (!parts.empty()) parts.emplace_back(SecureMark);
+    return parts;
+  }
+  if (HasScheme(url, PlainScheme)) url.remove_prefix(PlainScheme.size());
+  return SplitWithoutScheme(ReplaceAll(url, PlainScheme, ""), PlainPort);
 }
 
 std::optional<std::int16_t> PortNumber(std::string_view portText) {

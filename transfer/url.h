@@ -12,8 +12,12 @@ namespace modFunciones {
 /// by AddAction; a probe is sent right after it was written.
 extern std::vector<std::string> UrlParts;
 
-/// Cuts an "http://" URL (the scheme may be missing) into host, port text ("80" when it names none)
-/// and path, which begins with "/". Nothing is returned when no text is left without the scheme, or
+/// True for a URL that begins with "https://", in any letter case.
+[[nodiscard]] bool IsSecureUrl(std::string_view url);
+
+/// Cuts a URL (its scheme in any letter case, "http://" when it is missing) into host, port text
+/// ("80", or "443" with https, when it names none) and path, which begins with "/"; a fourth part,
+/// "https", marks a secure one. Nothing is returned when no text is left without the scheme, or
 /// when the first ":" stands behind the first "/".
 [[nodiscard]] std::vector<std::string> SplitUrl(std::string_view url);
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 
@@ -21,6 +22,7 @@ constexpr std::uint32_t QueryStatusCode = 19;
 
 constexpr int PollInterval = 20;       // milliseconds; nobody feels a click wait that long
 constexpr long MostRedirections = 10;  // so that a circle of them ends
+constexpr const char* SecureProtocol = "https";
 constexpr const char* Protocols = "http,https";
 
 struct CloseEasy {
@@ -56,7 +58,7 @@ struct Root : InternetObject {
 
 struct Connection : InternetObject {
   const Root* root = nullptr;
-  std::string address;  // scheme, host and port
+  std::string address;  // host and port
 };
 
 /// A request on its way, and what the library needs to live as long.
@@ -108,6 +110,20 @@ ParsedUrl Parse(const std::string& url) {
   return valid ? std::move(parsed) : nullptr;
 }
 
+bool IsSecure(const ParsedUrl& url) {
+  char* scheme = nullptr;
+  if (curl_url_get(url.get(), CURLUPART_SCHEME, &scheme, 0) != CURLUE_OK) return false;
+  const bool secure = std::strcmp(scheme, SecureProtocol) == 0;
+  curl_free(scheme);
+  return secure;
+}
+
+bool AnsweredSecurely(CURL* easy) {
+  const char* scheme = nullptr;
+  curl_easy_getinfo(easy, CURLINFO_SCHEME, &scheme);
+  return scheme != nullptr && strcasecmp(scheme, SecureProtocol) == 0;
+}
+
 /// Makes a transfer ready for its own settings; false when the URL is none, or no memory is left.
 bool Prepare(Transfer& transfer, const Root& root, const std::string& url) {
   transfer.url = Parse(url);
@@ -120,7 +136,11 @@ bool Prepare(Transfer& transfer, const Root& root, const std::string& url) {
   curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
   curl_easy_setopt(easy, CURLOPT_MAXREDIRS, MostRedirections);
   curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, Protocols);
-  curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, Protocols);
+  curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR,
+                   IsSecure(transfer.url) ? SecureProtocol : Protocols);
+  if (const char* authorities = std::getenv("SSL_CERT_FILE")) {
+    curl_easy_setopt(easy, CURLOPT_CAINFO, authorities);
+  }
   if (!root.userAgent.empty()) curl_easy_setopt(easy, CURLOPT_USERAGENT, root.userAgent.c_str());
   // Otherwise the environment tells, as for every program.
   if (root.accessType == DirectAccess) curl_easy_setopt(easy, CURLOPT_PROXY, "");
@@ -221,15 +241,16 @@ Handle Connect(const Handle& root, const std::string& host, std::uint16_t port) 
   if (host.empty()) return nullptr;
   auto connection = std::make_unique<Connection>();
   connection->root = &As<Root>(root);
-  connection->address = "http://" + host + ":" + std::to_string(port);
+  connection->address = host + ":" + std::to_string(port);
   return HandleOf(std::move(connection));
 }
 
 Handle OpenRequest(const Handle& connection, const std::string& verb, const std::string& objectName,
-                   const std::string& version, const std::string& referrer) {
+                   const std::string& version, const std::string& referrer, bool secure) {
   const auto& parent = As<Connection>(connection);
+  const std::string url = (secure ? "https://" : "http://") + parent.address + objectName;
   auto request = std::make_unique<Request>();
-  if (!Prepare(request->transfer, *parent.root, parent.address + objectName)) return nullptr;
+  if (!Prepare(request->transfer, *parent.root, url)) return nullptr;
   CURL* const easy = request->transfer.easy.get();
   curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
   curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L);
@@ -265,6 +286,10 @@ bool Send(const Handle& request, const std::string& optionalData) {
   return transfer.result == CURLE_OK;
 }
 
+bool IsSecure(const Handle& request) {
+  return AnsweredSecurely(As<Request>(request).transfer.easy.get());
+}
+
 bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                std::int32_t& length) {
   CURL* const easy = As<Request>(request).transfer.easy.get();
@@ -298,6 +323,10 @@ Body OpenUrl(const Handle& root, const std::string& url) {
   while (!download->headIsComplete && !transfer.result) Advance(transfer);
   if (!download->headIsComplete) return nullptr;
   return Body(download.release());
+}
+
+bool IsSecure(const Body& body) {
+  return AnsweredSecurely(DownloadOf(body).transfer.easy.get());
 }
 
 std::optional<std::int64_t> AnnouncedLength(const Body& body) {

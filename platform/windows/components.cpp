@@ -25,7 +25,10 @@ void CloseWorker::operator()(void* worker) const {
 }
 
 Library Load(const std::string& path) {
-  return Library(LoadLibraryA(path.c_str()));
+  // By its full path, and with its own folder first for the libraries that it needs.
+  std::string fullPath(MAX_PATH, '\0');
+  fullPath.resize(GetFullPathNameA(path.c_str(), MAX_PATH, fullPath.data(), nullptr));
+  return Library(LoadLibraryExA(fullPath.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }
 
 EntryPoint FindEntryPoint(const Library& library, const std::string& name) {

@@ -4,7 +4,6 @@
 
 #include <objbase.h>
 
-#include <intshcut.h>
 #include <wininet.h>
 
 #include <algorithm>
@@ -12,11 +11,35 @@
 #include <vector>
 
 #include "platform/windows/background.h"
+#include "platform/windows/libraries.h"
 
 namespace platform::http {
 namespace {
 
+using windows::FunctionOf;
 using windows::RunInBackground;
+
+/// The functions of the system's HTTP library, under their own names.
+struct WinInet {
+  HMODULE library = windows::LoadSystemLibrary("wininet.dll");
+#define WININET_FUNCTION(name) decltype(&::name) name = FunctionOf<decltype(::name)>(library, #name)
+  WININET_FUNCTION(InternetOpenA);
+  WININET_FUNCTION(InternetConnectA);
+  WININET_FUNCTION(HttpOpenRequestA);
+  WININET_FUNCTION(HttpAddRequestHeadersA);
+  WININET_FUNCTION(HttpSendRequestA);
+  WININET_FUNCTION(HttpQueryInfoA);
+  WININET_FUNCTION(InternetOpenUrlA);
+  WININET_FUNCTION(InternetReadFile);
+  WININET_FUNCTION(InternetQueryOptionA);
+  WININET_FUNCTION(InternetCloseHandle);
+#undef WININET_FUNCTION
+};
+
+const WinInet& Library() {
+  static const WinInet library;
+  return library;
+}
 
 const char* NullWhenEmpty(const std::string& value) {
   return value.empty() ? nullptr : value.c_str();
@@ -44,8 +67,8 @@ bool FetchChunk(OpenBody& body) {
   bool read = false;
   const DWORD start = GetTickCount();
   RunInBackground([&] {
-    read = InternetReadFile(body.url.get(), body.chunk.data(),
-                            static_cast<DWORD>(body.chunk.size()), &count) != FALSE;
+    read = Library().InternetReadFile(body.url.get(), body.chunk.data(),
+                                      static_cast<DWORD>(body.chunk.size()), &count) != FALSE;
   });
   const DWORD duration = GetTickCount() - start;
   if (duration < FastRead) body.chunkSize = std::min(body.chunkSize * 2, LargestChunk);
@@ -54,53 +77,70 @@ bool FetchChunk(OpenBody& body) {
   return read;
 }
 
+/// Windows refuses a redirection from https to http by itself; Wine follows it.
+bool AnsweredSecurely(HINTERNET request) {
+  char url[INTERNET_MAX_URL_LENGTH] = "";
+  DWORD size = sizeof url;
+  return Library().InternetQueryOptionA(request, INTERNET_OPTION_URL, url, &size) != FALSE &&
+         _strnicmp(url, "https:", 6) == 0;
+}
+
 }  // namespace
 
 void CloseInternetHandle::operator()(void* handle) const {
-  InternetCloseHandle(handle);
+  Library().InternetCloseHandle(handle);
 }
 
 bool IsOffline() {
-  return InetIsOffline(0) != FALSE;
+  using Query = BOOL WINAPI(DWORD flags);
+  static const auto isOffline =
+      FunctionOf<Query>(windows::LoadSystemLibrary("url.dll"), "InetIsOffline");
+  return isOffline(0) != FALSE;
 }
 
 Handle OpenRoot(const std::string& userAgent, std::int32_t accessType, const std::string& proxy) {
-  return Handle(InternetOpenA(NullWhenEmpty(userAgent), static_cast<DWORD>(accessType),
-                              NullWhenEmpty(proxy), nullptr, 0));
+  return Handle(Library().InternetOpenA(NullWhenEmpty(userAgent), static_cast<DWORD>(accessType),
+                                        NullWhenEmpty(proxy), nullptr, 0));
 }
 
 Handle Connect(const Handle& root, const std::string& host, std::uint16_t port) {
-  return Handle(InternetConnectA(root.get(), NullWhenEmpty(host), port, nullptr, nullptr,
-                                 INTERNET_SERVICE_HTTP, 0, 0));
+  return Handle(Library().InternetConnectA(root.get(), NullWhenEmpty(host), port, nullptr, nullptr,
+                                           INTERNET_SERVICE_HTTP, 0, 0));
 }
 
 Handle OpenRequest(const Handle& connection, const std::string& verb, const std::string& objectName,
-                   const std::string& version, const std::string& referrer) {
-  return Handle(HttpOpenRequestA(connection.get(), verb.c_str(), NullWhenEmpty(objectName),
-                                 version.c_str(), NullWhenEmpty(referrer), nullptr, 0, 0));
+                   const std::string& version, const std::string& referrer, bool secure) {
+  return Handle(Library().HttpOpenRequestA(
+      connection.get(), verb.c_str(), NullWhenEmpty(objectName), version.c_str(),
+      NullWhenEmpty(referrer), nullptr, secure ? INTERNET_FLAG_SECURE : 0, 0));
 }
 
 bool AddRequestHeaders(const Handle& request, const std::string& headers) {
-  return HttpAddRequestHeadersA(request.get(), NullWhenEmpty(headers),
-                                static_cast<DWORD>(headers.size()),
-                                HTTP_ADDREQ_FLAG_ADD | HTTP_ADDREQ_FLAG_REPLACE) != FALSE;
+  return Library().HttpAddRequestHeadersA(request.get(), NullWhenEmpty(headers),
+                                          static_cast<DWORD>(headers.size()),
+                                          HTTP_ADDREQ_FLAG_ADD | HTTP_ADDREQ_FLAG_REPLACE) != FALSE;
 }
 
 bool Send(const Handle& request, const std::string& optionalData) {
   std::string data = optionalData;
   bool sent = false;
   RunInBackground([&] {
-    sent = HttpSendRequestA(request.get(), nullptr, 0, data.empty() ? nullptr : data.data(),
-                            static_cast<DWORD>(data.size())) != FALSE;
+    sent =
+        Library().HttpSendRequestA(request.get(), nullptr, 0, data.empty() ? nullptr : data.data(),
+                                   static_cast<DWORD>(data.size())) != FALSE;
   });
   return sent;
+}
+
+bool IsSecure(const Handle& request) {
+  return AnsweredSecurely(request.get());
 }
 
 bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                std::int32_t& length) {
   DWORD size = static_cast<DWORD>(length);
   const bool found =
-      HttpQueryInfoA(request.get(), infoLevel, buffer.data(), &size, nullptr) != FALSE;
+      Library().HttpQueryInfoA(request.get(), infoLevel, buffer.data(), &size, nullptr) != FALSE;
   length = static_cast<std::int32_t>(size);
   return found;
 }
@@ -111,15 +151,21 @@ void CloseBody::operator()(void* body) const {
 
 Body OpenUrl(const Handle& root, const std::string& url) {
   HINTERNET opened = nullptr;
-  RunInBackground([&] { opened = InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0); });
+  RunInBackground(
+      [&] { opened = Library().InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0); });
   return Body(opened != nullptr ? new OpenBody{Handle(opened)} : nullptr);
+}
+
+bool IsSecure(const Body& body) {
+  return AnsweredSecurely(static_cast<const OpenBody*>(body.get())->url.get());
 }
 
 std::optional<std::int64_t> AnnouncedLength(const Body& body) {
   const auto* open = static_cast<const OpenBody*>(body.get());
   char digits[32] = {};
   DWORD size = sizeof digits;
-  if (HttpQueryInfoA(open->url.get(), HTTP_QUERY_CONTENT_LENGTH, digits, &size, nullptr) == FALSE) {
+  if (Library().HttpQueryInfoA(open->url.get(), HTTP_QUERY_CONTENT_LENGTH, digits, &size,
+                               nullptr) == FALSE) {
     return std::nullopt;
   }
   std::int64_t length = 0;

@@ -16,17 +16,8 @@ namespace processes = platform::processes;
 using Texts = std::vector<std::string>;
 using Tree = std::map<std::string, std::string>;
 
-const auto ownFolder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-const std::string helper = ReadWhole(ownFolder / "helper.exe");
-const std::string kestrane = ReadWhole(ownFolder / "../Kestrane.exe");
-
-template <typename Condition>
-bool Eventually(Condition condition) {
-  for (int i = 0; i < 600; ++i, processes::Sleep(50)) {
-    if (condition()) return true;
-  }
-  return false;
-}
+const std::string helper = ReadWhole(OwnFolder() / "helper.exe");
+const std::string kestrane = ReadWhole(OwnFolder() / "../Kestrane.exe");
 
 class Program : public testing::Test {
  protected:
@@ -87,7 +78,7 @@ TEST_F(Program, UpdatesAndLaunchesTheApplication) {
 }
 
 TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
-  const std::string newer = ReadWhole(ownFolder / "newer/Kestrane.exe");
+  const std::string newer = ReadWhole(OwnFolder() / "newer/Kestrane.exe");
   ASSERT_NE(newer, kestrane);
   sandbox.Write("KestraneTmp.exe", "left over");
   server.Serve("/updater", {.body = newer});

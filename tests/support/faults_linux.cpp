@@ -53,4 +53,8 @@ std::uint32_t CodeOfTerminated(std::uint32_t /*exitCode*/) {
   return 128 + SIGKILL;
 }
 
+std::shared_ptr<void> TrustAuthority(const std::string& /*certificateFile*/) {
+  return nullptr;
+}
+
 }  // namespace faults

@@ -3,11 +3,32 @@
 // A folder of a test's own, deleted with it.
 
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <string>
+#include <thread>
+
+#include "platform/system.h"
+
+/// Calls until it returns true, for half a minute at most; whether it did.
+template <typename Condition>
+[[nodiscard]] bool Eventually(Condition condition) {
+  using namespace std::chrono_literals;
+  for (int i = 0; i < 3000; ++i, std::this_thread::sleep_for(10ms)) {
+    if (condition()) return true;
+  }
+  return false;
+}
+
+/// The folder of the running test.
+inline std::filesystem::path OwnFolder() {
+  std::string path = platform::system::ExecutableFolder();
+  std::replace(path.begin(), path.end(), '\\', '/');
+  return path;
+}
 
 inline std::string ReadWhole(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);

@@ -8,19 +8,11 @@
 #include <vector>
 
 #include "run/progress_window.h"
+#include "tests/support/sandbox.h"
 
 namespace driver {
 
 using Control = frmPrincipal::Control;
-
-/// Calls until it returns true, for half a minute at most; whether it did.
-template <typename Condition>
-[[nodiscard]] bool Eventually(Condition condition) {
-  for (const DWORD start = GetTickCount(); GetTickCount() - start < 30'000; Sleep(10)) {
-    if (condition()) return true;
-  }
-  return false;
-}
 
 /// A run of the program. The window is looked for anew at every call, so it may be that of the
 /// process that took over.

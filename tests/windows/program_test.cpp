@@ -20,9 +20,8 @@ using modPrincipal::ScriptNotUnderstood;
 using Texts = std::vector<std::string>;
 using Tree = std::map<std::string, std::string>;
 
-const std::string ownFolder = platform::system::ExecutableFolder();
-const std::string helper = ReadWhole(ownFolder + "\\helper.exe");
-const std::string kestrane = ReadWhole(ownFolder + "\\..\\Kestrane.exe");
+const std::string helper = ReadWhole(OwnFolder() / "helper.exe");
+const std::string kestrane = ReadWhole(OwnFolder() / "../Kestrane.exe");
 
 class Program : public testing::Test {
  protected:
@@ -63,7 +62,7 @@ class Program : public testing::Test {
 TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
   const std::string log = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
   putenv(const_cast<char*>(log.c_str()));
-  const std::string component = ReadWhole(ownFolder + "\\component.dll");
+  const std::string component = ReadWhole(OwnFolder() / "component.dll");
   sandbox.Fill({{"kt-ledger.exe", "1"}, {"oldprint.dll", "x"}, {"old.txt", "x"}});
   sandbox.Fill({{"reports.dll", "old"}, {"reports.dll.bak", "older"}});
   server.Serve("/ledger", {.body = helper});
@@ -244,7 +243,7 @@ TEST_F(Program, CannotBeCancelledWhileItInstalls) {
 }
 
 TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
-  const std::string newer = ReadWhole(ownFolder + "\\newer\\Kestrane.exe");
+  const std::string newer = ReadWhole(OwnFolder() / "newer/Kestrane.exe");
   ASSERT_FALSE(newer.empty());
   ASSERT_NE(newer, kestrane);
   sandbox.Write("KestraneTmp.exe", "left over");

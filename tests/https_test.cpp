@@ -1,0 +1,80 @@
+// Addresses with https, against the servers that https_server.sh starts.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "platform/processes.h"
+#include "platform/system.h"
+#include "tests/support/faults.h"
+#include "tests/support/sandbox.h"
+#include "transfer/download.h"
+#include "transfer/http_probe.h"
+#include "transfer/url.h"
+
+namespace {
+
+using namespace modFunciones;
+
+std::string Address(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr ? value : "(not set)";
+}
+
+const std::string good = Address("GOOD");
+const std::filesystem::path web = Address("WEB");
+
+void Offer(const std::string& name, const std::string& content) {
+  std::ofstream(web / name, std::ios::binary) << content;
+}
+
+TEST(Https, TakesOnlyWhatAServerWithAGoodCertificateSends) {
+  const auto trust = faults::TrustAuthority(Address("AUTHORITY"));
+  Offer("file", "content");
+  const struct {
+    std::string url;
+    bool taken;
+  } cases[] = {
+      {good + "/file", true},
+      {"HTTPS" + good.substr(5) + "/file", true},
+      {"Http" + Address("PLAIN").substr(4) + "/file", true},
+      {Address("PLAIN") + "/up", true},
+      {good + "/down", false},
+      {good + "/missing", false},
+      {Address("EXPIRED") + "/file", false},
+      {Address("FOREIGN") + "/file", false},
+      {Address("OTHER_HOST") + "/file", false},
+      {"https" + Address("PLAIN").substr(4) + "/file", false},
+      {"http" + good.substr(5) + "/file", false},
+  };
+  for (const auto& [url, taken] : cases) {
+    UrlParts = SplitUrl(url);
+    EXPECT_EQ(IsAvailable(), taken) << url;
+    EXPECT_EQ(AvailableLength().value_or(0), taken ? 7 : 0) << url;
+    // A server's own page about an error is taken as content, and probed for that reason first.
+    const std::string body = DownloadUrl(url, "", UserAgentText, PreconfiguredAccess, "");
+    EXPECT_EQ(body == "content", taken) << url;
+  }
+}
+
+TEST(Https, CarriesAWholeRun) {
+  const auto trust = faults::TrustAuthority(Address("AUTHORITY"));
+  const std::string kestrane = ReadWhole(OwnFolder() / "../Kestrane.exe");
+  const std::string newer = ReadWhole(OwnFolder() / "newer/Kestrane.exe");
+  ASSERT_NE(newer, kestrane);
+  Offer("Kestrane.exe", newer);
+  Offer("file", "content");
+  Offer("update.txt", "1.0.4|" + good + "/Kestrane.exe\nNAME|x\nVERSION|=|2.7.1\nADD|$AppPath\\f|" +
+                          good + "/file");
+  const Sandbox sandbox;
+  sandbox.Write("Kestrane.exe", kestrane);
+  const auto run = platform::processes::Start(
+      '"' + sandbox.Path("Kestrane.exe") + "\" 2.7.1 C:\\Ledger " + good + "/update.txt none NO",
+      1);
+  ASSERT_TRUE(run);
+  const std::map<std::string, std::string> updated = {{"Kestrane.exe", Shown(newer)},
+                                                      {"f", "content"}};
+  EXPECT_TRUE(Eventually([&] { return sandbox.Tree() == updated; }));
+}
+
+}  // namespace
