@@ -63,7 +63,7 @@ using Body = std::unique_ptr<void, CloseBody>;
 [[nodiscard]] bool IsSecure(const Body& body);
 
 /// Length of the body in bytes as the answer to OpenUrl announces it; nothing when it announces
-/// none.
+/// none, or no number.
 [[nodiscard]] std::optional<std::int64_t> AnnouncedLength(const Body& body);
 
 /// Reads up to size bytes of the body into the buffer; 0 bytes are its end. Waits for the server

@@ -58,8 +58,15 @@ void ShowProgress() {
   DrawProgressBar(picTotal, Fraction(totalDone, TotalBytes));
 }
 
+/// A connection that breaks may look like the end of the body. Whole is a body of the length that its
+/// own answer announced or, where that told none, of at least the length that the probe told.
+bool IsWhole(const platform::http::Body& body, std::int64_t received) {
+  if (const auto announced = platform::http::AnnouncedLength(body)) return received == *announced;
+  return !TransferProgressOn || received >= FileBytes;
+}
+
 /// Hands the body to store, block by block. False when a read fails, store refuses a block, or the
-/// body ends before the length that the answer itself announced.
+/// body is not whole.
 template <typename Store>
 bool ReadBody(const platform::http::Body& body, Store store) {
   std::array<char, TransferBlockSize> buffer{};
@@ -75,7 +82,7 @@ bool ReadBody(const platform::http::Body& body, Store store) {
     }
     if (!store(std::string_view(buffer.data(), bytesRead))) return false;
   } while (bytesRead > 0);
-  return received >= platform::http::AnnouncedLength(body).value_or(0);
+  return IsWhole(body, received);
 }
 
 std::string ReadIntoFile(const platform::http::Body& body, const std::string& targetPath) {

@@ -292,11 +292,11 @@ bool IsSecure(const Handle& request) {
 
 bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                std::int32_t& length) {
-  CURL* const easy = As<Request>(request).transfer.easy.get();
-  const long status = StatusOf(easy);
-  if (status == 0) return false;  // there was no answer
+  const auto& transfer = As<Request>(request).transfer;
+  if (transfer.result != CURLE_OK) return false;
+  CURL* const easy = transfer.easy.get();
   std::optional<std::string> value;
-  if (infoLevel == QueryStatusCode) value = std::to_string(status);
+  if (infoLevel == QueryStatusCode) value = std::to_string(StatusOf(easy));
   if (infoLevel == QueryContentLength) value = Header(easy, "Content-Length");
   if (!value || value->size() > static_cast<std::size_t>(length)) return false;
   buffer.replace(0, value->size(), *value);
@@ -331,12 +331,11 @@ bool IsSecure(const Body& body) {
 
 std::optional<std::int64_t> AnnouncedLength(const Body& body) {
   const auto digits = Header(DownloadOf(body).transfer.easy.get(), "Content-Length");
+  if (!digits) return std::nullopt;
   std::int64_t length = 0;
-  if (!digits ||
-      std::from_chars(digits->data(), digits->data() + digits->size(), length).ec != std::errc{}) {
-    return std::nullopt;
-  }
-  return length;
+  const bool isNumber =
+      std::from_chars(digits->data(), digits->data() + digits->size(), length).ec == std::errc{};
+  return isNumber && length >= 0 ? std::optional(length) : std::nullopt;
 }
 
 bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {

@@ -77,6 +77,15 @@ bool FetchChunk(OpenBody& body) {
   return read;
 }
 
+/// Wine takes a connection that closes, or sends something else than HTTP, for an answer.
+bool HasStatus(HINTERNET request) {
+  DWORD status = 0;
+  DWORD size = sizeof status;
+  return Library().HttpQueryInfoA(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status,
+                                  &size, nullptr) != FALSE &&
+         status >= HTTP_STATUS_CONTINUE;
+}
+
 /// Windows refuses a redirection from https to http by itself; Wine follows it.
 bool AnsweredSecurely(HINTERNET request) {
   char url[INTERNET_MAX_URL_LENGTH] = "";
@@ -153,7 +162,9 @@ Body OpenUrl(const Handle& root, const std::string& url) {
   HINTERNET opened = nullptr;
   RunInBackground(
       [&] { opened = Library().InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0); });
-  return Body(opened != nullptr ? new OpenBody{Handle(opened)} : nullptr);
+  if (opened == nullptr) return nullptr;
+  Body body(new OpenBody{Handle(opened)});
+  return HasStatus(opened) ? std::move(body) : nullptr;
 }
 
 bool IsSecure(const Body& body) {
@@ -169,8 +180,8 @@ std::optional<std::int64_t> AnnouncedLength(const Body& body) {
     return std::nullopt;
   }
   std::int64_t length = 0;
-  if (std::from_chars(digits, digits + size, length).ec != std::errc{}) return std::nullopt;
-  return length;
+  const bool isNumber = std::from_chars(digits, digits + size, length).ec == std::errc{};
+  return isNumber && length >= 0 ? std::optional(length) : std::nullopt;
 }
 
 bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {

@@ -18,6 +18,9 @@ std::string Hide(const std::string& path);
 /// The exit code of a process that was terminated with this one.
 [[nodiscard]] std::uint32_t CodeOfTerminated(std::uint32_t exitCode);
 
+/// Whether this is Wine in the place of Windows.
+[[nodiscard]] bool OnWine();
+
 /// Makes the certificates that an authority signed good ones for this user's programs. Linux: those
 /// of the environment's SSL_CERT_FILE are so already.
 [[nodiscard]] std::shared_ptr<void> TrustAuthority(const std::string& certificateFile);

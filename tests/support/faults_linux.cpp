@@ -53,6 +53,10 @@ std::uint32_t CodeOfTerminated(std::uint32_t /*exitCode*/) {
   return 128 + SIGKILL;
 }
 
+bool OnWine() {
+  return false;
+}
+
 std::shared_ptr<void> TrustAuthority(const std::string& /*certificateFile*/) {
   return nullptr;
 }

@@ -34,6 +34,10 @@ std::uint32_t CodeOfTerminated(std::uint32_t exitCode) {
   return exitCode;
 }
 
+bool OnWine() {
+  return GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 std::shared_ptr<void> TrustAuthority(const std::string& certificateFile) {
   const std::string text = ReadWhole(certificateFile);
   std::vector<BYTE> bytes(text.size());

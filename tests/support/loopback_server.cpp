@@ -2,6 +2,20 @@
 
 using asio::ip::tcp;
 
+namespace {
+
+void Close(tcp::socket& socket, bool resets) {
+  asio::error_code ignored;
+  if (resets) {
+    socket.set_option(asio::socket_base::linger(true, 0), ignored);
+  } else {
+    socket.shutdown(tcp::socket::shutdown_both, ignored);
+  }
+  socket.close(ignored);
+}
+
+}  // namespace
+
 LoopbackServer::LoopbackServer() {
   // The program's port is a signed 16-bit number: search below the ports that the system gives out.
   asio::error_code failure = asio::error::address_in_use;
@@ -37,6 +51,11 @@ void LoopbackServer::Serve(const std::string& path, Reply reply) {
 void LoopbackServer::ServeHead(const std::string& path, Reply reply) {
   const std::lock_guard lock(mutex);
   replies["HEAD " + path] = std::move(reply);
+}
+
+void LoopbackServer::ServeGet(const std::string& path, Reply reply) {
+  const std::lock_guard lock(mutex);
+  replies["GET " + path] = std::move(reply);
 }
 
 void LoopbackServer::Release() {
@@ -79,6 +98,10 @@ void LoopbackServer::Answer(tcp::socket socket) {
   lock.unlock();
 
   const std::string length = reply.contentLength.value_or(std::to_string(reply.body.size()));
+  if (reply.raw) {
+    asio::write(socket, asio::buffer(*reply.raw), failure);
+    return Close(socket, reply.resets);
+  }
   const std::string head = "HTTP/1.1 " + reply.status + "\r\nConnection: close\r\n" +
                            reply.headers +
                            (length.empty() ? "" : "Content-Length: " + length + "\r\n") + "\r\n";
@@ -91,5 +114,5 @@ void LoopbackServer::Answer(tcp::socket socket) {
     lock.unlock();
     asio::write(socket, asio::buffer(body.substr(half)), failure);
   }
-  socket.shutdown(tcp::socket::shutdown_both, failure);
+  Close(socket, reply.resets);
 }

@@ -22,6 +22,8 @@ struct Reply {
   std::string headers = "";                                 // further lines, each with its line end
   std::size_t cutAt = std::string::npos;  // bytes of the body that are sent before the close
   bool stalls = false;                    // keeps the rest of the body back until Release
+  std::optional<std::string> raw = std::nullopt;  // all that is sent, in the place of all of that
+  bool resets = false;  // the connection breaks off instead of being closed
 };
 
 class LoopbackServer {
@@ -36,6 +38,7 @@ class LoopbackServer {
   /// HEAD and GET answer alike, unless ServeHead follows. A path that is not served answers 404.
   void Serve(const std::string& path, Reply reply);
   void ServeHead(const std::string& path, Reply reply);
+  void ServeGet(const std::string& path, Reply reply);
   /// Lets every stalled reply go on.
   void Release();
   /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0".

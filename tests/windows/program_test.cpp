@@ -311,7 +311,7 @@ TEST_F(Program, KeepsToItsLayout) {
 }
 
 TEST_F(Program, StartsOnEverySystemFromXpOn) {
-  if (GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") == nullptr) {
+  if (!faults::OnWine()) {
     GTEST_SKIP() << "only Wine can be told to be another version of Windows";
   }
   constexpr const char* Key = "Software\\Wine\\AppDefaults\\Kestrane.exe";

@@ -1,0 +1,264 @@
+// Updates in which a file operation fails, or the process dies in it.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "platform/processes.h"
+#include "platform/system.h"
+#include "run/messages.h"
+#include "run/progress_window.h"
+#include "run/run_state.h"
+#include "run/update_sequence.h"
+#include "script/action_table.h"
+#include "script/parser.h"
+#include "tests/support/faults.h"
+#include "tests/support/faulty_files.h"
+#include "tests/support/loopback_server.h"
+#include "tests/support/sandbox.h"
+#include "tests/support/scripted_window.h"
+
+namespace {
+
+using Tree = std::map<std::string, std::string>;
+
+/// Runs the update sequence and returns the message of its final screen.
+std::string Update(const std::string& url, std::size_t faultAt = 0, bool dies = false) {
+  faulty_files::state = {.faultAt = faultAt, .dies = dies};
+  modPrincipal::ResetRunState();
+  modPrincipal::ResetActionTable();
+  modPrincipal::ResetScript();
+  scripted_window::Reset();
+  modPrincipal::AppVersion = "2.7.1";
+  modPrincipal::UpdateInfoUrl = url;
+  modPrincipal::CheckForUpdate();
+  return scripted_window::state.text[frmPrincipal::lblMensaje];
+}
+
+/// Every kind of row over files that are there and files that are not.
+class Faults : public testing::Test {
+ protected:
+  void Prepare() {
+    sandbox = std::make_unique<Sandbox>();
+    sandbox->Fill(Before);
+    const std::string script = "1.0.3|x\nNAME|x\nVERSION|<|3.0.0\nADD|" + sandbox->Path("a") + "|" +
+                               server.Url("/a") + "\nADD|" + sandbox->Path("new/b") + "|" +
+                               server.Url("/b") + "\nUPDATE|" + sandbox->Path("c") + "|" +
+                               server.Url("/c") + "\nUPDATE|" + sandbox->Path("d") + "|" +
+                               server.Url("/d") + "\nDELETE|" + sandbox->Path("e");
+    server.Serve("/info.txt", {.body = script});
+    for (const std::string name : {"a", "b", "c", "d"}) {
+      server.Serve("/" + name, {.body = "new " + name});
+    }
+  }
+
+  const Tree Before = {{"a", "old a"}, {"a.bak", "older a"}, {"c", "old c"}, {"e", "old e"}};
+  const Tree After = {
+      {"a", "new a"}, {"a.bak", "old a"}, {"c", "new c"}, {"d", "new d"}, {"new/b", "new b"}};
+  LoopbackServer server;
+  std::unique_ptr<Sandbox> sandbox;
+};
+
+TEST_F(Faults, DeathAnywhereLosesNothingAndTheNextRunCompletesTheUpdate) {
+  std::size_t deaths = 0;
+  for (std::uint32_t exitCode = faulty_files::Died; exitCode != 0;) {
+    Prepare();
+    const auto child = platform::processes::Start(
+        '"' + platform::system::ExecutableFolder() + "\\fault_tests.exe\" " +
+            server.Url("/info.txt") + " " + std::to_string(++deaths),
+        1);
+    ASSERT_TRUE(child);
+    ASSERT_TRUE(Eventually([&] { return platform::processes::HasEnded(child->process); }));
+    ASSERT_TRUE(platform::processes::ExitCode(child->process, exitCode));
+    ASSERT_TRUE(exitCode == 0 || exitCode == faulty_files::Died) << exitCode;
+
+    Tree tree = sandbox->Tree();
+    for (const std::string name : {"a", "new/b", "c", "d"}) {
+      const auto holds = [&](const std::string& companion, const std::string& content) {
+        return tree.contains(name + companion) && tree[name + companion] == content;
+      };
+      const bool old =
+          !Before.contains(name) || holds("", Before.at(name)) || holds(".bak", Before.at(name));
+      EXPECT_TRUE(old || holds("", After.at(name)) || holds(".tmp", After.at(name)))
+          << name << " is lost after operation " << deaths;
+    }
+    // A second ADD backs up what the first one put there.
+    Tree expected = After;
+    if (exitCode != 0) {
+      if (tree["a"] == "new a") expected["a.bak"] = "new a";
+      if (tree["new/b"] == "new b") expected["new/b.bak"] = "new b";
+      EXPECT_EQ(Update(server.Url("/info.txt")), modPrincipal::Success);
+    }
+    EXPECT_EQ(sandbox->Tree(), expected) << "after operation " << deaths;
+  }
+  EXPECT_GT(deaths, 40U);
+  RecordProperty("deaths", static_cast<int>(deaths - 1));
+}
+
+TEST_F(Faults, FailureOfAnyOperationEndsAsItShould) {
+  using modPrincipal::WriteFailure;
+  /// An operation that matters: the outcome when it fails, and what changes when it does not.
+  struct Step {
+    std::string operation;
+    std::string_view outcome;
+    Tree changes = {};  // empty: gone
+  };
+  std::vector<Step> steps = {{"QueryDiskSpace ", modPrincipal::NoDiskSpace}};
+  for (const std::string path : {"a", "new/b", "c", "d"}) {
+    const std::string name = path.substr(path.size() - 1);
+    const std::string companion = name + ".tmp";
+    if (path == "new/b") steps.push_back({"CreateFolder ", WriteFailure});
+    steps.push_back({"Create " + companion, WriteFailure, {{path + ".tmp", "ne"}}});
+    steps.push_back({"Write " + companion, WriteFailure, {{path + ".tmp", "new " + name}}});
+    steps.push_back({"Write " + companion, WriteFailure});
+  }
+  steps.insert(steps.end(),
+               {{"Find a", WriteFailure},
+                {"Find a.bak", WriteFailure},
+                {"Delete a.bak", WriteFailure, {{"a.bak", ""}}},
+                {"Rename a", WriteFailure, {{"a", ""}, {"a.bak", "old a"}}},
+                {"Rename a.tmp", WriteFailure, {{"a", "new a"}, {"a.tmp", ""}}},
+                {"Rename b.tmp", WriteFailure, {{"new/b", "new b"}, {"new/b.tmp", ""}}},
+                {"Find c.tmp", WriteFailure},
+                {"Find c", WriteFailure},
+                {"Delete c", WriteFailure, {{"c", ""}}},
+                {"Rename c.tmp", WriteFailure, {{"c", "new c"}, {"c.tmp", ""}}},
+                {"Find d.tmp", WriteFailure},
+                {"Rename d.tmp", WriteFailure, {{"d", "new d"}, {"d.tmp", ""}}},
+                {"Find e", modPrincipal::Success},
+                {"Delete e", modPrincipal::DeleteFailure}});
+
+  Prepare();
+  EXPECT_EQ(Update(server.Url("/info.txt")), modPrincipal::Success);
+  const auto operations = faulty_files::state.operations;
+  auto next = steps.begin();
+  Tree left = Before;
+  for (std::size_t at = 1; at <= operations.size(); ++at) {
+    SCOPED_TRACE(operations[at - 1]);
+    Prepare();
+    const std::string message = Update(server.Url("/info.txt"), at);
+    EXPECT_EQ(faulty_files::state.openFiles, 0);
+    const bool matters = next != steps.end() && next->operation == operations[at - 1];
+    EXPECT_EQ(message, matters ? next->outcome : modPrincipal::Success);
+    EXPECT_EQ(sandbox->Tree(), matters ? left : After);
+    if (!matters) continue;
+    for (const auto& [name, content] : next->changes) left[name] = content;
+    std::erase_if(left, [](const auto& file) { return file.second.empty(); });
+    ++next;
+  }
+  EXPECT_TRUE(next == steps.end()) << next->operation << " did not come";
+}
+
+TEST_F(Faults, HostileServersEndInTheRightText) {
+  using namespace modPrincipal;
+  const std::string body(5000, 'k');
+  const std::string head = "HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n";
+  const std::string chunks = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
+  const std::string dead = "HTTP/1.1 302 Found\r\nLocation: http://127.0.0.1:1/\r\n\r\n";
+  const Reply circle = {.status = "302 Found", .headers = "Location: /circle\r\n"};
+  // Outcomes: a file that is not available, a write failure, success; the systems differ in some.
+  const struct {
+    std::string what;
+    Reply reply;
+    std::string outcomes;       // when HEAD and GET are answered so
+    std::string outcomesOfGet;  // when HEAD is answered well, with a length of 5,000
+    bool onWine = true;
+  } cases[] = {
+      {"reset before the head", {.raw = "", .resets = true}, "N", "W"},
+      {"close before the head", {.raw = ""}, "N", "W"},
+      {"reset within the head", {.raw = head.substr(0, 30), .resets = true}, "N", "W"},
+      {"close within the head", {.raw = head.substr(0, 30)}, "N", "W"},
+      {"garbage", {.raw = "hello\r\n\r\n"}, "N", "W"},
+      {"zeros", {.raw = std::string(3000, '\0')}, "N", "W"},
+      {"huge status", {.raw = "HTTP/1.1 " + std::string(1'000'000, '2') + "\r\n\r\n"}, "N", "W"},
+      {"huge header",
+       {.body = body, .headers = "X: " + std::string(1'048'576, 'x') + "\r\n"},
+       "NS",
+       "WS"},
+      {"redirected to a dead host", {.raw = dead}, "N", "W"},
+      // Windows counts redirections; Wine does not, and the user has to cancel.
+      {"redirected in a circle", circle, "N", "W", false},
+      {"reset within the body", {.raw = head + body.substr(0, 2500), .resets = true}, "W", "W"},
+      {"cut at 0", {.body = body, .cutAt = 0}, "W", "W"},
+      {"cut at 1", {.body = body, .cutAt = 1}, "W", "W"},
+      {"cut at 1023", {.body = body, .cutAt = 1023}, "W", "W"},
+      {"cut at 1024", {.body = body, .cutAt = 1024}, "W", "W"},
+      {"cut at 1025", {.body = body, .cutAt = 1025}, "W", "W"},
+      {"cut at half", {.body = body, .cutAt = 2500}, "W", "W"},
+      {"cut at the last byte", {.body = body, .cutAt = 4999}, "W", "W"},
+      {"longer than announced", {.raw = head + body + "more"}, "SW", "SW"},
+      {"chunked", {.raw = chunks + "1388\r\n" + body + "\r\n0\r\n\r\n"}, "N", "S"},
+      {"chunked and cut", {.raw = chunks + "1388\r\n" + body.substr(1)}, "N", "W"},
+      {"chunked badly", {.raw = chunks + "zz\r\n" + body}, "N", "W"},
+      {"negative length", {.body = body, .contentLength = "-1"}, "N", "SW"},
+      {"signed length", {.body = body, .contentLength = "+5000"}, "N", "S"},
+      {"huge length", {.body = body, .contentLength = "99999999999999999999"}, "N", "S"},
+      {"length of 33 bits", {.body = body, .contentLength = "4294972296"}, "N", "W"},
+      {"two lengths", {.body = body, .contentLength = "5000\r\nContent-Length: 5000"}, "S", "S"},
+      {"5000 and 5", {.body = body, .contentLength = "5000\r\nContent-Length: 5"}, "SW", "SW"},
+      {"5 and 5000", {.body = body, .contentLength = "5\r\nContent-Length: 5000"}, "SW", "SW"},
+      {"list of lengths", {.body = body, .contentLength = "5000, 5000"}, "N", "SW"},
+      {"shorter than HEAD says", {.body = "short"}, "S", "S"},
+      {"longer than HEAD says", {.body = body + body}, "S", "S"},
+      {"no length", {.body = body, .contentLength = ""}, "N", "S"},
+  };
+  const std::map<std::string_view, char> letters = {
+      {FilesNotAvailable, 'N'}, {WriteFailure, 'W'}, {Success, 'S'}};
+  server.Serve("/circle", circle);
+  for (const auto& [what, reply, outcomes, outcomesOfGet, onWine] : cases) {
+    if (!onWine && faults::OnWine()) continue;
+    for (const bool headAnswersWell : {false, true}) {
+      SCOPED_TRACE(what + (headAnswersWell ? ", in GET" : ""));
+      Prepare();
+      server.Serve("/a", reply);
+      if (headAnswersWell) server.ServeHead("/a", {.body = body});
+      const std::string message = Update(server.Url("/info.txt"));
+      Tree tree = sandbox->Tree();
+      ASSERT_TRUE(letters.contains(message)) << message;
+      const char outcome = letters.at(message);
+      EXPECT_NE((headAnswersWell ? outcomesOfGet : outcomes).find(outcome), std::string::npos)
+          << outcome;
+      if (outcome == 'S') {
+        const bool whole = tree["a"] == Shown(body) || tree["a"] == Shown(reply.body);
+        EXPECT_TRUE(whole) << tree["a"];
+      } else {
+        tree.erase("a.tmp");
+        tree.erase("new/b.tmp");
+        EXPECT_EQ(tree, Before);
+      }
+
+      server.Serve("/info.txt", reply);
+      if (headAnswersWell) server.ServeHead("/info.txt", {.body = body});
+      const std::string ending = Update(server.Url("/info.txt"));
+      // A head that breaks off behind its first line may still have told the status.
+      const bool right =
+          ending == ScriptNotUnderstood || (!headAnswersWell && ending == InformationNotFound);
+      EXPECT_TRUE(right) << ending;
+    }
+  }
+}
+
+TEST_F(Faults, RunningOutOfMemoryIsAFailedDownload) {
+  Prepare();
+  server.Serve("/info.txt", {.body = std::string(3'000'000, 'x')});
+  std::string lines;
+  for (int i = 0; i < 150'000; ++i) lines += "x\n";
+  server.Serve("/lines.txt", {.body = lines});
+  faulty_files::largestAllocation = 1'000'000;
+  EXPECT_EQ(Update(server.Url("/info.txt")), modPrincipal::ScriptNotUnderstood);
+  EXPECT_EQ(Update(server.Url("/lines.txt")), modPrincipal::ScriptNotUnderstood);
+  faulty_files::largestAllocation = SIZE_MAX;
+  EXPECT_EQ(sandbox->Tree(), Before);
+}
+
+}  // namespace
+
+/// With arguments, a URL and the number of an operation, runs an update that dies there.
+int main(int argc, char** argv) {
+  if (argc == 3) {
+    return Update(argv[1], std::strtoul(argv[2], nullptr, 10), true) == modPrincipal::Success ? 0
+                                                                                              : 1;
+  }
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}
