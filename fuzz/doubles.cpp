@@ -64,18 +64,20 @@ bool IsOffline() { return false; }
 Handle OpenRoot(const std::string&, std::int32_t, const std::string&) { return Handle(&object); }
 Handle Connect(const Handle&, const std::string&, std::uint16_t) { return Handle(&object); }
 Handle OpenRequest(const Handle&, const std::string&, const std::string& objectName,
-                   const std::string&, const std::string&) {
+                   const std::string&, const std::string&, bool) {
   Require(objectName.starts_with('/'));
   return Handle(&object);
 }
 bool AddRequestHeaders(const Handle&, const std::string&) { return true; }
 bool Send(const Handle&, const std::string&) { return true; }
+bool IsSecure(const Handle&) { return true; }
 bool QueryInfo(const Handle&, std::uint32_t, std::string& buffer, std::int32_t& length) {
   length = static_cast<std::int32_t>(Fill(buffer, "200"));
   return true;
 }
 void CloseBody::operator()(void*) const {}
 Body OpenUrl(const Handle&, const std::string&) { return {}; }
+bool IsSecure(const Body&) { return true; }
 std::optional<std::int64_t> AnnouncedLength(const Body&) { return {}; }
 bool Read(const Body&, char*, std::uint32_t, std::uint32_t&) { return false; }
 }  // namespace platform::http
