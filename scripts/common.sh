@@ -83,3 +83,44 @@ use_display() {
   virtual_display=true
   start_xvfb
 }
+
+port_is_free() {
+  ! (: <"/dev/tcp/127.0.0.1/$1") 2>/dev/null
+}
+
+port_is_taken() {
+  ! port_is_free "$port"
+}
+
+# serve FOLDER SITE LINES: offers SITE with nginx, whose files go into FOLDER and whose block
+# server has LINES. The port is in port. The log tells of every request when it was over and how
+# long it took, in seconds, and its method and path.
+serve() {
+  # The updater takes no port above 32767.
+  port=18080
+  until port_is_free "$port"; do ((++port)); done
+  mkdir "$1"
+  cat >"$1/nginx.conf" <<END
+daemon off;
+master_process off;
+pid nginx.pid;
+events {}
+http {
+  log_format times '\$msec \$request_time \$request_method \$uri';
+  access_log access.log times;
+  client_body_temp_path body;
+  proxy_temp_path proxy;
+  fastcgi_temp_path fastcgi;
+  uwsgi_temp_path uwsgi;
+  scgi_temp_path scgi;
+  server {
+    listen 127.0.0.1:$port;
+    root "$2";
+    $3
+  }
+}
+END
+  PATH=$PATH:/usr/sbin nginx -p "$1" -e error.log -c nginx.conf 2>/dev/null &
+  children+=($!)
+  if ! wait_until 5 port_is_taken; then fail "the web server did not start; see $1/error.log"; fi
+}
