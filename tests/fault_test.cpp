@@ -14,13 +14,12 @@
 #include "script/parser.h"
 #include "tests/support/faults.h"
 #include "tests/support/faulty_files.h"
-#include "tests/support/loopback_server.h"
-#include "tests/support/sandbox.h"
 #include "tests/support/scripted_window.h"
+#include "tests/support/update_story.h"
 
 namespace {
 
-using Tree = std::map<std::string, std::string>;
+using Tree = UpdateStory::Tree;
 
 /// Runs the update sequence and returns the message of its final screen.
 std::string Update(const std::string& url, std::size_t faultAt = 0, bool dies = false) {
@@ -35,26 +34,14 @@ std::string Update(const std::string& url, std::size_t faultAt = 0, bool dies = 
   return scripted_window::state.text[frmPrincipal::lblMensaje];
 }
 
-/// Every kind of row over files that are there and files that are not.
 class Faults : public testing::Test {
  protected:
   void Prepare() {
     sandbox = std::make_unique<Sandbox>();
-    sandbox->Fill(Before);
-    const std::string script = "1.0.3|x\nNAME|x\nVERSION|<|3.0.0\nADD|" + sandbox->Path("a") + "|" +
-                               server.Url("/a") + "\nADD|" + sandbox->Path("new/b") + "|" +
-                               server.Url("/b") + "\nUPDATE|" + sandbox->Path("c") + "|" +
-                               server.Url("/c") + "\nUPDATE|" + sandbox->Path("d") + "|" +
-                               server.Url("/d") + "\nDELETE|" + sandbox->Path("e");
-    server.Serve("/info.txt", {.body = script});
-    for (const std::string name : {"a", "b", "c", "d"}) {
-      server.Serve("/" + name, {.body = "new " + name});
-    }
+    story.Prepare(server, *sandbox);
   }
 
-  const Tree Before = {{"a", "old a"}, {"a.bak", "older a"}, {"c", "old c"}, {"e", "old e"}};
-  const Tree After = {
-      {"a", "new a"}, {"a.bak", "old a"}, {"c", "new c"}, {"d", "new d"}, {"new/b", "new b"}};
+  const UpdateStory story;
   LoopbackServer server;
   std::unique_ptr<Sandbox> sandbox;
 };
@@ -72,24 +59,15 @@ TEST_F(Faults, DeathAnywhereLosesNothingAndTheNextRunCompletesTheUpdate) {
     ASSERT_TRUE(platform::processes::ExitCode(child->process, exitCode));
     ASSERT_TRUE(exitCode == 0 || exitCode == faulty_files::Died) << exitCode;
 
-    Tree tree = sandbox->Tree();
-    for (const std::string name : {"a", "new/b", "c", "d"}) {
-      const auto holds = [&](const std::string& companion, const std::string& content) {
-        return tree.contains(name + companion) && tree[name + companion] == content;
-      };
-      const bool old =
-          !Before.contains(name) || holds("", Before.at(name)) || holds(".bak", Before.at(name));
-      EXPECT_TRUE(old || holds("", After.at(name)) || holds(".tmp", After.at(name)))
-          << name << " is lost after operation " << deaths;
-    }
-    // A second ADD backs up what the first one put there.
-    Tree expected = After;
-    if (exitCode != 0) {
-      if (tree["a"] == "new a") expected["a.bak"] = "new a";
-      if (tree["new/b"] == "new b") expected["new/b.bak"] = "new b";
+    SCOPED_TRACE("operation " + std::to_string(deaths));
+    const Tree left = sandbox->Tree();
+    story.ExpectNothingLost(left);
+    if (exitCode == 0) {
+      EXPECT_EQ(left, story.After());
+    } else {
       EXPECT_EQ(Update(server.Url("/info.txt")), modPrincipal::Success);
+      EXPECT_EQ(sandbox->Tree(), story.AfterOnceMore(left));
     }
-    EXPECT_EQ(sandbox->Tree(), expected) << "after operation " << deaths;
   }
   EXPECT_GT(deaths, 40U);
   RecordProperty("deaths", static_cast<int>(deaths - 1));
@@ -132,7 +110,7 @@ TEST_F(Faults, FailureOfAnyOperationEndsAsItShould) {
   EXPECT_EQ(Update(server.Url("/info.txt")), modPrincipal::Success);
   const auto operations = faulty_files::state.operations;
   auto next = steps.begin();
-  Tree left = Before;
+  Tree left = story.Before;
   for (std::size_t at = 1; at <= operations.size(); ++at) {
     SCOPED_TRACE(operations[at - 1]);
     Prepare();
@@ -140,7 +118,7 @@ TEST_F(Faults, FailureOfAnyOperationEndsAsItShould) {
     EXPECT_EQ(faulty_files::state.openFiles, 0);
     const bool matters = next != steps.end() && next->operation == operations[at - 1];
     EXPECT_EQ(message, matters ? next->outcome : modPrincipal::Success);
-    EXPECT_EQ(sandbox->Tree(), matters ? left : After);
+    EXPECT_EQ(sandbox->Tree(), matters ? left : story.After());
     if (!matters) continue;
     for (const auto& [name, content] : next->changes) left[name] = content;
     std::erase_if(left, [](const auto& file) { return file.second.empty(); });
@@ -224,7 +202,7 @@ TEST_F(Faults, HostileServersEndInTheRightText) {
       } else {
         tree.erase("a.tmp");
         tree.erase("new/b.tmp");
-        EXPECT_EQ(tree, Before);
+        EXPECT_EQ(tree, story.Before);
       }
 
       server.Serve("/info.txt", reply);
@@ -248,7 +226,7 @@ TEST_F(Faults, RunningOutOfMemoryIsAFailedDownload) {
   EXPECT_EQ(Update(server.Url("/info.txt")), modPrincipal::ScriptNotUnderstood);
   EXPECT_EQ(Update(server.Url("/lines.txt")), modPrincipal::ScriptNotUnderstood);
   faulty_files::largestAllocation = SIZE_MAX;
-  EXPECT_EQ(sandbox->Tree(), Before);
+  EXPECT_EQ(sandbox->Tree(), story.Before);
 }
 
 }  // namespace

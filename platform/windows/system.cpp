@@ -64,6 +64,7 @@ std::string DecimalSeparator() {
 std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder,
                            int showValue) {
+  if (file.size() > MAX_PATH) return SE_ERR_FNF;  // a shell may not be made for more
   // Shortcuts and documents may be opened through COM.
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
   const HINSTANCE code = ShellExecuteA(GetDesktopWindow(), verb.c_str(), file.c_str(),

@@ -18,6 +18,16 @@ std::string Hide(const std::string& path);
 /// The exit code of a process that was terminated with this one.
 [[nodiscard]] std::uint32_t CodeOfTerminated(std::uint32_t exitCode);
 
+/// What this process holds; the numbers stay as they are while nothing is kept. Linux: handles are
+/// file descriptors, and there are no graphics objects.
+struct Resources {
+  long handles = 0;
+  long threads = 0;
+  long graphicsObjects = 0;
+  long kilobytes = 0;  // of memory of its own
+};
+[[nodiscard]] Resources ResourcesInUse();
+
 /// Whether this is Wine in the place of Windows.
 [[nodiscard]] bool OnWine();
 

@@ -4,6 +4,7 @@
 
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 
 #include "platform/linux/paths.h"
 #include "tests/support/faults.h"
@@ -51,6 +52,18 @@ std::shared_ptr<void> Lock(const std::string& path) {
 
 std::uint32_t CodeOfTerminated(std::uint32_t /*exitCode*/) {
   return 128 + SIGKILL;
+}
+
+Resources ResourcesInUse() {
+  const auto entries = [](const char* folder) {
+    return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+  };
+  long pages = 0;
+  long resident = 0;
+  std::ifstream("/proc/self/statm") >> pages >> resident;
+  return {.handles = entries("/proc/self/fd"),
+          .threads = entries("/proc/self/task"),
+          .kilobytes = resident * sysconf(_SC_PAGESIZE) / 1024};
 }
 
 bool OnWine() {

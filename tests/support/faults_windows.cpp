@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <psapi.h>
+#include <tlhelp32.h>
 #include <wincrypt.h>
 
 #include <vector>
@@ -32,6 +34,29 @@ std::shared_ptr<void> Lock(const std::string& path) {
 
 std::uint32_t CodeOfTerminated(std::uint32_t exitCode) {
   return exitCode;
+}
+
+Resources ResourcesInUse() {
+  PROCESS_MEMORY_COUNTERS memory = {};
+  GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
+  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+  THREADENTRY32 thread = {};
+  thread.dwSize = sizeof thread;
+  long threads = 0;
+  for (BOOL more = Thread32First(snapshot, &thread); more != FALSE;
+       more = Thread32Next(snapshot, &thread)) {
+    if (thread.th32OwnerProcessID == GetCurrentProcessId()) ++threads;
+  }
+  CloseHandle(snapshot);
+  // Wine does not count handles, but gives out the lowest that is free.
+  const HANDLE newHandle = CreateEventA(nullptr, FALSE, FALSE, nullptr);
+  const HBRUSH newObject = CreateSolidBrush(RGB(1, 2, 3));
+  CloseHandle(newHandle);
+  DeleteObject(newObject);
+  return {.handles = static_cast<long>(reinterpret_cast<LONG_PTR>(newHandle) / 4),
+          .threads = threads,
+          .graphicsObjects = LOWORD(newObject),
+          .kilobytes = static_cast<long>(memory.PagefileUsage / 1024)};
 }
 
 bool OnWine() {

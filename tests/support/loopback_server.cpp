@@ -25,17 +25,17 @@ LoopbackServer::LoopbackServer() {
     acceptor.bind({any.address(), port}, failure);
   }
   acceptor.listen();
-  listener = std::thread([this] { Accept(); });
+  for (auto& worker : workers) worker = std::thread([this] { Work(); });
 }
 
 LoopbackServer::~LoopbackServer() {
   Release();
   stopping = true;
-  asio::error_code ignored;
-  tcp::socket wakeUp(context);
-  wakeUp.connect(acceptor.local_endpoint(), ignored);
-  listener.join();
-  for (auto& connection : connections) connection.join();
+  for (std::size_t i = 0; i < workers.size(); ++i) {
+    asio::error_code ignored;
+    tcp::socket(context).connect(acceptor.local_endpoint(), ignored);  // wakes one up
+  }
+  for (auto& worker : workers) worker.join();
 }
 
 std::string LoopbackServer::Url(const std::string& path) const {
@@ -74,12 +74,14 @@ bool LoopbackServer::SawUserAgent(const std::string& userAgent) {
   return lastRequest.find("User-Agent: " + userAgent + "\r\n") != std::string::npos;
 }
 
-void LoopbackServer::Accept() {
-  while (true) {
-    tcp::socket socket = acceptor.accept();
-    if (stopping) return;
-    connections.emplace_back(
-        [this, open = std::move(socket)]() mutable { Answer(std::move(open)); });
+tcp::socket LoopbackServer::NextConnection() {
+  const std::lock_guard lock(accepting);
+  return acceptor.accept();
+}
+
+void LoopbackServer::Work() {
+  for (tcp::socket socket = NextConnection(); !stopping; socket = NextConnection()) {
+    Answer(std::move(socket));
   }
 }
 

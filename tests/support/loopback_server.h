@@ -3,6 +3,7 @@
 // A strict HTTP server on loopback: it answers what the test says, in the way the test says, and
 // remembers every request.
 
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <map>
@@ -46,7 +47,8 @@ class LoopbackServer {
   [[nodiscard]] bool SawUserAgent(const std::string& userAgent);
 
  private:
-  void Accept();
+  asio::ip::tcp::socket NextConnection();
+  void Work();
   void Answer(asio::ip::tcp::socket socket);
 
   asio::io_context context;
@@ -58,6 +60,6 @@ class LoopbackServer {
   std::map<std::string, Reply> replies;  // by method and path
   std::vector<std::string> requests;
   std::string lastRequest;
-  std::vector<std::thread> connections;
-  std::thread listener;
+  std::mutex accepting;
+  std::array<std::thread, 8> workers;  // as many stalled replies as there may be
 };

@@ -2,13 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <random>
 
 #include "platform/system.h"
 #include "run/messages.h"
 #include "tests/support/faults.h"
-#include "tests/support/loopback_server.h"
-#include "tests/support/sandbox.h"
+#include "tests/support/update_story.h"
 #include "tests/windows/driver.h"
 
 namespace {
@@ -267,6 +268,100 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
             (Texts{"HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1",
                    "HEAD /updater HTTP/1.0", "HEAD /updater HTTP/1.0", "GET /updater HTTP/1.1",
                    "HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1"}));
+}
+
+TEST_F(Program, LosesNothingWhenItIsKilledAtAnyMoment) {
+  const char* wanted = std::getenv("KESTRANE_KILLS");
+  const int kills = wanted != nullptr ? std::atoi(wanted) : 12;
+  const unsigned seed = std::random_device()();
+  std::printf("%d kills, seed %u\n", kills, seed);
+  std::mt19937 random(seed);
+  const UpdateStory story(300'000);
+  DWORD duration = 0;  // milliseconds, of a run that nobody disturbs
+  for (int i = 0; i <= kills; ++i) {
+    SCOPED_TRACE(i);
+    const Sandbox files;
+    story.Prepare(server, files);
+    const DWORD start = GetTickCount();
+    Start({"none", "no"});
+    if (i == 0) {
+      ASSERT_TRUE(run->WaitForEnd());
+      duration = GetTickCount() - start;
+      EXPECT_EQ(files.Tree(), story.After());
+      continue;
+    }
+    Sleep(random() % duration);
+    run.reset();
+    const Tree left = files.Tree();
+    story.ExpectNothingLost(left);
+    Start({"none", "no"});
+    ASSERT_TRUE(run->WaitForEnd());
+    EXPECT_EQ(files.Tree(), story.AfterOnceMore(left));
+  }
+}
+
+TEST_F(Program, LoadsNoLibraryFromItsOwnFolder) {
+  const std::string log = "KESTRANE_LOAD_LOG=" + sandbox.Path("load.log");
+  putenv(const_cast<char*>(log.c_str()));
+  const std::string component = ReadWhole(OwnFolder() / "component.dll");
+  // What the system keeps a list of cannot be planted; these can.
+  for (const char* name :
+       {"crypt32", "cryptbase", "dnsapi", "iphlpapi", "mpr", "netapi32", "propsys", "secur32",
+        "url", "urlmon", "version", "wininet", "winhttp"}) {
+    sandbox.Write(std::string(name) + ".dll", component);
+  }
+  server.Serve("/f", {.body = "new"});
+  ServeScript("ADD|$AppPath\\f|" + server.Url("/f"));
+  Start();
+  EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+  Finish();
+  EXPECT_FALSE(sandbox.Has("load.log"));
+
+  ServeScript("REGISTER|$AppPath\\url.dll");
+  Start();
+  EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+  Finish();
+  EXPECT_EQ(sandbox.Read("load.log"), "loaded\n") << "the component itself is loaded";
+  putenv(const_cast<char*>("KESTRANE_LOAD_LOG="));
+}
+
+TEST_F(Program, IsHardenedInItsHeader) {
+  const char* image = kestrane.data();
+  const auto* start = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);
+  const auto& headers = *reinterpret_cast<const IMAGE_NT_HEADERS32*>(image + start->e_lfanew);
+  EXPECT_EQ(headers.Signature, IMAGE_NT_SIGNATURE);
+  EXPECT_EQ(headers.FileHeader.Characteristics & IMAGE_FILE_RELOCS_STRIPPED, 0);
+  EXPECT_EQ(headers.OptionalHeader.DllCharacteristics,
+            IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE | IMAGE_DLLCHARACTERISTICS_NX_COMPAT |
+                IMAGE_DLLCHARACTERISTICS_TERMINAL_SERVER_AWARE);
+  EXPECT_EQ(headers.OptionalHeader.Subsystem, IMAGE_SUBSYSTEM_WINDOWS_GUI);
+  EXPECT_LE(headers.OptionalHeader.MajorSubsystemVersion, 5);
+  EXPECT_NE(headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size, 0U);
+}
+
+TEST_F(Program, TakesTextsOfAnyLength) {
+  const std::string text(30'000, 'x');
+  const std::string longer = text + text + text;
+  server.Serve("/info.txt",
+               {.body = "1.0.3|" + longer + "\nNAME|" + longer + "\nVERSION|<|3.0.0\nMSG|" +
+                        longer + "|NOTHING\nDELETE|" + longer + "\nEXECUTE|" + longer +
+                        "|WAIT|HIDE\nREGISTER|" + longer + "\nKILL|" + longer});
+  Start({text.substr(0, 9000), "yes", text.substr(0, 10'000), text.substr(0, 10'000)});
+  ASSERT_TRUE(Eventually([] { return Box() != nullptr; }));
+  AnswerBox(IDOK);
+  EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+  Finish();
+}
+
+TEST_F(Program, CanBeCancelledWhenAServerSendsItInCircles) {
+  if (!faults::OnWine()) GTEST_SKIP() << "Windows itself ends a circle of redirections";
+  server.Serve("/info.txt", {.status = "302 Found", .headers = "Location: /info.txt\r\n"});
+  Start();
+  ASSERT_TRUE(Eventually([&] { return server.TakeRequests().size() > 1; }));
+  Click(btCancelar);
+  ASSERT_TRUE(Eventually([] { return Box() != nullptr; }));
+  AnswerBox(IDYES);
+  EXPECT_TRUE(run->WaitForEnd());
 }
 
 TEST_F(Program, KeepsToItsLayout) {

@@ -1,0 +1,52 @@
+// Whether many transfers in one process keep anything.
+
+#include <gtest/gtest.h>
+
+#include "platform/window.h"
+#include "run/progress_window.h"
+#include "run/run_state.h"
+#include "tests/support/faults.h"
+#include "tests/support/loopback_server.h"
+#include "tests/support/sandbox.h"
+#include "transfer/download.h"
+#include "transfer/http_probe.h"
+#include "transfer/url.h"
+
+namespace {
+
+using namespace modFunciones;
+
+TEST(Leaks, AThousandTransfersKeepNothing) {
+  constexpr int WarmUp = 200;
+  constexpr int Count = 1000;
+  constexpr long MemoryNoise = 1500;  // kilobytes
+  LoopbackServer server;
+  const Sandbox sandbox;
+  server.Serve("/f", {.body = std::string(5000, 'k')});
+  frmPrincipal::Load([] {});
+  platform::window::Show();
+  modPrincipal::TransferProgressOn = true;
+  modPrincipal::FileBytes = modPrincipal::TotalBytes = 5000;
+
+  faults::Resources before;
+  for (int i = 0; i < WarmUp + Count; ++i) {
+    if (i == WarmUp) before = faults::ResourcesInUse();
+    UrlParts = SplitUrl(server.Url(i % 100 == 0 ? "/missing" : "/f"));
+    (void)IsAvailable();
+    modPrincipal::FileBytesDone = modPrincipal::TotalBytesDone = 0;
+    const std::string target = sandbox.Path("f");
+    ASSERT_EQ(DownloadUrl(server.Url("/f"), target, UserAgentText, PreconfiguredAccess, ""),
+              target);
+    (void)DownloadUrl("http://127.0.0.1:1/", "", UserAgentText, PreconfiguredAccess, "");
+    (void)server.TakeRequests();
+  }
+  const faults::Resources after = faults::ResourcesInUse();
+  EXPECT_EQ(after.handles, before.handles);
+  EXPECT_EQ(after.threads, before.threads);
+  EXPECT_EQ(after.graphicsObjects, before.graphicsObjects);
+  EXPECT_LT(after.kilobytes, before.kilobytes + MemoryNoise);
+  std::printf("handles %ld, threads %ld, graphics objects %ld, %+ld KB\n", after.handles,
+              after.threads, after.graphicsObjects, after.kilobytes - before.kilobytes);
+}
+
+}  // namespace
