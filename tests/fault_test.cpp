@@ -51,7 +51,7 @@ TEST_F(Faults, DeathAnywhereLosesNothingAndTheNextRunCompletesTheUpdate) {
   for (std::uint32_t exitCode = faulty_files::Died; exitCode != 0;) {
     Prepare();
     const auto child = platform::processes::Start(
-        '"' + platform::system::ExecutableFolder() + "\\fault_tests.exe\" " +
+        '"' + platform::system::ExecutableFolder() + "\\fault_tests.exe\" die " +
             server.Url("/info.txt") + " " + std::to_string(++deaths),
         1);
     ASSERT_TRUE(child);
@@ -231,10 +231,10 @@ TEST_F(Faults, RunningOutOfMemoryIsAFailedDownload) {
 
 }  // namespace
 
-/// With arguments, a URL and the number of an operation, runs an update that dies there.
+/// fault_tests die URL NUMBER runs an update that dies in the operation of that number.
 int main(int argc, char** argv) {
-  if (argc == 3) {
-    return Update(argv[1], std::strtoul(argv[2], nullptr, 10), true) == modPrincipal::Success ? 0
+  if (argc == 4 && argv[1] == std::string("die")) {
+    return Update(argv[2], std::strtoul(argv[3], nullptr, 10), true) == modPrincipal::Success ? 0
                                                                                               : 1;
   }
   testing::InitGoogleTest(&argc, argv);
