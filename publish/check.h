@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "publish/findings.h"
+#include "publish/script_text.h"
+
+namespace publish {
+
+/// What the author knows and the script does not tell.
+struct Knowledge {
+  std::string newest;   // the newest release of the application; may be empty
+  std::string updater;  // the file of the updater that the header offers, its bytes; may be empty
+};
+
+/// Everything there is to know about a script, errors first, then by line.
+[[nodiscard]] Findings Check(const Script& script, const Knowledge& knowledge);
+
+/// The message with which the parser refuses the script, for one installed version at least; empty
+/// when it refuses none.
+[[nodiscard]] std::string Verdict(const Script& script);
+
+}  // namespace publish

@@ -1,0 +1,32 @@
+#pragma once
+
+// The three commands. Each reports on standard output and returns the exit status.
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "publish/make.h"
+
+namespace publish {
+
+struct CheckOptions {
+  std::string script;             // file or URL
+  std::string newest;             // newest release of the application, or ""
+  std::filesystem::path updater;  // file of the updater that the header offers, or ""
+  bool asJson = false;
+};
+[[nodiscard]] int RunCheck(const CheckOptions& options);
+
+struct SimulateOptions {
+  std::string script;  // file or URL
+  std::vector<std::string> installed;
+  bool all = false;  // every version that the script tells apart
+  bool probe = false;
+  bool asJson = false;
+};
+[[nodiscard]] int RunSimulate(const SimulateOptions& options);
+
+[[nodiscard]] int RunMake(const Order& order, bool asJson);
+
+}  // namespace publish

@@ -1,0 +1,88 @@
+#include "publish/folder.h"
+
+#include <algorithm>
+
+#include "platform/text.h"
+#include "publish/encoding.h"
+#include "publish/source.h"
+#include "publish/vocabulary.h"
+
+namespace publish {
+namespace {
+
+namespace fs = std::filesystem;
+
+// At the root of the folder; the header of the script brings the updater up to date.
+constexpr std::string_view UpdaterNames[] = {"kestrane.exe", "kestranetmp.exe"};
+
+/// The name below the folder with "/", in UTF-8.
+std::string NameIn(const fs::path& folder, const fs::path& file) {
+  const std::u8string name = file.lexically_relative(folder).generic_u8string();
+  return {name.begin(), name.end()};
+}
+
+/// Why a script cannot name a file; empty when it can.
+std::string WhyUnusable(const std::string& utf8Name) {
+  if (!FromUtf8(utf8Name)) return "has characters that Windows-1252 lacks";
+  const auto isControl = [](char character) { return character >= 0 && character < ' '; };
+  if (utf8Name.find_first_of("|<>:\"?*\\") != std::string::npos ||
+      std::any_of(utf8Name.begin(), utf8Name.end(), isControl)) {
+    return "has characters that no file of Windows may have";
+  }
+  for (const auto& macro : Macros) {
+    if (utf8Name.find(macro) != std::string::npos) return "holds a macro of the script";
+  }
+  return "";
+}
+
+bool IsUpdater(const std::string& lowerName) {
+  return std::find(std::begin(UpdaterNames), std::end(UpdaterNames), lowerName) !=
+         std::end(UpdaterNames);
+}
+
+bool HaveSameContent(const FolderFile& a, const FolderFile& b) {
+  std::error_code error;
+  return fs::file_size(a.path, error) == fs::file_size(b.path, error) &&
+         ReadFile(a.path) == ReadFile(b.path);
+}
+
+}  // namespace
+
+Folder ListFolder(const fs::path& folder, std::vector<std::string>& problems) {
+  Folder files;
+  std::error_code error;
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string name = NameIn(folder, entry->path());
+    const std::string why = WhyUnusable(name);
+    if (!why.empty()) problems.push_back("The name " + FromArgument(name) + " " + why + ".");
+    if (!why.empty() || entry->is_directory()) continue;
+    std::string ansiName = *FromUtf8(name);
+    std::replace(ansiName.begin(), ansiName.end(), '/', '\\');
+    const std::string lowerName = platform::text::LowerCase(ansiName);
+    if (IsUpdater(lowerName)) continue;
+    if (!files.insert({lowerName, {ansiName, entry->path()}}).second) {
+      problems.push_back("Another name differs from " + ansiName + " in letter case only.");
+    }
+  }
+  if (error) problems.push_back("The folder " + folder.string() + " cannot be read.");
+  return files;
+}
+
+Difference Compare(const Folder& oldFolder, const Folder& newFolder) {
+  Difference difference;
+  for (const auto& [key, file] : newFolder) {
+    const auto old = oldFolder.find(key);
+    if (old == oldFolder.end()) {
+      difference.added.push_back(file);
+    } else if (file.name != old->second.name || !HaveSameContent(file, old->second)) {
+      difference.changed.push_back(file);
+    }
+  }
+  for (const auto& [key, file] : oldFolder) {
+    if (!newFolder.contains(key)) difference.removed.push_back(file);
+  }
+  return difference;
+}
+
+}  // namespace publish

@@ -1,0 +1,98 @@
+#include "publish/history.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "publish/reading.h"
+#include "script/arrays.h"
+#include "script/replace.h"
+
+namespace publish {
+namespace {
+
+Lines LinesOf(const std::string& script) {
+  Lines lines = modFunciones::Split(modFunciones::ReplaceAll(script, "\r", ""), '\n');
+  if (!lines.empty() && lines.back().empty()) lines.pop_back();
+  return lines;
+}
+
+std::string TextOf(const Lines& lines) {
+  return lines.empty() ? "" : modFunciones::Join(lines, "\n") + "\n";
+}
+
+/// Index into the lines of the text.
+std::size_t IndexOf(const ScriptLine& line) {
+  return static_cast<std::size_t>(line.number - 1);
+}
+
+void Insert(std::string& script, std::size_t at, const Lines& added) {
+  Lines lines = LinesOf(script);
+  at = std::min(at, lines.size());
+  lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at), added.begin(), added.end());
+  script = TextOf(lines);
+}
+
+void Erase(std::string& script, std::size_t first, std::size_t end) {
+  Lines lines = LinesOf(script);
+  lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(first),
+              lines.begin() + static_cast<std::ptrdiff_t>(std::min(end, lines.size())));
+  script = TextOf(lines);
+}
+
+/// The block from a VERSION line up to the next one.
+void EraseBlock(std::string& script, const Script& cut, std::size_t opening) {
+  std::size_t next = opening + 1;
+  while (next < cut.lines.size() && CommandWord(cut.lines[next].fields) != "VERSION") ++next;
+  const std::size_t end = next < cut.lines.size() ? IndexOf(cut.lines[next]) : std::string::npos;
+  Erase(script, IndexOf(cut.lines[opening]), end);
+}
+
+void EraseBlocksLike(std::string& script, const std::string& versionLine) {
+  const Fields wanted = modFunciones::Split(versionLine, '|');
+  const Script cut = CutWithNumbers(script);
+  for (std::size_t i = cut.lines.size(); i-- > 1;) {
+    if (cut.lines[i].fields == wanted) EraseBlock(script, cut, i);
+  }
+}
+
+/// Where the first block begins that takes effect for the version.
+std::optional<std::size_t> BlockInTheWay(const Script& script, const std::string& version) {
+  const Reading reading = ReadFor(script, version, false);
+  if (reading.actions.empty()) return std::nullopt;
+  std::size_t line = reading.actions.front().line;
+  while (CommandWord(script.lines[line].fields) != "VERSION") --line;
+  return IndexOf(script.lines[line]);
+}
+
+}  // namespace
+
+void SetHeader(std::string& script, const std::string& header) {
+  const Script cut = CutWithNumbers(script);
+  const std::size_t at = cut.lines.empty() ? 0 : IndexOf(cut.lines[0]);
+  if (!cut.lines.empty()) Erase(script, at, at + 1);
+  Insert(script, at, {header});
+}
+
+void SetName(std::string& script, const std::string& name) {
+  const Script cut = CutWithNumbers(script);
+  const auto found = std::find_if(cut.lines.begin() + 1, cut.lines.end(), [](const auto& line) {
+    return CommandWord(line.fields) == "NAME";
+  });
+  const bool isThere = found != cut.lines.end();
+  const std::size_t at = isThere ? IndexOf(*found) : IndexOf(cut.lines[0]) + 1;
+  if (isThere) Erase(script, at, at + 1);
+  Insert(script, at, {"NAME|" + name});
+}
+
+void PutBlock(std::string& script, const Lines& block, const std::string& version) {
+  EraseBlocksLike(script, block.front());
+  const auto inTheWay = BlockInTheWay(CutWithNumbers(script), version);
+  Insert(script, inTheWay.value_or(std::string::npos), block);
+}
+
+void AppendBlock(std::string& script, const Lines& block) {
+  EraseBlocksLike(script, block.front());
+  Insert(script, std::string::npos, block);
+}
+
+}  // namespace publish

@@ -1,0 +1,35 @@
+#pragma once
+
+// A script as the program's own parser reads it for an installed version. Nothing of it is carried
+// out: the part of the program that carries actions out is no part of this tool.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "publish/script_text.h"
+
+namespace publish {
+
+/// An action line that takes effect.
+struct TakenAction {
+  std::size_t line = 0;    // index into Script::lines
+  bool immediate = false;  // carried out while the script is read
+  std::int32_t size = 0;   // bytes to download, where the server was asked
+};
+
+struct Reading {
+  std::string failure;  // the message that the user would meet, or ""
+  std::string name;     // what the window would show
+  std::vector<TakenAction> actions;
+};
+
+/// What the parser makes of the script. probe: ask the server for every file, with two HEAD
+/// requests each, as the program does; otherwise every file counts as available.
+[[nodiscard]] Reading ReadFor(const Script& script, const std::string& installed, bool probe);
+
+/// True when the parser refuses a script for the sake of this line, the header or a command.
+[[nodiscard]] bool IsRefused(const Fields& line, bool isHeader);
+
+}  // namespace publish

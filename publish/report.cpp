@@ -1,0 +1,160 @@
+#include "publish/report.h"
+
+#include <algorithm>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "publish/encoding.h"
+#include "publish/terminal.h"
+#include "script/arrays.h"
+
+namespace publish {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* LatestVersion = "999.999.999";
+
+struct SeverityLook {
+  const char* word;
+  const char* colour;
+};
+constexpr SeverityLook Looks[] = {{"error", "\033[31m"}, {"warning", "\033[33m"}};
+
+const SeverityLook& LookOf(Severity severity) {
+  return Looks[static_cast<std::size_t>(severity)];
+}
+
+std::string Coloured(const std::string& text, const char* colour) {
+  static const bool inColour = IsTerminal(Stream::Output);
+  return inColour ? colour + text + "\033[0m" : text;
+}
+
+std::size_t Count(const Findings& findings, Severity severity) {
+  return static_cast<std::size_t>(
+      std::count_if(findings.begin(), findings.end(),
+                    [&](const Finding& finding) { return finding.severity == severity; }));
+}
+
+std::string Number(std::int64_t number, const char* unit) {
+  std::string digits = std::to_string(number);
+  for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, ",");
+  return digits + " " + unit + (number == 1 ? "" : "s");
+}
+
+Json AsJson(const Finding& finding) {
+  return {{"severity", LookOf(finding.severity).word},
+          {"line", finding.line},
+          {"text", ToUtf8(finding.text)}};
+}
+
+std::string InstalledText(const Outcome& outcome) {
+  if (outcome.first.empty()) return "no valid version";
+  if (outcome.first == outcome.last) return outcome.first;
+  if (outcome.last == LatestVersion) return outcome.first + " and later";
+  return outcome.first + " to " + outcome.last;
+}
+
+/// The marker stands apart, so that the command word is always found in the same place.
+Json AsJson(const TakenAction& action, const ScriptLine& line, bool probed) {
+  Json arguments = Json::array();
+  for (std::size_t i = 1; i < line.fields.size(); ++i) arguments.push_back(ToUtf8(line.fields[i]));
+  Json json = {{"line", line.number},
+               {"immediate", action.immediate},
+               {"command", ToUtf8(CommandWord(line.fields))},
+               {"arguments", arguments}};
+  if (probed) json["bytes"] = action.size;
+  return json;
+}
+
+Json AsJson(const Script& script, const Outcome& outcome, bool probed) {
+  Json actions = Json::array();
+  for (const auto& action : outcome.reading.actions) {
+    actions.push_back(AsJson(action, script.lines[action.line], probed));
+  }
+  Json json = {{"from", ToUtf8(outcome.first)},
+               {"to", ToUtf8(outcome.last)},
+               {"name", ToUtf8(outcome.reading.name)},
+               {"refused", !outcome.reading.failure.empty()},
+               {"actions", actions},
+               {"finalScreen", ToUtf8(outcome.finalScreen)}};
+  if (probed) json["bytes"] = outcome.bytes;
+  return json;
+}
+
+void PrintAction(const TakenAction& action, const ScriptLine& line, bool probed) {
+  const std::string number = std::to_string(line.number);
+  std::cout << "  line " << std::string(number.size() < 4 ? 4 - number.size() : 0, ' ') << number
+            << (action.immediate ? "  at once  " : "           ");
+  Fields shown = line.fields;
+  shown[0] = CommandWord(line.fields);
+  std::cout << ToUtf8(modFunciones::Join(shown, "  "));
+  if (probed && action.size > 0) std::cout << "  (" << Number(action.size, "byte") << ")";
+  std::cout << "\n";
+}
+
+void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
+  std::cout << Coloured("Installed: " + ToUtf8(InstalledText(outcome)), "\033[1m") << "\n";
+  const bool isRefused = !outcome.reading.failure.empty();
+  if (!outcome.reading.actions.empty()) {
+    std::cout << "  in the window: " << ToUtf8(outcome.reading.name) << "\n";
+  }
+  for (const auto& action : outcome.reading.actions) {
+    // What was only noted down when the script was refused is never carried out.
+    if (isRefused && !action.immediate) continue;
+    PrintAction(action, script.lines[action.line], probed);
+  }
+  if (probed && !isRefused) std::cout << "  in all " << Number(outcome.bytes, "byte") << "\n";
+  std::cout << "  final screen: " << ToUtf8(outcome.finalScreen) << "\n\n";
+}
+
+}  // namespace
+
+void ReportFindings(const std::string& scriptName, const std::string& verdict,
+                    const Findings& findings, bool asJson) {
+  const auto errors = Count(findings, Severity::Error);
+  const auto warnings = Count(findings, Severity::Warning);
+  if (asJson) {
+    Json json = {{"script", ToUtf8(scriptName)},
+                 {"verdict", ToUtf8(verdict)},
+                 {"errors", errors},
+                 {"warnings", warnings},
+                 {"findings", Json::array()}};
+    for (const auto& finding : findings) json["findings"].push_back(AsJson(finding));
+    std::cout << json.dump(2) << "\n";
+    return;
+  }
+  for (const auto& [severity, line, text] : findings) {
+    const auto& look = LookOf(severity);
+    std::cout << Coloured(look.word, look.colour) << ": "
+              << (line > 0 ? "line " + std::to_string(line) + ": " : "") << ToUtf8(text) << "\n";
+  }
+  std::cout << ToUtf8(scriptName) << ": " << Number(static_cast<std::int64_t>(errors), "error")
+            << ", " << Number(static_cast<std::int64_t>(warnings), "warning") << "; the updater "
+            << (verdict.empty() ? "understands it" : "refuses it: " + ToUtf8(verdict)) << "\n";
+}
+
+void ReportOutcomes(const Script& script, const std::vector<Outcome>& outcomes, bool probed,
+                    bool asJson) {
+  const Fields& header = script.lines.front().fields;
+  if (asJson) {
+    Json json = {
+        {"updater", {{"version", ToUtf8(FieldAt(header, 0))}, {"url", ToUtf8(FieldAt(header, 1))}}},
+        {"installed", Json::array()}};
+    for (const auto& outcome : outcomes) {
+      json["installed"].push_back(AsJson(script, outcome, probed));
+    }
+    std::cout << json.dump(2) << "\n";
+    return;
+  }
+  std::cout << "An updater older than " << ToUtf8(FieldAt(header, 0))
+            << " first replaces itself from " << ToUtf8(FieldAt(header, 1)) << "\n\n";
+  for (const auto& outcome : outcomes) PrintOutcome(script, outcome, probed);
+}
+
+int StatusOf(const Findings& findings) {
+  if (Count(findings, Severity::Error) > 0) return 2;
+  return findings.empty() ? 0 : 1;
+}
+
+}  // namespace publish

@@ -1,0 +1,33 @@
+#include "publish/script_text.h"
+
+#include "platform/text.h"
+#include "script/arrays.h"
+#include "script/parser.h"
+
+namespace publish {
+
+Script CutWithNumbers(std::string text) {
+  Script script = {std::move(text), {}};
+  int number = 0;
+  for (const auto& line : modFunciones::Split(script.text, '\n')) {
+    ++number;
+    for (auto& fields : modPrincipal::CutScript(line)) {  // one, unless the line does not count
+      script.lines.push_back({number, std::move(fields)});
+    }
+  }
+  return script;
+}
+
+std::string CommandWord(const Fields& fields) {
+  return platform::text::UpperCase(FieldAt(fields, 0).substr(HasMarker(fields) ? 1 : 0));
+}
+
+bool HasMarker(const Fields& fields) {
+  return FieldAt(fields, 0).starts_with('!');
+}
+
+std::string FieldAt(const Fields& fields, std::size_t index) {
+  return index < fields.size() ? fields[index] : "";
+}
+
+}  // namespace publish

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "publish/reading.h"
+
+namespace publish {
+
+/// What the user of an installed version meets.
+struct Outcome {
+  std::string first;  // the installed versions from first to last; empty: one that is no version
+  std::string last;
+  Reading reading;
+  std::string finalScreen;  // its text, if nothing fails later
+  std::int64_t bytes = 0;   // to download, where the server was asked
+};
+
+[[nodiscard]] Outcome Simulate(const Script& script, const std::string& installed, bool probe);
+
+/// One outcome for each range of versions that meet the same.
+[[nodiscard]] std::vector<Outcome> SimulateAll(const Script& script, bool probe);
+
+}  // namespace publish

@@ -1,0 +1,60 @@
+#include "publish/version_range.h"
+
+#include <set>
+
+#include "script/version.h"
+
+namespace publish {
+namespace {
+
+// Version numbers have 8, 9 or 10 digits, of which the first is a 1.
+constexpr std::int64_t Edges[] = {10'000'000,  19'999'999,    100'000'000,
+                                  199'999'999, 1'000'000'000, 1'999'999'999};
+
+std::string WithoutZeros(const std::string& part) {
+  const auto digit = part.find_first_not_of('0');
+  return digit == std::string::npos ? "0" : part.substr(digit);
+}
+
+/// The version that has a number; empty when none has.
+std::string VersionOf(std::int64_t number) {
+  const std::string digits = std::to_string(number);
+  if (digits.size() < 8 || digits.front() != '1') return "";
+  const auto minor = digits.size() - 6;
+  return digits.substr(1, minor - 1) + "." + WithoutZeros(digits.substr(minor, 3)) + "." +
+         WithoutZeros(digits.substr(minor + 3));
+}
+
+std::int64_t NumberOfLine(const ScriptLine& line) {
+  const bool isVersion = CommandWord(line.fields) == "VERSION";
+  return isVersion ? modPrincipal::VersionToNumber(FieldAt(line.fields, 2)) : 0;
+}
+
+}  // namespace
+
+std::vector<std::string> VersionsToldApart(const Script& script) {
+  std::set<std::int64_t> numbers(std::begin(Edges), std::end(Edges));
+  for (const auto& line : script.lines) {
+    const std::int64_t number = NumberOfLine(line);
+    if (number != 0) numbers.insert({number - 1, number, number + 1});
+  }
+  std::vector<std::string> versions = {""};
+  for (const std::int64_t number : numbers) {
+    const std::string version = VersionOf(number);
+    if (!version.empty()) versions.push_back(version);
+  }
+  return versions;
+}
+
+std::string GreatestNamed(const Script& script) {
+  std::int64_t greatest = 0;
+  std::string version;
+  for (const auto& line : script.lines) {
+    if (NumberOfLine(line) <= greatest) continue;
+    greatest = NumberOfLine(line);
+    version = FieldAt(line.fields, 2);
+  }
+  return version;
+}
+
+}  // namespace publish
