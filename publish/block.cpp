@@ -11,7 +11,7 @@ namespace {
 
 using platform::text::LowerCase;
 
-std::string PathOf(const std::string& name) {
+std::string Installed(const std::string& name) {
   return "$AppPath\\" + name;
 }
 
@@ -38,7 +38,7 @@ void PutFiles(const std::vector<FolderFile>& files, bool mayBeThere, const Wishe
               Lines& block) {
   for (const auto& file : files) {
     const bool replaces = mayBeThere && !AreAmong(wishes.backups, file.name);
-    block.push_back((replaces ? "UPDATE|" : "ADD|") + PathOf(file.name) + "|" +
+    block.push_back((replaces ? "UPDATE|" : "ADD|") + Installed(file.name) + "|" +
                     UrlBelow(wishes.url, file.name));
   }
 }
@@ -46,7 +46,7 @@ void PutFiles(const std::vector<FolderFile>& files, bool mayBeThere, const Wishe
 void RegisterComponents(const char* word, const std::vector<FolderFile>& files,
                         const Wishes& wishes, Lines& block) {
   for (const auto& file : files) {
-    if (AreAmong(wishes.components, file.name)) block.push_back(word + PathOf(file.name));
+    if (AreAmong(wishes.components, file.name)) block.push_back(word + Installed(file.name));
   }
 }
 
@@ -59,7 +59,7 @@ Lines BlockFor(const std::string& comparator, const std::string& version,
   RegisterComponents("UNREGISTER|", difference.removed, wishes, block);
   PutFiles(difference.changed, true, wishes, block);
   PutFiles(difference.added, false, wishes, block);
-  for (const auto& file : difference.removed) block.push_back("DELETE|" + PathOf(file.name));
+  for (const auto& file : difference.removed) block.push_back("DELETE|" + Installed(file.name));
   RegisterComponents("REGISTER|", difference.changed, wishes, block);
   RegisterComponents("REGISTER|", difference.added, wishes, block);
   block.insert(block.end(), wishes.lastLines.begin(), wishes.lastLines.end());

@@ -160,7 +160,7 @@ Remark UnusableUrl(const Line& line) {
     return {Severity::Error, line.word + " names no URL, so that its download fails."};
   }
   if (url.empty()) return {};
-  const auto parts = modFunciones::SplitUrl(url);
+  const auto parts = modFunciones::SplitUrl(url.substr(IsUrl(url) ? url.find("//") + 2 : 0));
   const bool usable =
       IsUrl(url) && !parts.empty() && !parts[0].empty() && modFunciones::PortNumber(parts[1]);
   if (usable) return {};

@@ -31,7 +31,7 @@ std::filesystem::path UpdaterAtHand(const std::filesystem::path& scriptFile, con
   // The longest end of the URL that is a file below the script's folder.
   for (auto slash = url.find('/'); slash != std::string::npos; slash = url.find('/')) {
     url.erase(0, slash + 1);
-    const auto file = scriptFile.parent_path() / url;
+    const auto file = scriptFile.parent_path() / PathOf(url);
     std::error_code error;
     if (!url.starts_with('/') && std::filesystem::is_regular_file(file, error)) return file;
   }
@@ -40,9 +40,9 @@ std::filesystem::path UpdaterAtHand(const std::filesystem::path& scriptFile, con
 
 Findings CheckFile(const std::string& name, const Script& script, const std::string& newest,
                    std::filesystem::path updater, bool asJson) {
-  if (updater.empty() && !IsUrl(name)) updater = UpdaterAtHand(name, script);
+  if (updater.empty() && !IsUrl(name)) updater = UpdaterAtHand(PathOf(name), script);
   Findings findings = Check(script, {newest, ReadFile(updater).value_or("")});
-  ReportFindings(name, Verdict(script), findings, asJson);
+  ReportFindings(Shown(name), Verdict(script), findings, asJson);
   return findings;
 }
 
@@ -52,7 +52,7 @@ int RunCheck(const CheckOptions& options) {
   const auto script = Load(options.script);
   if (!script) return Failed;
   return StatusOf(
-      CheckFile(options.script, *script, options.newest, options.updater, options.asJson));
+      CheckFile(options.script, *script, options.newest, PathOf(options.updater), options.asJson));
 }
 
 int RunSimulate(const SimulateOptions& options) {
@@ -78,7 +78,7 @@ int RunMake(const Order& order, bool asJson) {
   const auto problems = Make(order);
   for (const auto& problem : problems) std::cerr << ToUtf8(problem) << "\n";
   if (!problems.empty()) return Failed;
-  const std::string name = (order.site / ScriptName).string();
+  const std::string name = Utf8Of(order.site / ScriptName);
   const auto script = Load(name);
   return script ? StatusOf(CheckFile(name, *script, order.to, {}, asJson)) : Failed;
 }

@@ -2,7 +2,6 @@
 
 // The three commands. Each reports on standard output and returns the exit status.
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -10,10 +9,11 @@
 
 namespace publish {
 
+/// Paths are in UTF-8.
 struct CheckOptions {
-  std::string script;             // file or URL
-  std::string newest;             // newest release of the application, or ""
-  std::filesystem::path updater;  // file of the updater that the header offers, or ""
+  std::string script;   // file or URL
+  std::string newest;   // newest release of the application, or ""
+  std::string updater;  // file of the updater that the header offers, or ""
   bool asJson = false;
 };
 [[nodiscard]] int RunCheck(const CheckOptions& options);

@@ -82,8 +82,17 @@ std::optional<std::string> FromUtf8(std::string_view value) {
   return converted;
 }
 
-std::string FromArgument(const std::string& argument) {
-  return FromUtf8(argument).value_or(argument);
+std::string Shown(const std::string& value) {
+  return FromUtf8(value).value_or(value);
+}
+
+std::filesystem::path PathOf(const std::string& utf8) {
+  return {std::u8string(utf8.begin(), utf8.end())};
+}
+
+std::string Utf8Of(const std::filesystem::path& path) {
+  const std::u8string text = path.generic_u8string();
+  return {text.begin(), text.end()};
 }
 
 bool IsUnassigned(char byte) {

@@ -3,6 +3,7 @@
 // Between the program's code page, Windows-1252, and UTF-8, which terminals, build servers and file
 // systems speak.
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,8 +17,12 @@ namespace publish {
 /// page lacks.
 [[nodiscard]] std::optional<std::string> FromUtf8(std::string_view value);
 
-/// An argument of the command line in the code page; one that is no UTF-8 is in it already.
-[[nodiscard]] std::string FromArgument(const std::string& argument);
+/// FromUtf8 for texts that are shown: what cannot be converted stays as it is.
+[[nodiscard]] std::string Shown(const std::string& value);
+
+/// A path in UTF-8 as the standard library takes it, and the other way round.
+[[nodiscard]] std::filesystem::path PathOf(const std::string& utf8);
+[[nodiscard]] std::string Utf8Of(const std::filesystem::path& path);
 
 /// True for a byte that no character of the code page has.
 [[nodiscard]] bool IsUnassigned(char byte);

@@ -15,12 +15,6 @@ namespace fs = std::filesystem;
 // At the root of the folder; the header of the script brings the updater up to date.
 constexpr std::string_view UpdaterNames[] = {"kestrane.exe", "kestranetmp.exe"};
 
-/// The name below the folder with "/", in UTF-8.
-std::string NameIn(const fs::path& folder, const fs::path& file) {
-  const std::u8string name = file.lexically_relative(folder).generic_u8string();
-  return {name.begin(), name.end()};
-}
-
 /// Why a script cannot name a file; empty when it can.
 std::string WhyUnusable(const std::string& utf8Name) {
   if (!FromUtf8(utf8Name)) return "has characters that Windows-1252 lacks";
@@ -53,9 +47,9 @@ Folder ListFolder(const fs::path& folder, std::vector<std::string>& problems) {
   std::error_code error;
   for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
-    const std::string name = NameIn(folder, entry->path());
+    const std::string name = Utf8Of(entry->path().lexically_relative(folder));
     const std::string why = WhyUnusable(name);
-    if (!why.empty()) problems.push_back("The name " + FromArgument(name) + " " + why + ".");
+    if (!why.empty()) problems.push_back("The name " + Shown(name) + " " + why + ".");
     if (!why.empty() || entry->is_directory()) continue;
     std::string ansiName = *FromUtf8(name);
     std::replace(ansiName.begin(), ansiName.end(), '/', '\\');
@@ -65,7 +59,7 @@ Folder ListFolder(const fs::path& folder, std::vector<std::string>& problems) {
       problems.push_back("Another name differs from " + ansiName + " in letter case only.");
     }
   }
-  if (error) problems.push_back("The folder " + folder.string() + " cannot be read.");
+  if (error) problems.push_back("The folder " + Shown(Utf8Of(folder)) + " cannot be read.");
   return files;
 }
 

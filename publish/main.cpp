@@ -1,15 +1,15 @@
 // The command line of kestrane-publish.
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 
 #include "publish/commands.h"
+#include "publish/console.h"
 #include "publish/encoding.h"
 
 namespace {
-
-using publish::FromArgument;
 
 constexpr int Failed = 2;
 
@@ -47,9 +47,12 @@ void DefineSimulate(CLI::App& app, publish::SimulateOptions& options) {
       "  kestrane-publish simulate https://updates.example/ledger/update.txt --matrix --probe");
 }
 
-/// Arguments as they are given, in the encoding of the command line.
+/// Paths and texts as they are given, in UTF-8.
 struct MakeArguments {
   publish::Order order;
+  std::string oldFolder;
+  std::string newFolder;
+  std::string site = "site";
   std::vector<std::string> updater;
   bool asJson = false;
 };
@@ -57,13 +60,12 @@ struct MakeArguments {
 void DefineMake(CLI::App& app, MakeArguments& arguments) {
   auto& order = arguments.order;
   auto* command = app.add_subcommand("make", "Make the update that turns one folder into another");
-  command->add_option("OLD", order.oldFolder, "Folder of the old version")->required();
-  command->add_option("NEW", order.newFolder, "Folder of the new version")->required();
+  command->add_option("OLD", arguments.oldFolder, "Folder of the old version")->required();
+  command->add_option("NEW", arguments.newFolder, "Folder of the new version")->required();
   command->add_option("--url", order.url, "Where the upload folder will be found")->required();
   command->add_option("--from", order.from, "Old version")->required();
   command->add_option("--to", order.to, "New version")->required();
-  order.site = "site";
-  command->add_option("--site", order.site, "Upload folder; a script in it is continued")
+  command->add_option("--site", arguments.site, "Upload folder; a script in it is continued")
       ->capture_default_str();
   command->add_option("--name", order.name, "Name of the application in the window");
   command
@@ -95,15 +97,25 @@ void DefineMake(CLI::App& app, MakeArguments& arguments) {
       "    --then 'EXECUTE|$AppPath\\ledger.exe /migrate|WAIT|HIDE'");
 }
 
+/// A text that goes into the script.
+std::string TextOf(const std::string& utf8) {
+  const auto text = publish::FromUtf8(utf8);
+  if (!text) throw CLI::ValidationError(utf8, "has characters that Windows-1252 lacks");
+  return *text;
+}
+
 int RunMake(MakeArguments arguments) {
   auto& order = arguments.order;
-  order.name = FromArgument(order.name);
+  order.oldFolder = publish::PathOf(arguments.oldFolder);
+  order.newFolder = publish::PathOf(arguments.newFolder);
+  order.site = publish::PathOf(arguments.site);
+  order.name = TextOf(order.name);
   if (arguments.updater.size() == 2) {
     order.updaterUrl = arguments.updater[0];
     order.updaterVersion = arguments.updater[1];
   }
   for (auto* texts : {&order.wishes.backups, &order.wishes.components, &order.wishes.lastLines}) {
-    for (auto& text : *texts) text = FromArgument(text);
+    for (auto& text : *texts) text = TextOf(text);
   }
   return publish::RunMake(order, arguments.asJson);
 }
@@ -120,13 +132,15 @@ int Run(int argc, char** argv) {
   DefineSimulate(app, simulate);
   DefineMake(app, make);
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> arguments = publish::Arguments(argc, argv);
+    std::reverse(arguments.begin(), arguments.end());  // as the library wants them
+    app.parse(std::move(arguments));
+    if (app.got_subcommand("check")) return publish::RunCheck(check);
+    if (app.got_subcommand("simulate")) return publish::RunSimulate(simulate);
+    return RunMake(std::move(make));
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : Failed;
   }
-  if (app.got_subcommand("check")) return publish::RunCheck(check);
-  if (app.got_subcommand("simulate")) return publish::RunSimulate(simulate);
-  return RunMake(std::move(make));
 }
 
 }  // namespace

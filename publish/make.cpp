@@ -44,7 +44,7 @@ void CheckOrder(const Order& order, Problems& problems) {
   }
   if (!IsUrl(order.url)) problems.push_back(order.url + " is no http or https URL.");
   for (const auto& folder : {order.oldFolder, order.newFolder}) {
-    if (!fs::is_directory(folder)) problems.push_back(folder.string() + " is no folder.");
+    if (!fs::is_directory(folder)) problems.push_back(Shown(Utf8Of(folder)) + " is no folder.");
   }
 }
 
@@ -159,7 +159,8 @@ bool CopyFiles(const Plan& plan, const std::vector<FolderFile>& files) {
 
 /// The script comes last, and in one piece: it names files that have to be there.
 bool WriteScript(const fs::path& path, const std::string& script) {
-  const fs::path unfinished = path.string() + ".new";
+  fs::path unfinished = path;
+  unfinished += ".new";
   if (!(std::ofstream(unfinished, std::ios::binary) << script << std::flush)) return false;
   std::error_code error;
   fs::rename(unfinished, path, error);

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "publish/terminal.h"
+#include "publish/console.h"
 
 namespace publish {
 namespace {

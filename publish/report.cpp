@@ -4,8 +4,8 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "publish/console.h"
 #include "publish/encoding.h"
-#include "publish/terminal.h"
 #include "script/arrays.h"
 
 namespace publish {

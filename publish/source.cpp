@@ -5,6 +5,7 @@
 
 #include "platform/http.h"
 #include "platform/text.h"
+#include "publish/encoding.h"
 #include "transfer/http_probe.h"
 #include "transfer/url.h"
 
@@ -40,7 +41,7 @@ bool IsUrl(const std::string& text) {
 }
 
 std::optional<std::string> Fetch(const std::string& fileOrUrl) {
-  return IsUrl(fileOrUrl) ? Download(fileOrUrl) : ReadFile(fileOrUrl);
+  return IsUrl(fileOrUrl) ? Download(fileOrUrl) : ReadFile(PathOf(fileOrUrl));
 }
 
 std::optional<std::string> ReadFile(const std::filesystem::path& path) {

@@ -95,6 +95,38 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
                    "HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1"}));
 }
 
+TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
+  sandbox.Fill({{"old/app.exe", "1"}, {"old/same", "="}, {"old/gone", "1"}, {"old/data", "1"}});
+  sandbox.Fill({{"new/app.exe", "2"}, {"new/same", "="}, {"new/d e/f", "2"}, {"new/data", ""}});
+  const auto made = processes::Start(
+      '"' + (ownFolder / "../kestrane-publish").string() + "\" make \"" +
+          sandbox.Folder("old").string() + "\" \"" + sandbox.Folder("new").string() +
+          "\" --site \"" + sandbox.Folder("site").string() + "\" --url " + server.Url("") +
+          " --from 2.7.1 --to 3.0.0 --updater http://127.0.0.1/k 1.0.3",
+      1);
+  ASSERT_TRUE(made && Eventually([&] { return processes::HasEnded(made->process); }));
+  server.Serve("/KDvelomar2.txt", {.body = sandbox.Read("site/update.txt")});
+  server.Serve("/3.0.0/d%20e/f", {.body = sandbox.Read("site/3.0.0/d e/f")});
+  server.Serve("/3.0.0/app.exe", {.body = sandbox.Read("site/3.0.0/app.exe")});
+  server.Serve("/3.0.0/data", {.body = ""});
+  // The updater brings the folder up to date in which it is.
+  std::filesystem::copy(sandbox.Folder("old"), sandbox.Folder("."),
+                        std::filesystem::copy_options::recursive);
+  for (const char* folder : {"old", "new", "site"}) {
+    std::filesystem::remove_all(sandbox.Folder(folder));
+  }
+  Start("no");
+  EXPECT_TRUE(Eventually([&] { return HasEnded() && sandbox.Has("kt-app.exe.log"); }));
+  EXPECT_EQ(sandbox.Tree(), (Tree{{"Kestrane.exe", Shown(kestrane)},
+                                  {"kt-app.exe", Shown(helper)},
+                                  {"kt-app.exe.log", "launched\n"},
+                                  {"a.exe", "old"},
+                                  {"app.exe", "2"},
+                                  {"same", "="},
+                                  {"d e/f", "2"},
+                                  {"data", ""}}));
+}
+
 TEST_F(Program, LeavesTheTreeAsItWasWhenADownloadBreaks) {
   server.Serve("/cut", {.body = "longer than this", .cutAt = 6, .stalls = true});
   server.Serve("/KDvelomar2.txt",

@@ -63,6 +63,8 @@ class Sandbox {
     std::replace(path.begin(), path.end(), '/', '\\');
     return path;
   }
+  /// The same for the standard library.
+  [[nodiscard]] std::filesystem::path Folder(const std::string& name) const { return root / name; }
   void Write(const std::string& name, const std::string& content) const {
     std::filesystem::create_directories((root / name).parent_path());
     std::ofstream(root / name, std::ios::binary) << content;
@@ -83,7 +85,7 @@ class Sandbox {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
       if (!entry.is_regular_file()) continue;
       const std::string name = entry.path().lexically_relative(root).generic_string();
-      tree[name] = Shown(Read(name));
+      tree[name] = Shown(ReadWhole(entry.path()));
     }
     return tree;
   }

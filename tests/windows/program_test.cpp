@@ -186,6 +186,35 @@ TEST_F(Program, EndsSilentlyWhenItIsToldTo) {
   EXPECT_TRUE(Eventually([&] { return sandbox.Has("kt-app.exe.log"); }));
 }
 
+TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
+  const Tree oldFiles = {{"app.exe", "1"}, {"same", "="}, {"b c/gone", "1"}, {"data", "1"}};
+  const Tree newFiles = {
+      {"app.exe", "2"}, {"same", "="}, {"b c/\xF1 #%.txt", "2"}, {"data", ""}, {"d/e/f", "2"}};
+  for (const auto& [name, content] : oldFiles) sandbox.Write("old/" + name, content);
+  for (const auto& [name, content] : newFiles) sandbox.Write("new/" + name, content);
+  const ProgramRun made(ownFolder + "\\..\\kestrane-publish.exe",
+                        {"make", sandbox.Path("old"), sandbox.Path("new"), "--site",
+                         sandbox.Path("site"), "--url", server.Url(""), "--from", "2.7.1", "--to",
+                         "3.0.0", "--updater", server.Url("/Kestrane.exe"), "1.0.3"});
+  ASSERT_TRUE(made.WaitForEnd());
+  server.Serve("/info.txt", {.body = sandbox.Read("site/update.txt")});
+  server.Serve("/3.0.0/b%20c/%C3%B1%20%23%25.txt", {.body = "2"});
+  for (const std::string name : {"app.exe", "data", "d/e/f"}) {
+    server.Serve("/3.0.0/" + name, {.body = sandbox.Read("site/3.0.0/" + name)});
+  }
+  for (const char* folder : {"new", "site"}) std::filesystem::remove_all(sandbox.Folder(folder));
+  sandbox.Write("old/Kestrane.exe", kestrane);
+  run = std::make_unique<ProgramRun>(sandbox.Path("old/Kestrane.exe"),
+                                     Texts{"2.7.1", sandbox.Path("old"), server.Url("/info.txt")});
+  EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+  Finish();
+  Tree expected = {{"Kestrane.exe", Shown(kestrane)}, {"old/Kestrane.exe", Shown(kestrane)}};
+  for (const auto& [name, content] : newFiles) expected["old/" + name] = content;
+  expected["old/b c/\xC3\xB1 #%.txt"] = "2";  // names come in UTF-8
+  expected.erase("old/b c/\xF1 #%.txt");
+  EXPECT_EQ(sandbox.Tree(), expected);
+}
+
 TEST_F(Program, IsCancelledOnlyWhenTheUserMeansIt) {
   const std::string body(9000, 'k');
   server.Serve("/f", {.body = body, .stalls = true});

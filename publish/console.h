@@ -1,6 +1,14 @@
 #pragma once
 
+// The console that the tool was started from.
+
+#include <string>
+#include <vector>
+
 namespace publish {
+
+/// The arguments of the command line, in UTF-8.
+[[nodiscard]] std::vector<std::string> Arguments(int argc, char** argv);
 
 enum class Stream { Output, Errors };
 
