@@ -1,5 +1,6 @@
 #include "publish/check_flow.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 
@@ -50,13 +51,13 @@ void FindDestinationsGivenTwice(const Run& run) {
 
 /// True when an earlier action, or one that is carried out before all others, ends the program.
 bool IsEndedBefore(const Run& run, const TakenAction& action, const std::string& program) {
-  for (const auto& other : run.reading.actions) {
+  const auto ends = [&](const TakenAction& other) {
     const Fields& fields = run.LineOf(other).fields;
     const bool isEarlier = other.immediate || other.line < action.line;
-    if (!isEarlier || CommandWord(fields) != "KILL" || fields[1].empty()) continue;
-    if (program.ends_with(LowerCase(fields[1]))) return true;
-  }
-  return false;
+    return isEarlier && CommandWord(fields) == "KILL" && !fields[1].empty() &&
+           program.ends_with(LowerCase(fields[1]));
+  };
+  return std::any_of(run.reading.actions.begin(), run.reading.actions.end(), ends);
 }
 
 void FindProgramsInUse(const Run& run) {

@@ -125,6 +125,7 @@ int Run(int argc, char** argv) {
                "kestrane-publish");
   app.set_version_flag("--version", KESTRANE_VERSION);
   app.require_subcommand(1);
+  app.allow_windows_style_options(false);  // what begins with a slash is a path
   publish::CheckOptions check;
   publish::SimulateOptions simulate;
   MakeArguments make;
