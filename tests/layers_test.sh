@@ -10,6 +10,11 @@ if grep -rnE "$forbidden" "${core[@]}"; then
   exit 1
 fi
 
+if grep -rn '"publish/' run script transfer install platform; then
+  echo "the program must not need the tool for publishers"
+  exit 1
+fi
+
 # A header and its source are one node; tsort names the nodes of every circle.
-grep -roE '#include "[^"]+"' --include=*.h --include=*.cpp run script transfer install platform |
+grep -roE '#include "[^"]+"' --include=*.h --include=*.cpp run script transfer install platform publish |
   sed -E 's/\.(h|cpp):#include "/ /; s/\.h"$//' | awk '$1 != $2' | tsort >/dev/null

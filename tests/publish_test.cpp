@@ -8,6 +8,7 @@
 #include "publish/simulate.h"
 #include "publish/source.h"
 #include "publish/vocabulary.h"
+#include "run/command_line.h"
 #include "run/messages.h"
 #include "tests/support/loopback_server.h"
 #include "tests/support/sandbox.h"
@@ -297,6 +298,22 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
     EXPECT_NE(problems[0].find(problem), std::string::npos) << problems[0];
     EXPECT_FALSE(sandbox.Has("site"));
   }
+}
+
+TEST(Guide, TellsHowArgumentsAreCut) {
+  std::ifstream page(GUIDE_FOLDER "/integration.md");
+  int rows = 0;
+  for (std::string line; std::getline(page, line);) {
+    if (!line.starts_with("| `\"")) continue;
+    const auto end = line.find("` | `");
+    std::string cut;
+    for (const auto& argument : modFunciones::SplitArguments("", line.substr(3, end - 3))) {
+      if (!argument.empty()) cut += (cut.empty() ? "`" : " and `") + argument + "`";
+    }
+    EXPECT_EQ(line.substr(end + 4, line.rfind(" |") - end - 4), cut);
+    ++rows;
+  }
+  EXPECT_GT(rows, 0);
 }
 
 TEST(Encoding, GoesBothWays) {

@@ -1,0 +1,113 @@
+#!/bin/bash
+# Runs the examples of docs/. In a page, ```text NAME, ```nginx NAME and ```cpp NAME are files, and
+# ```console is what commands print, in a folder that holds the sample application and those files.
+#   docs_test.sh BUILD_FOLDER
+set -euo pipefail
+build=$(realpath "$1")
+docs=$(realpath "$(dirname "$0")/../docs")
+folder=$(mktemp -d)
+children=()
+trap 'for child in "${children[@]}"; do kill "$child"; done; rm -rf "$folder"' EXIT
+cd "$folder"
+PATH=$build:$PATH:/usr/sbin
+export no_proxy=127.0.0.1
+site=https://updates.example
+
+fail() {
+  echo "$*" >&2
+  exit 1
+}
+
+# Files, and commands with what they print, as page.N.console.
+extract() {
+  awk -v page="$1" '
+    /^```/ && inside { inside = 0; next }
+    /^```/ {
+      inside = 1
+      file = NF > 1 ? $2 : /console/ ? page "." ++count ".console" : "/dev/null"
+      printf "" > file
+      next
+    }
+    inside { print > file }' "$docs/$1"
+}
+
+# The server of the page about hosting, in front of the upload folder.
+serve() {
+  port=18400
+  while (: <"/dev/tcp/127.0.0.1/$port") 2>/dev/null; do ((++port)); done
+  {
+    echo "daemon off; master_process off; pid nginx.pid; events {} http { access_log off;"
+    for kind in client_body proxy fastcgi uwsgi scgi; do echo "${kind}_temp_path $kind;"; done
+    sed "s#listen 80#listen 127.0.0.1:$port#; s#/srv/updates#$folder/www#" server.conf
+    echo "}"
+  } >nginx.conf
+  mkdir www
+  ln -s ../site www/ledger
+  nginx -p "$folder" -e error.log -c nginx.conf &
+  children+=($!)
+  for _ in {1..100}; do
+    (: <"/dev/tcp/127.0.0.1/$port") 2>/dev/null && return
+    sleep 0.05
+  done
+  fail "the server of hosting.md does not start: $(cat error.log)"
+}
+
+# What the commands of a block print: with a probe, from the server here, sizes as N.
+run_block() {
+  local command address
+  grep '^\$ ' "$1" | while read -r _ command; do
+    echo "\$ $command"
+    if [[ $command == *--probe* ]]; then
+      address=http://127.0.0.1:$port
+      sed -i "s#$site#$address#" site/update.txt
+      eval "${command//$site/$address}" 2>&1 | sed -E "s#$address#$site#; s/[0-9,]+ byte/N byte/"
+      sed -i "s#$address#$site#" site/update.txt
+    else
+      eval "$command" 2>&1 || true # the findings tell
+    fi
+  done
+}
+
+cp -r "$build/examples/2.7.1" ledger-2.7.1
+cp -r "$build/examples/3.2.0" ledger-3.2.0
+cp -r "$build/examples/2.7.1" ledger-2.6.0
+for page in "$docs"/*.md; do extract "$(basename "$page")"; done
+serve
+blocks=0
+for block in *.console; do
+  diff -u "$block" <(run_block "$block") || fail "this is not what $block prints"
+  ((++blocks))
+done
+((blocks > 0)) || fail "there are no examples"
+
+headers() {
+  exec 3<>"/dev/tcp/127.0.0.1/$port"
+  printf 'HEAD /ledger/%s HTTP/1.0\r\n\r\n' "$1" >&3
+  cat <&3
+}
+headers update.txt | grep -q 'Cache-Control: no-cache' || fail "the script may be kept"
+headers 3.2.0/rates.txt | grep -q immutable || fail "files are not kept"
+
+compiler=i686-w64-mingw32-g++-posix
+if command -v $compiler >/dev/null && [[ -d ${WINEPREFIX:-} ]]; then
+  cat >caller.cpp <<'END'
+#include "start.cpp"
+int main() { return StartUpdate(L"app folder", L"2.7.1") ? 0 : 1; }
+END
+  cat >stand_in.cpp <<'END'
+#include <windows.h>
+#include <fstream>
+int main() { std::ofstream("app folder/started.txt") << GetCommandLineA() << std::endl; }
+END
+  mkdir "app folder"
+  $compiler -static -std=c++17 -Wall -Werror caller.cpp -o caller.exe
+  $compiler -static stand_in.cpp -o "app folder/Kestrane.exe"
+  WINEDEBUG=-all wine caller.exe
+  for _ in {1..100}; do [[ -s "app folder/started.txt" ]] && break || sleep 0.05; done
+  diff - <(tr -d '\r' <"app folder/started.txt") <<END || fail "the C++ example starts it otherwise"
+"app folder\Kestrane.exe" "2.7.1" "app folder" "$site/ledger/update.txt" "app folder\ledger.exe" "NO" "Ledger"
+END
+else
+  echo "The C++ example was not run: there is no compiler for Windows, or no Wine prefix."
+fi
+echo "$blocks examples print what the pages say."
