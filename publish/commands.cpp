@@ -78,6 +78,10 @@ int RunMake(const Order& order, bool asJson) {
   const auto problems = Make(order);
   for (const auto& problem : problems) std::cerr << ToUtf8(problem) << "\n";
   if (!problems.empty()) return Failed;
+  if (!asJson) {
+    std::cout << "Upload what is in " << Utf8Of(order.site) << ": the folders first, " << ScriptName
+              << " last.\n";
+  }
   const std::string name = Utf8Of(order.site / ScriptName);
   const auto script = Load(name);
   return script ? StatusOf(CheckFile(name, *script, order.to, {}, asJson)) : Failed;

@@ -117,6 +117,9 @@ int RunMake(MakeArguments arguments) {
   for (auto* texts : {&order.wishes.backups, &order.wishes.components, &order.wishes.lastLines}) {
     for (auto& text : *texts) text = TextOf(text);
   }
+  for (auto* names : {&order.wishes.backups, &order.wishes.components}) {
+    for (auto& name : *names) std::replace(name.begin(), name.end(), '/', '\\');
+  }
   return publish::RunMake(order, arguments.asJson);
 }
 
