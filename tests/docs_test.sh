@@ -88,6 +88,35 @@ headers() {
 headers update.txt | grep -q 'Cache-Control: no-cache' || fail "the script may be kept"
 headers 3.2.0/rates.txt | grep -q immutable || fail "files are not kept"
 
+expected='"2.7.1" "app folder" "'$site'/ledger/update.txt" "app folder\ledger.exe" "NO" "Ledger"'
+
+# The stand-ins write the arguments instead of starting anything.
+if command -v mcs >/dev/null; then
+  cat >caller.cs <<END
+using System; using System.IO;
+class ProcessStartInfo { public ProcessStartInfo(string file) {} public string Arguments; public bool UseShellExecute; }
+class Process { public static void Start(ProcessStartInfo info) { Console.WriteLine(info.Arguments); } }
+class Caller { static void Main() { StartUpdate("app folder\\\\", "2.7.1"); } $(<start.cs) }
+END
+  mcs caller.cs
+  diff <(mono caller.exe | tr / '\\') <(tr / '\\' <<<"$expected") || fail "the C# example starts it otherwise"
+else
+  echo "The C# example was not run: there is no mcs."
+fi
+if command -v fpc >/dev/null; then
+  cat >caller.pas <<'END'
+{$mode delphi} uses SysUtils; const SW_SHOWNORMAL = 1;
+function ShellExecute(w: integer; verb, file_, arguments, folder: PChar; show: integer): integer;
+begin writeln(arguments); result := 33 end;
+{$I start.inc}
+begin StartUpdate('app folder', '2.7.1') end.
+END
+  fpc caller.pas >fpc.log
+  diff <(./caller) <(echo "$expected") || fail "the Delphi example starts it otherwise"
+else
+  echo "The Delphi example was not run: there is no fpc."
+fi
+
 compiler=i686-w64-mingw32-g++-posix
 if command -v $compiler >/dev/null && [[ -d ${WINEPREFIX:-} ]]; then
   cat >caller.cpp <<'END'
@@ -104,9 +133,8 @@ END
   $compiler -static stand_in.cpp -o "app folder/Kestrane.exe"
   WINEDEBUG=-all wine caller.exe
   for _ in {1..100}; do [[ -s "app folder/started.txt" ]] && break || sleep 0.05; done
-  diff - <(tr -d '\r' <"app folder/started.txt") <<END || fail "the C++ example starts it otherwise"
-"app folder\Kestrane.exe" "2.7.1" "app folder" "$site/ledger/update.txt" "app folder\ledger.exe" "NO" "Ledger"
-END
+  diff - <(tr -d '\r' <"app folder/started.txt") <<<"\"app folder\\Kestrane.exe\" $expected" ||
+    fail "the C++ example starts it otherwise"
 else
   echo "The C++ example was not run: there is no compiler for Windows, or no Wine prefix."
 fi
