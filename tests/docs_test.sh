@@ -4,19 +4,13 @@
 #   docs_test.sh BUILD_FOLDER
 set -euo pipefail
 build=$(realpath "$1")
-docs=$(realpath "$(dirname "$0")/../docs")
+. "$(dirname "$0")/../scripts/common.sh"
+docs=$root/docs
 folder=$(mktemp -d)
-children=()
-trap 'for child in "${children[@]}"; do kill "$child"; done; rm -rf "$folder"' EXIT
+trap 'end_children; rm -rf "$folder"' EXIT
 cd "$folder"
 PATH=$build:$PATH:/usr/sbin
-export no_proxy=127.0.0.1
 site=https://updates.example
-
-fail() {
-  echo "$*" >&2
-  exit 1
-}
 
 # Files, and commands with what they print, as page.N.console.
 extract() {
@@ -31,10 +25,14 @@ extract() {
     inside { print > file }' "$docs/$1"
 }
 
+port_is_taken() {
+  (: <"/dev/tcp/127.0.0.1/$port") 2>/dev/null
+}
+
 # The server of the page about hosting, in front of the upload folder.
 serve() {
   port=18400
-  while (: <"/dev/tcp/127.0.0.1/$port") 2>/dev/null; do ((++port)); done
+  while port_is_taken; do ((++port)); done
   {
     echo "daemon off; master_process off; pid nginx.pid; events {} http { access_log off;"
     for kind in client_body proxy fastcgi uwsgi scgi; do echo "${kind}_temp_path $kind;"; done
@@ -45,11 +43,7 @@ serve() {
   ln -s ../site www/ledger
   nginx -p "$folder" -e error.log -c nginx.conf &
   children+=($!)
-  for _ in {1..100}; do
-    (: <"/dev/tcp/127.0.0.1/$port") 2>/dev/null && return
-    sleep 0.05
-  done
-  fail "the server of hosting.md does not start: $(cat error.log)"
+  wait_until 5 port_is_taken || fail "the server of hosting.md does not start: $(cat error.log)"
 }
 
 # What the commands of a block print: with a probe, from the server here, sizes as N.
@@ -117,8 +111,7 @@ else
   echo "The Delphi example was not run: there is no fpc."
 fi
 
-compiler=i686-w64-mingw32-g++-posix
-if command -v $compiler >/dev/null && [[ -d ${WINEPREFIX:-} ]]; then
+if windows_works; then
   cat >caller.cpp <<'END'
 #include "start.cpp"
 int main() { return StartUpdate(L"app folder", L"2.7.1") ? 0 : 1; }
@@ -129,10 +122,10 @@ END
 int main() { std::ofstream("app folder/started.txt") << GetCommandLineA() << std::endl; }
 END
   mkdir "app folder"
-  $compiler -static -std=c++17 -Wall -Werror caller.cpp -o caller.exe
-  $compiler -static stand_in.cpp -o "app folder/Kestrane.exe"
-  WINEDEBUG=-all wine caller.exe
-  for _ in {1..100}; do [[ -s "app folder/started.txt" ]] && break || sleep 0.05; done
+  i686-w64-mingw32-g++-posix -static -std=c++17 -Wall -Werror caller.cpp -o caller.exe
+  i686-w64-mingw32-g++-posix -static stand_in.cpp -o "app folder/Kestrane.exe"
+  wine caller.exe
+  wait_until 5 test -s "app folder/started.txt" || fail "the C++ example starts nothing"
   diff - <(tr -d '\r' <"app folder/started.txt") <<<"\"app folder\\Kestrane.exe\" $expected" ||
     fail "the C++ example starts it otherwise"
 else
