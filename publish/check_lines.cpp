@@ -195,6 +195,14 @@ Remark PathThatGoesAstray(const Line& line) {
           "the folder in which the updater was started."};
 }
 
+Remark BlanksAroundAnArgument(const Line& line) {
+  const bool hasPath = line.command != nullptr && line.command->first == Argument::Path;
+  const std::string url = UrlOf(line);
+  const std::string path = hasPath ? FieldAt(line.fields, 1) : "";
+  if (Trimmed(url) == url && Trimmed(path) == path) return {};
+  return {Severity::Warning, "There are blanks around an argument, and they belong to it."};
+}
+
 Remark OddCharacters(const Line& line) {
   for (const auto& field : line.fields) {
     const auto decoded = FromUtf8(field);
@@ -242,10 +250,19 @@ Remark KillOfTooMuch(const Line& line) {
   return {};
 }
 
-constexpr Remark (*Rules[])(const Line& line) = {
-    Refusal,          UnknownCommand,     IdleMarker,      MacroInImmediateAction,
-    MacroInWrongCase, UnknownWord,        PauseThatIsNone, UnusableUrl,
-    PlainHttp,        PathThatGoesAstray, OddCharacters,   KillOfTooMuch};
+constexpr Remark (*Rules[])(const Line& line) = {Refusal,
+                                                 UnknownCommand,
+                                                 IdleMarker,
+                                                 MacroInImmediateAction,
+                                                 MacroInWrongCase,
+                                                 UnknownWord,
+                                                 PauseThatIsNone,
+                                                 UnusableUrl,
+                                                 PlainHttp,
+                                                 PathThatGoesAstray,
+                                                 BlanksAroundAnArgument,
+                                                 OddCharacters,
+                                                 KillOfTooMuch};
 
 }  // namespace
 

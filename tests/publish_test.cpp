@@ -91,6 +91,7 @@ TEST(Check, TellsWhatIsWrongWithALine) {
       {"ADD|$AppPath\\a|http://u:x/", {"E5 no URL", "W5 plain http"}},
       {"DELETE|a/b", {"W5 backslash"}},
       {"DELETE|a\\b", {"W5 no macro and no drive"}},
+      {"DELETE|$AppPath\\a ", {"W5 blanks around an argument"}},
       {"MSG|a\xC3\xB1o|NOTHING", {"W5 in UTF-8"}},
       {"MSG|a\xF1o|NOTHING", {}},
       {"MSG|a\x81o|NOTHING", {"W5 no character of Windows-1252"}},
@@ -262,6 +263,11 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
   EXPECT_EQ(Make(order), Texts{});
   const std::string third = sandbox.Read("site/update.txt");
   EXPECT_GT(third.find("VERSION|=|2.0.0"), third.find("VERSION|<|2.0.0")) << "newest last";
+  const Script ladder = CutWithNumbers(third);
+  for (const char* installed : {"0.9.0", "1.0.0", "1.5.0", "2.0.0"}) {
+    EXPECT_FALSE(ReadFor(ladder, installed, false).actions.empty()) << installed;
+  }
+  EXPECT_TRUE(ReadFor(ladder, "3.0.0", false).actions.empty());
 }
 
 TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
