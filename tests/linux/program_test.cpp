@@ -99,7 +99,7 @@ TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
   sandbox.Fill({{"old/app.exe", "1"}, {"old/same", "="}, {"old/gone", "1"}, {"old/data", "1"}});
   sandbox.Fill({{"new/app.exe", "2"}, {"new/same", "="}, {"new/d e/f", "2"}, {"new/data", ""}});
   const auto made = processes::Start(
-      '"' + (ownFolder / "../kestrane-publish").string() + "\" make \"" +
+      '"' + (OwnFolder() / "../kestrane-publish").string() + "\" make \"" +
           sandbox.Folder("old").string() + "\" \"" + sandbox.Folder("new").string() +
           "\" --site \"" + sandbox.Folder("site").string() + "\" --url " + server.Url("") +
           " --from 2.7.1 --to 3.0.0 --updater http://127.0.0.1/k 1.0.3",

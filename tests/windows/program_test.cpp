@@ -192,7 +192,7 @@ TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
       {"app.exe", "2"}, {"same", "="}, {"b c/\xF1 #%.txt", "2"}, {"data", ""}, {"d/e/f", "2"}};
   for (const auto& [name, content] : oldFiles) sandbox.Write("old/" + name, content);
   for (const auto& [name, content] : newFiles) sandbox.Write("new/" + name, content);
-  const ProgramRun made(ownFolder + "\\..\\kestrane-publish.exe",
+  const ProgramRun made((OwnFolder() / "../kestrane-publish.exe").string(),
                         {"make", sandbox.Path("old"), sandbox.Path("new"), "--site",
                          sandbox.Path("site"), "--url", server.Url(""), "--from", "2.7.1", "--to",
                          "3.0.0", "--updater", server.Url("/Kestrane.exe"), "1.0.3"});
