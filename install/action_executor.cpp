@@ -57,9 +57,7 @@ void ChooseStyle(std::uint32_t& style, std::span<const StyleWord> words,
   }
 }
 
-bool PutInPlace(const std::string& path) {
-  return modFunciones::FileRename(path + ".tmp", path);
-}
+bool PutInPlace(const std::string& path) { return modFunciones::FileRename(path + ".tmp", path); }
 
 bool AddFile(const std::string& path) {
   if (modFunciones::FileExists(path)) {

@@ -8,9 +8,7 @@ namespace modFunciones {
 
 namespace files = platform::files;
 
-bool FileExists(const std::string& path) {
-  return !files::Find(path).empty();
-}
+bool FileExists(const std::string& path) { return !files::Find(path).empty(); }
 
 bool FileDelete(const std::string& path) {
   bool deleted = true;

@@ -19,13 +19,9 @@ std::string QueryFolder(std::size_t (*query)(std::string& buffer)) {
 
 }  // namespace
 
-std::string GetWindowsDir() {
-  return QueryFolder(platform::system::WindowsDirectory);
-}
+std::string GetWindowsDir() { return QueryFolder(platform::system::WindowsDirectory); }
 
-std::string GetSystemDir() {
-  return QueryFolder(platform::system::SystemDirectory);
-}
+std::string GetSystemDir() { return QueryFolder(platform::system::SystemDirectory); }
 
 std::string ExpandMacros(std::string_view value) {
   std::string expanded = ReplaceAll(value, "$WinPath", GetWindowsDir());

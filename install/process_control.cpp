@@ -19,9 +19,7 @@ constexpr std::uint32_t PrivilegeOn = 2;          // SE_PRIVILEGE_ENABLED
 constexpr std::uint32_t PrivilegeOff = 0;
 constexpr std::uint32_t AllProcessAccess = 0x1F0FFF;  // PROCESS_ALL_ACCESS of all NT versions
 
-bool IsNtFamily() {
-  return processes::SystemVersion() >= 0;
-}
+bool IsNtFamily() { return processes::SystemVersion() >= 0; }
 
 }  // namespace
 

@@ -40,11 +40,7 @@ std::string Mapped(std::string_view value, unsigned char (*map)(unsigned char)) 
 
 }  // namespace
 
-std::string UpperCase(std::string_view value) {
-  return Mapped(value, UpperCaseOf);
-}
-std::string LowerCase(std::string_view value) {
-  return Mapped(value, LowerCaseOf);
-}
+std::string UpperCase(std::string_view value) { return Mapped(value, UpperCaseOf); }
+std::string LowerCase(std::string_view value) { return Mapped(value, LowerCaseOf); }
 
 }  // namespace platform::text

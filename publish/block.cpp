@@ -11,9 +11,7 @@ namespace {
 
 using platform::text::LowerCase;
 
-std::string Installed(const std::string& name) {
-  return "$AppPath\\" + name;
-}
+std::string Installed(const std::string& name) { return "$AppPath\\" + name; }
 
 bool AreAmong(const Lines& names, const std::string& name) {
   return std::any_of(names.begin(), names.end(), [&](const std::string& wanted) {

@@ -32,9 +32,7 @@ bool PutsAFile(const ScriptLine& line) {
   return word == "ADD" || word == "UPDATE";
 }
 
-std::string FileNameOf(const std::string& path) {
-  return path.substr(path.find_last_of('\\') + 1);
-}
+std::string FileNameOf(const std::string& path) { return path.substr(path.find_last_of('\\') + 1); }
 
 void FindDestinationsGivenTwice(const Run& run) {
   std::map<std::string, int> seen;  // line by destination

@@ -32,9 +32,7 @@ struct Remark {
   std::string text;
 };
 
-std::string Quoted(const std::string& text) {
-  return '"' + text + '"';
-}
+std::string Quoted(const std::string& text) { return '"' + text + '"'; }
 
 std::string Trimmed(const std::string& text) {
   constexpr const char* Blanks = " \t";

@@ -13,9 +13,7 @@ constexpr unsigned FirstMapped = 0x80;
 constexpr unsigned FirstUnmapped = 0xA0;
 constexpr std::array<unsigned, 5> Unassigned = {0x81, 0x8D, 0x8F, 0x90, 0x9D};
 
-unsigned ByteOf(char character) {
-  return static_cast<unsigned char>(character);
-}
+unsigned ByteOf(char character) { return static_cast<unsigned char>(character); }
 
 unsigned CodePointOf(unsigned byte) {
   const bool mapped = byte >= FirstMapped && byte < FirstUnmapped;
@@ -82,9 +80,7 @@ std::optional<std::string> FromUtf8(std::string_view value) {
   return converted;
 }
 
-std::string Shown(const std::string& value) {
-  return FromUtf8(value).value_or(value);
-}
+std::string Shown(const std::string& value) { return FromUtf8(value).value_or(value); }
 
 std::filesystem::path PathOf(const std::string& utf8) {
   return {std::u8string(utf8.begin(), utf8.end())};

@@ -21,9 +21,7 @@ std::string TextOf(const Lines& lines) {
 }
 
 /// Index into the lines of the text.
-std::size_t IndexOf(const ScriptLine& line) {
-  return static_cast<std::size_t>(line.number - 1);
-}
+std::size_t IndexOf(const ScriptLine& line) { return static_cast<std::size_t>(line.number - 1); }
 
 void Insert(std::string& script, std::size_t at, const Lines& added) {
   Lines lines = LinesOf(script);

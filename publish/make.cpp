@@ -31,9 +31,7 @@ struct Plan {
   fs::path newUpdater;  // to be uploaded; empty: none
 };
 
-std::string WithSlash(const std::string& url) {
-  return url.ends_with('/') ? url : url + "/";
-}
+std::string WithSlash(const std::string& url) { return url.ends_with('/') ? url : url + "/"; }
 
 void CheckOrder(const Order& order, Problems& problems) {
   for (const auto& version : {order.from, order.to}) {
@@ -96,9 +94,7 @@ void CheckDifference(const Difference& difference, Problems& problems) {
   }
 }
 
-std::string UpdaterFolder(const std::string& version) {
-  return "kestrane/" + version + "/";
-}
+std::string UpdaterFolder(const std::string& version) { return "kestrane/" + version + "/"; }
 
 /// What the header says: what the publisher said, otherwise the updater in the new folder when it
 /// is newer than what the script offers.

@@ -21,9 +21,7 @@ bool IsShown() {
 
 }  // namespace
 
-void StartProgress(const std::string& what, std::size_t steps) {
-  work = {what, steps, 0};
-}
+void StartProgress(const std::string& what, std::size_t steps) { work = {what, steps, 0}; }
 
 void ShowProgress(std::size_t done) {
   if (!IsShown() || done == work.done) return;

@@ -31,9 +31,7 @@ std::string RunAction(std::string_view /*command*/, const std::string& arg1,
 
 namespace platform::window {
 
-void ProcessPendingEvents() {
-  publish::ShowProgress(modPrincipal::ActionCommand.size());
-}
+void ProcessPendingEvents() { publish::ShowProgress(modPrincipal::ActionCommand.size()); }
 
 }  // namespace platform::window
 

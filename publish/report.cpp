@@ -21,9 +21,7 @@ struct SeverityLook {
 };
 constexpr SeverityLook Looks[] = {{"error", "\033[31m"}, {"warning", "\033[33m"}};
 
-const SeverityLook& LookOf(Severity severity) {
-  return Looks[static_cast<std::size_t>(severity)];
-}
+const SeverityLook& LookOf(Severity severity) { return Looks[static_cast<std::size_t>(severity)]; }
 
 std::string Coloured(const std::string& text, const char* colour) {
   static const bool inColour = IsTerminal(Stream::Output);

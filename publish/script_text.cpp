@@ -22,9 +22,7 @@ std::string CommandWord(const Fields& fields) {
   return platform::text::UpperCase(FieldAt(fields, 0).substr(HasMarker(fields) ? 1 : 0));
 }
 
-bool HasMarker(const Fields& fields) {
-  return FieldAt(fields, 0).starts_with('!');
-}
+bool HasMarker(const Fields& fields) { return FieldAt(fields, 0).starts_with('!'); }
 
 std::string FieldAt(const Fields& fields, std::size_t index) {
   return index < fields.size() ? fields[index] : "";

@@ -9,9 +9,7 @@
 namespace publish {
 namespace {
 
-bool IsRecorded(const TakenAction& action) {
-  return !action.immediate;
-}
+bool IsRecorded(const TakenAction& action) { return !action.immediate; }
 
 std::string FinalScreenOf(const Reading& reading) {
   if (!reading.failure.empty()) return reading.failure;

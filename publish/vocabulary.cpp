@@ -75,8 +75,6 @@ bool IsComparator(std::string_view value) {
   return std::find(std::begin(Comparators), std::end(Comparators), value) != std::end(Comparators);
 }
 
-std::span<const WordArgument> WordArguments() {
-  return WordTable;
-}
+std::span<const WordArgument> WordArguments() { return WordTable; }
 
 }  // namespace publish

@@ -6,8 +6,6 @@
 namespace modFunciones {
 
 // The build states the version once and hands it to this file and to the version record.
-std::string OwnVersion() {
-  return TEXT_OF(KESTRANE_VERSION);
-}
+std::string OwnVersion() { return TEXT_OF(KESTRANE_VERSION); }
 
 }  // namespace modFunciones

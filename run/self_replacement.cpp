@@ -48,9 +48,7 @@ std::string RelaunchParameters() {
   return parameters;
 }
 
-void RemoveTemporaryCopy() {
-  EndAndDelete(TempUpdaterName);
-}
+void RemoveTemporaryCopy() { EndAndDelete(TempUpdaterName); }
 
 void HandOverToNewUpdater(const std::string& program) {
   RemoveTemporaryCopy();

@@ -58,8 +58,8 @@ void ShowProgress() {
   DrawProgressBar(picTotal, Fraction(totalDone, TotalBytes));
 }
 
-/// A connection that breaks may look like the end of the body. Whole is a body of the length that its
-/// own answer announced or, where that told none, of at least the length that the probe told.
+/// A connection that breaks may look like the end of the body. Whole is a body of the length that
+/// its own answer announced or, where that told none, of at least the length that the probe told.
 bool IsWhole(const platform::http::Body& body, std::int64_t received) {
   if (const auto announced = platform::http::AnnouncedLength(body)) return received == *announced;
   return !TransferProgressOn || received >= FileBytes;

@@ -20,9 +20,7 @@ std::string QueryUrlParts(std::uint32_t infoLevel) {
 
 }  // namespace
 
-bool IsOnline() {
-  return !platform::http::IsOffline();
-}
+bool IsOnline() { return !platform::http::IsOffline(); }
 
 std::string HttpHeadQuery(std::uint32_t infoLevel, const std::string& host, std::int16_t port,
                           const std::string& objectName, std::int32_t& bufferLength,
@@ -50,9 +48,7 @@ std::string HttpHeadQuery(std::uint32_t infoLevel, const std::string& host, std:
   return buffer.substr(0, static_cast<std::size_t>(bufferLength));
 }
 
-bool IsAvailable() {
-  return QueryUrlParts(HTTP_QUERY_STATUS_CODE) == "200";
-}
+bool IsAvailable() { return QueryUrlParts(HTTP_QUERY_STATUS_CODE) == "200"; }
 
 std::optional<std::int32_t> AvailableLength() {
   if (!IsAvailable()) return std::nullopt;

@@ -31,9 +31,7 @@ std::vector<std::string> SplitWithoutScheme(std::string rest, const char* defaul
 
 std::vector<std::string> UrlParts;
 
-bool IsSecureUrl(std::string_view url) {
-  return HasScheme(url, SecureScheme);
-}
+bool IsSecureUrl(std::string_view url) { return HasScheme(url, SecureScheme); }
 
 std::vector<std::string> SplitUrl(std::string_view url) {
   if (IsSecureUrl(url)) {

@@ -34,13 +34,9 @@ void RunEntryPoint(EntryPoint entryPoint, const SharedState& state) {
 
 }  // namespace
 
-void FreeComponent::operator()(void* library) const {
-  dlclose(library);
-}
+void FreeComponent::operator()(void* library) const { dlclose(library); }
 
-void CloseWorker::operator()(void* worker) const {
-  delete static_cast<SharedState*>(worker);
-}
+void CloseWorker::operator()(void* worker) const { delete static_cast<SharedState*>(worker); }
 
 Library Load(const std::string& path) {
   // A bare name would be looked for among the system's libraries.

@@ -31,9 +31,7 @@ struct OpenFile {
   int descriptor;
 };
 
-int DescriptorOf(const File& file) {
-  return static_cast<const OpenFile*>(file.get())->descriptor;
-}
+int DescriptorOf(const File& file) { return static_cast<const OpenFile*>(file.get())->descriptor; }
 
 File Open(const std::string& path, int flags) {
   const int descriptor = open(ToSystemPath(path).c_str(), flags | O_CLOEXEC, ModeOfNewFiles);
@@ -103,9 +101,7 @@ bool CopyAndUnlink(const std::string& oldPath, const std::string& newPath) {
 
 }  // namespace
 
-void CloseFile::operator()(void* file) const {
-  delete static_cast<OpenFile*>(file);
-}
+void CloseFile::operator()(void* file) const { delete static_cast<OpenFile*>(file); }
 
 std::vector<std::string> Find(const std::string& pattern) {
   const auto separator = pattern.find_last_of("\\/:");
@@ -130,9 +126,7 @@ bool IsFile(const std::string& path) {
   return kind != 0 && kind != S_IFDIR;
 }
 
-bool Delete(const std::string& path) {
-  return unlink(ToSystemPath(path).c_str()) == 0;
-}
+bool Delete(const std::string& path) { return unlink(ToSystemPath(path).c_str()) == 0; }
 
 bool Rename(const std::string& oldPath, const std::string& newPath) {
   const std::string from = ToSystemPath(oldPath);
@@ -142,21 +136,15 @@ bool Rename(const std::string& oldPath, const std::string& newPath) {
   return errno == EINVAL && LinkAndUnlink(from, to);
 }
 
-bool FolderExists(const std::string& path) {
-  return KindOf(ToSystemPath(path)) == S_IFDIR;
-}
+bool FolderExists(const std::string& path) { return KindOf(ToSystemPath(path)) == S_IFDIR; }
 
 bool CreateFolder(const std::string& path) {
   return mkdir(ToSystemPath(path).c_str(), ModeOfNewFolders) == 0;
 }
 
-File OpenForReading(const std::string& path) {
-  return Open(path, O_RDONLY);
-}
+File OpenForReading(const std::string& path) { return Open(path, O_RDONLY); }
 
-File Create(const std::string& path) {
-  return Open(path, O_WRONLY | O_CREAT | O_TRUNC);
-}
+File Create(const std::string& path) { return Open(path, O_WRONLY | O_CREAT | O_TRUNC); }
 
 std::optional<std::int64_t> Length(const File& file) {
   struct stat status = {};

@@ -94,9 +94,7 @@ Object& As(const Handle& handle) {
   return static_cast<Object&>(*static_cast<InternetObject*>(handle.get()));
 }
 
-Handle HandleOf(std::unique_ptr<InternetObject> object) {
-  return Handle(object.release());
-}
+Handle HandleOf(std::unique_ptr<InternetObject> object) { return Handle(object.release()); }
 
 std::size_t DropBody(const char* /*bytes*/, std::size_t size, std::size_t count,
                      void* /*request*/) {
@@ -203,9 +201,7 @@ std::size_t TakeBody(const char* bytes, std::size_t size, std::size_t count, voi
   return size * count;
 }
 
-Download& DownloadOf(const Body& body) {
-  return *static_cast<Download*>(body.get());
-}
+Download& DownloadOf(const Body& body) { return *static_cast<Download*>(body.get()); }
 
 /// What was kept back goes on first.
 void Unpause(Download& download) {
@@ -220,9 +216,7 @@ void CloseInternetHandle::operator()(void* handle) const {
   delete static_cast<InternetObject*>(handle);
 }
 
-bool IsOffline() {
-  return false;
-}
+bool IsOffline() { return false; }
 
 Handle OpenRoot(const std::string& userAgent, std::int32_t accessType, const std::string& proxy) {
   static const bool ready = [] {
@@ -304,9 +298,7 @@ bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buff
   return true;
 }
 
-void CloseBody::operator()(void* body) const {
-  delete static_cast<Download*>(body);
-}
+void CloseBody::operator()(void* body) const { delete static_cast<Download*>(body); }
 
 Body OpenUrl(const Handle& root, const std::string& url) {
   auto download = std::make_unique<Download>();
@@ -325,9 +317,7 @@ Body OpenUrl(const Handle& root, const std::string& url) {
   return Body(download.release());
 }
 
-bool IsSecure(const Body& body) {
-  return AnsweredSecurely(DownloadOf(body).transfer.easy.get());
-}
+bool IsSecure(const Body& body) { return AnsweredSecurely(DownloadOf(body).transfer.easy.get()); }
 
 std::optional<std::int64_t> AnnouncedLength(const Body& body) {
   const auto digits = Header(DownloadOf(body).transfer.easy.get(), "Content-Length");

@@ -92,9 +92,7 @@ const Sign* SignOf(std::uint32_t style) {
 /// The button that was pressed, and so the end of the box.
 int pressed = 0;
 
-void Press(Fl_Widget* /*button*/, long value) {
-  pressed = static_cast<int>(value);
-}
+void Press(Fl_Widget* /*button*/, long value) { pressed = static_cast<int>(value); }
 
 /// Like the button: the box of one button may be closed, that of a question may not.
 void Close(Fl_Widget* /*window*/, long buttonCount) {

@@ -59,9 +59,7 @@ Object& As(void* handle) {
   return static_cast<Object&>(*static_cast<SystemObject*>(handle));
 }
 
-int DescriptorOf(const Process& process) {
-  return As<ProcessObject>(process.get()).descriptor;
-}
+int DescriptorOf(const Process& process) { return As<ProcessObject>(process.get()).descriptor; }
 
 std::vector<std::string> ArgumentsOf(const std::string& folder) {
   std::ifstream file(folder + "/cmdline", std::ios::binary);
@@ -130,17 +128,11 @@ bool NextEntry(const Snapshot& snapshot, Entry& entry) {
   return true;
 }
 
-std::int32_t SystemVersion() {
-  return NewestVersion;
-}
+std::int32_t SystemVersion() { return NewestVersion; }
 
-Token OpenOwnToken(std::uint32_t /*access*/) {
-  return Token(new SystemObject);
-}
+Token OpenOwnToken(std::uint32_t /*access*/) { return Token(new SystemObject); }
 
-std::optional<PrivilegeId> LookUpPrivilege(const std::string& /*name*/) {
-  return AnyPrivilege;
-}
+std::optional<PrivilegeId> LookUpPrivilege(const std::string& /*name*/) { return AnyPrivilege; }
 
 bool AdjustPrivilege(const Token& /*token*/, PrivilegeId /*privilege*/,
                      std::uint32_t /*attributes*/) {
@@ -172,9 +164,7 @@ bool ExitCode(const Process& process, std::uint32_t& exitCode) {
   return true;
 }
 
-bool HasEnded(const Process& process) {
-  return EndsWithin(process, 0);
-}
+bool HasEnded(const Process& process) { return EndsWithin(process, 0); }
 
 std::optional<StartedProgram> Start(const std::string& commandLine, int /*showValue*/) {
   std::vector<std::string> elements = linux_layer::SplitCommandLine(commandLine);

@@ -95,13 +95,9 @@ std::string ExecutableBaseName() {
   return name.substr(0, name.rfind('.'));
 }
 
-std::size_t WindowsDirectory(std::string& buffer) {
-  return Fill(buffer, WindowsFolder);
-}
+std::size_t WindowsDirectory(std::string& buffer) { return Fill(buffer, WindowsFolder); }
 
-std::size_t SystemDirectory(std::string& buffer) {
-  return Fill(buffer, SystemFolder);
-}
+std::size_t SystemDirectory(std::string& buffer) { return Fill(buffer, SystemFolder); }
 
 std::string DecimalSeparator() {
   const locale_t locale = newlocale(LC_NUMERIC_MASK, "", nullptr);
@@ -117,8 +113,6 @@ std::int32_t OpenWithShell(const std::string& /*verb*/, const std::string& file,
   return StartDirectly(file, parameters, folder) || LetDesktopOpen(file) ? Opened : FileNotFound;
 }
 
-void EndProcess() {
-  _exit(0);
-}
+void EndProcess() { _exit(0); }
 
 }  // namespace platform::system

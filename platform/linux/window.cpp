@@ -52,12 +52,8 @@ double twipsPerPixelX = 0;
 double twipsPerPixelY = 0;
 bool resizeEventsOn = false;  // set by the first Show
 
-int PixelsX(double twips) {
-  return static_cast<int>(std::lround(twips / twipsPerPixelX));
-}
-int PixelsY(double twips) {
-  return static_cast<int>(std::lround(twips / twipsPerPixelY));
-}
+int PixelsX(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelX)); }
+int PixelsY(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelY)); }
 
 /// A red, green and blue byte from the lowest one on, as Windows writes a colour.
 Fl_Color ColourOf(std::uint32_t value) {
@@ -212,13 +208,9 @@ struct Control {
 MainWindow* mainWindow = nullptr;  // lives as long as the process
 std::vector<Control> controls;
 
-Control& At(int control) {
-  return controls[static_cast<std::size_t>(control)];
-}
+Control& At(int control) { return controls[static_cast<std::size_t>(control)]; }
 
-PictureWidget& PictureAt(int control) {
-  return static_cast<PictureWidget&>(*At(control).widget);
-}
+PictureWidget& PictureAt(int control) { return static_cast<PictureWidget&>(*At(control).widget); }
 
 Fl_Widget* Button() {
   for (const auto& control : controls) {
@@ -242,9 +234,7 @@ void MeasureScreen() {
   twipsPerPixelY = TwipsPerPixel(vertical);
 }
 
-void ButtonPressed(Fl_Widget* /*button*/, void* /*data*/) {
-  handlers.buttonClicked();
-}
+void ButtonPressed(Fl_Widget* /*button*/, void* /*data*/) { handlers.buttonClicked(); }
 
 void WindowClosing(Fl_Widget* /*window*/, void* /*data*/) {
   // Escape is reported here too, and closes no window of this kind.
@@ -326,9 +316,7 @@ void Show() {
   }
 }
 
-void SetWindowCaption(std::string_view caption) {
-  mainWindow->copy_label(ToUtf8(caption).c_str());
-}
+void SetWindowCaption(std::string_view caption) { mainWindow->copy_label(ToUtf8(caption).c_str()); }
 
 void SetWindowIcon(const std::string& path) {
   std::ifstream file(linux_layer::ToSystemPath(path), std::ios::binary);
@@ -352,9 +340,7 @@ void SetText(int control, std::string_view value) {
   }
 }
 
-std::string Text(int control) {
-  return At(control).text;
-}
+std::string Text(int control) { return At(control).text; }
 
 void SetVisible(int control, bool visible) {
   if (visible) {
@@ -377,9 +363,7 @@ void SetEnabled(int control, bool enabled) {
   Button()->take_focus();
 }
 
-bool IsEnabled(int control) {
-  return At(control).widget->active() != 0;
-}
+bool IsEnabled(int control) { return At(control).widget->active() != 0; }
 
 void SetTop(int control, int top) {
   Fl_Widget& widget = *At(control).widget;
@@ -387,21 +371,15 @@ void SetTop(int control, int top) {
   mainWindow->redraw();
 }
 
-double TwipsPerPixelX() {
-  return twipsPerPixelX;
-}
-double TwipsPerPixelY() {
-  return twipsPerPixelY;
-}
+double TwipsPerPixelX() { return twipsPerPixelX; }
+double TwipsPerPixelY() { return twipsPerPixelY; }
 
 PictureBox DescribePictureBox(int control) {
   const ControlLayout& layout = At(control).layout;
   return {false, layout.width, layout.height, ValueOf(linux_layer::Highlight)};
 }
 
-void ErasePictureBox(int control) {
-  PictureAt(control).drawn.clear();
-}
+void ErasePictureBox(int control) { PictureAt(control).drawn.clear(); }
 
 void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
                          std::uint32_t colour) {
@@ -427,9 +405,7 @@ int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view 
   return linux_layer::RunMessageBox(ToUtf8(text), style, ToUtf8(title), PixelsY(FontSizes.front()));
 }
 
-void ProcessPendingEvents() {
-  Fl::check();
-}
+void ProcessPendingEvents() { Fl::check(); }
 
 void RunEventLoop() {
   while (true) Fl::wait();

@@ -16,13 +16,9 @@ DWORD WINAPI RunEntryPoint(void* entryPoint) {
 
 }  // namespace
 
-void FreeComponent::operator()(void* library) const {
-  FreeLibrary(static_cast<HMODULE>(library));
-}
+void FreeComponent::operator()(void* library) const { FreeLibrary(static_cast<HMODULE>(library)); }
 
-void CloseWorker::operator()(void* worker) const {
-  CloseHandle(worker);
-}
+void CloseWorker::operator()(void* worker) const { CloseHandle(worker); }
 
 Library Load(const std::string& path) {
   // By its full path, and with its own folder first for the libraries that it needs.

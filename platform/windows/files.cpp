@@ -13,15 +13,11 @@ File Open(const std::string& path, DWORD access, DWORD disposition) {
   return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
-DWORD AttributesOf(const std::string& path) {
-  return GetFileAttributesA(path.c_str());
-}
+DWORD AttributesOf(const std::string& path) { return GetFileAttributesA(path.c_str()); }
 
 }  // namespace
 
-void CloseFile::operator()(void* file) const {
-  CloseHandle(file);
-}
+void CloseFile::operator()(void* file) const { CloseHandle(file); }
 
 std::vector<std::string> Find(const std::string& pattern) {
   std::vector<std::string> found;
@@ -43,9 +39,7 @@ bool IsFile(const std::string& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-bool Delete(const std::string& path) {
-  return DeleteFileA(path.c_str()) != FALSE;
-}
+bool Delete(const std::string& path) { return DeleteFileA(path.c_str()) != FALSE; }
 
 bool Rename(const std::string& oldPath, const std::string& newPath) {
   return MoveFileA(oldPath.c_str(), newPath.c_str()) != FALSE;
@@ -60,13 +54,9 @@ bool CreateFolder(const std::string& path) {
   return CreateDirectoryA(path.c_str(), nullptr) != FALSE;
 }
 
-File OpenForReading(const std::string& path) {
-  return Open(path, GENERIC_READ, OPEN_EXISTING);
-}
+File OpenForReading(const std::string& path) { return Open(path, GENERIC_READ, OPEN_EXISTING); }
 
-File Create(const std::string& path) {
-  return Open(path, GENERIC_WRITE, CREATE_ALWAYS);
-}
+File Create(const std::string& path) { return Open(path, GENERIC_WRITE, CREATE_ALWAYS); }
 
 std::optional<std::int64_t> Length(const File& file) {
   LARGE_INTEGER length;

@@ -96,9 +96,7 @@ bool AnsweredSecurely(HINTERNET request) {
 
 }  // namespace
 
-void CloseInternetHandle::operator()(void* handle) const {
-  Library().InternetCloseHandle(handle);
-}
+void CloseInternetHandle::operator()(void* handle) const { Library().InternetCloseHandle(handle); }
 
 bool IsOffline() {
   using Query = BOOL WINAPI(DWORD flags);
@@ -141,9 +139,7 @@ bool Send(const Handle& request, const std::string& optionalData) {
   return sent;
 }
 
-bool IsSecure(const Handle& request) {
-  return AnsweredSecurely(request.get());
-}
+bool IsSecure(const Handle& request) { return AnsweredSecurely(request.get()); }
 
 bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                std::int32_t& length) {
@@ -154,9 +150,7 @@ bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buff
   return found;
 }
 
-void CloseBody::operator()(void* body) const {
-  delete static_cast<OpenBody*>(body);
-}
+void CloseBody::operator()(void* body) const { delete static_cast<OpenBody*>(body); }
 
 Body OpenUrl(const Handle& root, const std::string& url) {
   HINTERNET opened = nullptr;

@@ -24,9 +24,7 @@ bool TakeEntry(ReadEntry* read, const Snapshot& snapshot, Entry& entry) {
 
 }  // namespace
 
-void CloseSystemHandle::operator()(void* handle) const {
-  CloseHandle(handle);
-}
+void CloseSystemHandle::operator()(void* handle) const { CloseHandle(handle); }
 
 Snapshot TakeSnapshot(std::uint32_t kind) {
   const HANDLE snapshot = CreateToolhelp32Snapshot(kind, 0);
@@ -41,9 +39,7 @@ bool NextEntry(const Snapshot& snapshot, Entry& entry) {
   return TakeEntry(Process32Next, snapshot, entry);
 }
 
-std::int32_t SystemVersion() {
-  return static_cast<std::int32_t>(GetVersion());
-}
+std::int32_t SystemVersion() { return static_cast<std::int32_t>(GetVersion()); }
 
 Token OpenOwnToken(std::uint32_t access) {
   HANDLE token = nullptr;
@@ -103,8 +99,6 @@ std::optional<StartedProgram> Start(const std::string& commandLine, int showValu
   return StartedProgram{Process(started.hProcess), started.dwProcessId};
 }
 
-void Sleep(std::uint32_t milliseconds) {
-  ::Sleep(milliseconds);
-}
+void Sleep(std::uint32_t milliseconds) { ::Sleep(milliseconds); }
 
 }  // namespace platform::processes

@@ -60,20 +60,12 @@ double twipsPerPixelY = 0;
 bool resizeEventsOn = false;  // set by the first Show
 DWORD lastEvents = 0;         // tick count when events were processed last
 
-HINSTANCE Instance() {
-  return GetModuleHandleW(nullptr);
-}
+HINSTANCE Instance() { return GetModuleHandleW(nullptr); }
 
-Control& At(int control) {
-  return controls[static_cast<std::size_t>(control)];
-}
+Control& At(int control) { return controls[static_cast<std::size_t>(control)]; }
 
-int PixelsX(double twips) {
-  return static_cast<int>(std::lround(twips / twipsPerPixelX));
-}
-int PixelsY(double twips) {
-  return static_cast<int>(std::lround(twips / twipsPerPixelY));
-}
+int PixelsX(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelX)); }
+int PixelsY(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelY)); }
 
 /// The run must not stand still behind a box of the system's own, nor may the system offer to end
 /// it because it has not looked at its events for a while.
@@ -89,9 +81,7 @@ void MeasureScreen() {
   ReleaseDC(nullptr, screen);
 }
 
-int DotsPerInch() {
-  return static_cast<int>(std::lround(TwipsPerInch / twipsPerPixelY));
-}
+int DotsPerInch() { return static_cast<int>(std::lround(TwipsPerInch / twipsPerPixelY)); }
 
 void CreateFonts() {
   for (std::size_t i = 0; i < fonts.size(); ++i) {
@@ -136,9 +126,7 @@ HWND Button() {
 }
 
 /// False while a message box is open: its owner takes no input then, whoever sends it.
-bool TakesInput() {
-  return IsWindowEnabled(mainWindow) != FALSE;
-}
+bool TakesInput() { return IsWindowEnabled(mainWindow) != FALSE; }
 
 LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
@@ -343,9 +331,7 @@ void SetText(int control, std::string_view value) {
   if (GetTickCount() - target.textShown >= DisplayInterval) ShowText(target);
 }
 
-std::string Text(int control) {
-  return At(control).text;
-}
+std::string Text(int control) { return At(control).text; }
 
 void SetVisible(int control, bool visible) {
   ShowWindow(At(control).handle, visible ? SW_SHOWNA : SW_HIDE);
@@ -359,9 +345,7 @@ void SetEnabled(int control, bool enabled) {
   if (enabled && GetActiveWindow() == mainWindow) SetFocus(Button());
 }
 
-bool IsEnabled(int control) {
-  return IsWindowEnabled(At(control).handle) != FALSE;
-}
+bool IsEnabled(int control) { return IsWindowEnabled(At(control).handle) != FALSE; }
 
 void SetTop(int control, int top) {
   Control& target = At(control);
@@ -369,12 +353,8 @@ void SetTop(int control, int top) {
                SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-double TwipsPerPixelX() {
-  return twipsPerPixelX;
-}
-double TwipsPerPixelY() {
-  return twipsPerPixelY;
-}
+double TwipsPerPixelX() { return twipsPerPixelX; }
+double TwipsPerPixelY() { return twipsPerPixelY; }
 
 PictureBox DescribePictureBox(int control) {
   const Control& box = At(control);
@@ -383,9 +363,7 @@ PictureBox DescribePictureBox(int control) {
           GetSysColor(COLOR_HIGHLIGHT)};
 }
 
-void ErasePictureBox(int control) {
-  At(control).drawn.clear();
-}
+void ErasePictureBox(int control) { At(control).drawn.clear(); }
 
 void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
                          std::uint32_t colour) {

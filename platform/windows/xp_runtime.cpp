@@ -6,9 +6,7 @@
 
 extern "C" {
 
-static ULONGLONG WINAPI TickCount() {
-  return GetTickCount();
-}
+static ULONGLONG WINAPI TickCount() { return GetTickCount(); }
 
 extern ULONGLONG(WINAPI* const ImportOfGetTickCount64)() __asm__("__imp__GetTickCount64@0");
 ULONGLONG(WINAPI* const ImportOfGetTickCount64)() = TickCount;

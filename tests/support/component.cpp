@@ -30,9 +30,7 @@ int DllRegisterServer() {
 }
 
 #ifndef SLOW
-int DllUnregisterServer() {
-  return Tell("unregistered");
-}
+int DllUnregisterServer() { return Tell("unregistered"); }
 #endif
 
 }  // extern "C"

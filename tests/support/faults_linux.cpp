@@ -46,13 +46,9 @@ std::string Hide(const std::string& path) {
   return path;  // its name starts with a dot
 }
 
-std::shared_ptr<void> Lock(const std::string& path) {
-  return std::make_shared<LockedFile>(path);
-}
+std::shared_ptr<void> Lock(const std::string& path) { return std::make_shared<LockedFile>(path); }
 
-std::uint32_t CodeOfTerminated(std::uint32_t /*exitCode*/) {
-  return 128 + SIGKILL;
-}
+std::uint32_t CodeOfTerminated(std::uint32_t /*exitCode*/) { return 128 + SIGKILL; }
 
 Resources ResourcesInUse() {
   const auto entries = [](const char* folder) {
@@ -66,12 +62,8 @@ Resources ResourcesInUse() {
           .kilobytes = resident * sysconf(_SC_PAGESIZE) / 1024};
 }
 
-bool OnWine() {
-  return false;
-}
+bool OnWine() { return false; }
 
-std::shared_ptr<void> TrustAuthority(const std::string& /*certificateFile*/) {
-  return nullptr;
-}
+std::shared_ptr<void> TrustAuthority(const std::string& /*certificateFile*/) { return nullptr; }
 
 }  // namespace faults

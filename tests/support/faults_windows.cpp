@@ -32,9 +32,7 @@ std::shared_ptr<void> Lock(const std::string& path) {
           CloseHandle};
 }
 
-std::uint32_t CodeOfTerminated(std::uint32_t exitCode) {
-  return exitCode;
-}
+std::uint32_t CodeOfTerminated(std::uint32_t exitCode) { return exitCode; }
 
 Resources ResourcesInUse() {
   PROCESS_MEMORY_COUNTERS memory = {};

@@ -18,59 +18,33 @@ using scripted_window::state;
 
 namespace {
 
-std::size_t At(int control) {
-  return static_cast<std::size_t>(control);
-}
+std::size_t At(int control) { return static_cast<std::size_t>(control); }
 
 }  // namespace
 
 void Create(const Layout& /*layout*/, const Handlers& /*handlers*/) {}
-void Show() {
-  state.shown = true;
-}
+void Show() { state.shown = true; }
 void SetWindowCaption(std::string_view /*caption*/) {}
 void SetWindowIcon(const std::string& /*path*/) {}
-void SetWindowHeight(int height) {
-  state.windowHeight = height;
-}
+void SetWindowHeight(int height) { state.windowHeight = height; }
 void SetText(int control, std::string_view value) {
   state.text[At(control)] = value;
   state.history.push_back(std::to_string(control) + ":" + std::string(value));
 }
-std::string Text(int control) {
-  return state.text[At(control)];
-}
-void SetVisible(int control, bool visible) {
-  state.visible[At(control)] = visible;
-}
-void SetEnabled(int control, bool enabled) {
-  state.enabled[At(control)] = enabled;
-}
-bool IsEnabled(int control) {
-  return state.enabled[At(control)];
-}
-void SetTop(int /*control*/, int top) {
-  state.buttonTop = top;
-}
-double TwipsPerPixelX() {
-  return state.twipsPerPixel;
-}
-double TwipsPerPixelY() {
-  return state.twipsPerPixel;
-}
-PictureBox DescribePictureBox(int /*control*/) {
-  return {state.flatLook, 4530, 255, 0};
-}
-void ErasePictureBox(int control) {
-  state.drawn[At(control)].clear();
-}
+std::string Text(int control) { return state.text[At(control)]; }
+void SetVisible(int control, bool visible) { state.visible[At(control)] = visible; }
+void SetEnabled(int control, bool enabled) { state.enabled[At(control)] = enabled; }
+bool IsEnabled(int control) { return state.enabled[At(control)]; }
+void SetTop(int /*control*/, int top) { state.buttonTop = top; }
+double TwipsPerPixelX() { return state.twipsPerPixel; }
+double TwipsPerPixelY() { return state.twipsPerPixel; }
+PictureBox DescribePictureBox(int /*control*/) { return {state.flatLook, 4530, 255, 0}; }
+void ErasePictureBox(int control) { state.drawn[At(control)].clear(); }
 void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
                          std::uint32_t /*colour*/) {
   state.drawn[At(control)].push_back({left, top, right, bottom});
 }
-void RefreshPictureBox(int control) {
-  ++state.refreshes[At(control)];
-}
+void RefreshPictureBox(int control) { ++state.refreshes[At(control)]; }
 void SetMousePointer(MousePointer pointer) {
   state.history.push_back(pointer == MousePointer::Hourglass ? "hourglass" : "arrow");
 }
@@ -83,8 +57,6 @@ void ProcessPendingEvents() {
   ++state.yields;
   state.onYield();
 }
-void RunEventLoop() {
-  std::abort();
-}
+void RunEventLoop() { std::abort(); }
 
 }  // namespace platform::window

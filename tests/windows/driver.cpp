@@ -43,24 +43,16 @@ ProgramRun::~ProgramRun() {
 bool ProgramRun::WaitForEnd() const {
   return WaitForSingleObject(process, 30'000) == WAIT_OBJECT_0;
 }
-bool ProgramRun::HasEnded() const {
-  return WaitForSingleObject(process, 0) == WAIT_OBJECT_0;
-}
+bool ProgramRun::HasEnded() const { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }
 
 HWND Window() {
   const HWND window = FindWindowW(L"KestraneWindow", nullptr);
   return IsWindowVisible(window) != FALSE ? window : nullptr;
 }
 
-HWND At(Control control) {
-  return GetDlgItem(Window(), FirstControlId + control);
-}
-std::string Caption() {
-  return WindowText(Window());
-}
-std::string Text(Control control) {
-  return WindowText(At(control));
-}
+HWND At(Control control) { return GetDlgItem(Window(), FirstControlId + control); }
+std::string Caption() { return WindowText(Window()); }
+std::string Text(Control control) { return WindowText(At(control)); }
 
 bool WaitForText(Control control, std::string_view text) {
   return Eventually([&] { return Window() != nullptr && Text(control) == text; });
@@ -74,9 +66,7 @@ std::string FinalMessage() {
   return Text(frmPrincipal::lblMensaje);
 }
 
-void Click(Control control) {
-  PostMessageW(At(control), BM_CLICK, 0, 0);
-}
+void Click(Control control) { PostMessageW(At(control), BM_CLICK, 0, 0); }
 
 std::string Place(Control control) {
   RECT area;
