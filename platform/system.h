@@ -25,7 +25,7 @@ namespace platform::system {
 [[nodiscard]] std::size_t WindowsDirectory(std::string& buffer);
 [[nodiscard]] std::size_t SystemDirectory(std::string& buffer);
 
-/// Decimal separator of the user's locale, such as "," or ".".
+/// Decimal separator of the user's locale, such as "," or ".", as it is when it is first asked for.
 [[nodiscard]] std::string DecimalSeparator();
 
 /// Opens a file through the shell, owned by the desktop window; showValue is a SW_ value of

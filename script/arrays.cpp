@@ -23,6 +23,7 @@ std::string Join(const std::vector<std::string>& list, const char* separator) {
 std::vector<std::string> Split(std::string_view value, char separator) {
   std::vector<std::string> pieces;
   if (value.empty()) return pieces;
+  pieces.reserve(static_cast<std::size_t>(std::count(value.begin(), value.end(), separator)) + 1);
   while (true) {
     const auto end = value.find(separator);
     pieces.emplace_back(value.substr(0, end));

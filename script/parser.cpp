@@ -1,5 +1,6 @@
 #include "script/parser.h"
 
+#include <algorithm>
 #include <new>
 
 #include "install/action_executor.h"
@@ -8,7 +9,6 @@
 #include "run/run_state.h"
 #include "script/action_table.h"
 #include "script/arrays.h"
-#include "script/replace.h"
 #include "script/version.h"
 #include "transfer/availability.h"
 
@@ -123,8 +123,12 @@ void ResetScript() {
 
 std::vector<Fields> CutScript(std::string_view script) {
   try {
+    std::string text(script);
+    std::erase(text, '\r');
     std::vector<Fields> significant;
-    for (const auto& line : modFunciones::Split(modFunciones::ReplaceAll(script, "\r", ""), '\n')) {
+    for (std::string_view rest = text; !rest.empty();) {
+      const std::string_view line = rest.substr(0, rest.find('\n'));
+      rest.remove_prefix(std::min(line.size() + 1, rest.size()));
       if (line.empty() || line.starts_with('#')) continue;
       significant.push_back(modFunciones::Split(line, '|'));
     }

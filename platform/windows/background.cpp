@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <utility>
+
 #include "platform/window.h"
 
 namespace platform::windows {
@@ -13,36 +15,63 @@ constexpr DWORD PollInterval = 20;  // milliseconds; nobody feels a click wait t
 struct Worker {
   HANDLE start = CreateEventW(nullptr, FALSE, FALSE, nullptr);
   HANDLE done = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-  const std::function<void()>* call = nullptr;  // handed over with start, handed back with done
+  std::function<void()> call;  // handed over with start, handed back with done
 };
+
+// What runs calls, and whether it is at one. A worker lives as long as the process; none when the
+// system has no thread or events for it.
+Worker* theWorker = nullptr;
+bool isAtWork = false;
 
 DWORD WINAPI Work(void* argument) {
   auto& worker = *static_cast<Worker*>(argument);
   while (WaitForSingleObject(worker.start, INFINITE) == WAIT_OBJECT_0) {
-    (*worker.call)();
+    worker.call();
+    worker.call = nullptr;
     SetEvent(worker.done);
   }
   return 0;
 }
 
-/// The worker lives as long as the process; null when the system has no thread or events for it.
-Worker* TheWorker() {
-  static Worker worker;
-  static const HANDLE thread = CreateThread(nullptr, 0, Work, &worker, 0, nullptr);
-  const bool complete = worker.start != nullptr && worker.done != nullptr && thread != nullptr;
-  return complete ? &worker : nullptr;
+bool ProvideWorker() {
+  if (theWorker != nullptr) return true;
+  auto* const worker = new Worker;
+  if (worker->start == nullptr || worker->done == nullptr) return false;
+  const HANDLE thread = CreateThread(nullptr, 0, Work, worker, 0, nullptr);
+  if (thread == nullptr) return false;
+  CloseHandle(thread);
+  theWorker = worker;
+  return true;
 }
 
 }  // namespace
 
-void RunInBackground(const std::function<void()>& call) {
-  Worker* worker = TheWorker();
-  if (worker == nullptr) return call();
-  worker->call = &call;
-  SetEvent(worker->start);
-  while (WaitForSingleObject(worker->done, PollInterval) == WAIT_TIMEOUT) {
+void StartBackgroundCall(std::function<void()> call) {
+  FinishBackgroundCall();
+  if (!ProvideWorker()) return call();
+  theWorker->call = std::move(call);
+  isAtWork = true;
+  SetEvent(theWorker->start);
+}
+
+void FinishBackgroundCall() {
+  if (!isAtWork) return;
+  while (WaitForSingleObject(theWorker->done, PollInterval) == WAIT_TIMEOUT) {
     window::ProcessPendingEvents();
   }
+  isAtWork = false;
+}
+
+void AbandonBackgroundCall() {
+  if (!isAtWork) return;
+  const bool hasEnded = WaitForSingleObject(theWorker->done, 0) == WAIT_OBJECT_0;
+  if (!hasEnded) theWorker = nullptr;  // the next call gets another
+  isAtWork = false;
+}
+
+void RunInBackground(std::function<void()> call) {
+  StartBackgroundCall(std::move(call));
+  FinishBackgroundCall();
 }
 
 }  // namespace platform::windows

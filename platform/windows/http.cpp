@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <vector>
 
 #include "platform/windows/background.h"
@@ -46,35 +47,60 @@ const char* NullWhenEmpty(const std::string& value) {
 }
 
 constexpr std::size_t SmallestChunk = 1024;  // bytes
-constexpr std::size_t LargestChunk = 64 * 1024;
+constexpr std::size_t LargestChunk = 256 * 1024;
 constexpr DWORD SlowRead = 100;  // milliseconds
 constexpr DWORD FastRead = 25;
 
+/// A part of a body that was read, or is being read, in one call.
+struct Chunk {
+  std::vector<char> bytes = {};
+  bool read = false;
+  DWORD duration = 0;  // milliseconds
+};
+
 /// A read costs much the same whatever its size, and returns when all of it is there: so the body
-/// is fetched in chunks as large as arrive before anyone would miss the progress.
+/// is fetched in chunks as large as arrive before anyone would miss the progress, and one ahead of
+/// the one that is handed out.
 struct OpenBody {
+  explicit OpenBody(HINTERNET opened) : url(opened) {}
+  ~OpenBody() { windows::AbandonBackgroundCall(); }
+  OpenBody(const OpenBody&) = delete;
+  OpenBody& operator=(const OpenBody&) = delete;
+
   Handle url;
   std::size_t chunkSize = SmallestChunk;
-  std::vector<char> chunk = {};
-  std::size_t taken = 0;  // bytes of the chunk that were handed out
+  std::shared_ptr<Chunk> chunk = std::make_shared<Chunk>();
+  std::shared_ptr<Chunk> next;  // being read, and shared with the call that reads it
+  std::size_t taken = 0;        // bytes of the chunk that were handed out
 };
+
+void ReadChunk(HINTERNET url, Chunk& chunk) {
+  DWORD count = 0;
+  const DWORD start = GetTickCount();
+  chunk.read = Library().InternetReadFile(url, chunk.bytes.data(),
+                                          static_cast<DWORD>(chunk.bytes.size()), &count) != FALSE;
+  chunk.bytes.resize(chunk.read ? count : 0);
+  chunk.duration = GetTickCount() - start;
+}
+
+void StartReading(OpenBody& body) {
+  body.next = std::make_shared<Chunk>();
+  body.next->bytes.resize(body.chunkSize);
+  windows::StartBackgroundCall(
+      [url = body.url.get(), chunk = body.next] { ReadChunk(url, *chunk); });
+}
 
 /// An empty chunk is the end of the body.
 bool FetchChunk(OpenBody& body) {
-  body.chunk.resize(body.chunkSize);
+  if (!body.next) StartReading(body);
+  windows::FinishBackgroundCall();
+  body.chunk = std::move(body.next);
   body.taken = 0;
-  DWORD count = 0;
-  bool read = false;
-  const DWORD start = GetTickCount();
-  RunInBackground([&] {
-    read = Library().InternetReadFile(body.url.get(), body.chunk.data(),
-                                      static_cast<DWORD>(body.chunk.size()), &count) != FALSE;
-  });
-  const DWORD duration = GetTickCount() - start;
+  const DWORD duration = body.chunk->duration;
   if (duration < FastRead) body.chunkSize = std::min(body.chunkSize * 2, LargestChunk);
   if (duration > SlowRead) body.chunkSize = std::max(body.chunkSize / 2, SmallestChunk);
-  body.chunk.resize(read ? count : 0);
-  return read;
+  if (!body.chunk->bytes.empty()) StartReading(body);
+  return body.chunk->read;
 }
 
 /// Wine takes a connection that closes, or sends something else than HTTP, for an answer.
@@ -157,7 +183,7 @@ Body OpenUrl(const Handle& root, const std::string& url) {
   RunInBackground(
       [&] { opened = Library().InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0); });
   if (opened == nullptr) return nullptr;
-  Body body(new OpenBody{Handle(opened)});
+  Body body(new OpenBody(opened));
   return HasStatus(opened) ? std::move(body) : nullptr;
 }
 
@@ -181,10 +207,10 @@ std::optional<std::int64_t> AnnouncedLength(const Body& body) {
 bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
   auto& open = *static_cast<OpenBody*>(body.get());
   bytesRead = 0;
-  if (open.taken == open.chunk.size() && !FetchChunk(open)) return false;
-  const auto available = static_cast<std::uint32_t>(open.chunk.size() - open.taken);
+  if (open.taken == open.chunk->bytes.size() && !FetchChunk(open)) return false;
+  const auto available = static_cast<std::uint32_t>(open.chunk->bytes.size() - open.taken);
   bytesRead = std::min(size, available);
-  std::copy_n(open.chunk.data() + open.taken, bytesRead, buffer);
+  std::copy_n(open.chunk->bytes.data() + open.taken, bytesRead, buffer);
   open.taken += bytesRead;
   return true;
 }

@@ -56,8 +56,11 @@ std::size_t SystemDirectory(std::string& buffer) {
 }
 
 std::string DecimalSeparator() {
-  char separator[8] = ".";
-  GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator, sizeof separator);
+  static const std::string separator = [] {
+    char text[8] = ".";
+    GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, text, sizeof text);
+    return std::string(text);
+  }();
   return separator;
 }
 

@@ -32,12 +32,14 @@ constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 /// last text of a label, or on the last look at the events, waits.
 constexpr DWORD DisplayInterval = 10;
 
+/// Twips; turned into pixels when it is painted.
 struct FilledRectangle {
-  RECT area;
+  double left;
+  double top;
+  double right;
+  double bottom;
   COLORREF colour;
-  bool operator==(const FilledRectangle& other) const {
-    return EqualRect(&area, &other.area) != FALSE && colour == other.colour;
-  }
+  bool operator==(const FilledRectangle&) const = default;
 };
 
 struct Control {
@@ -103,8 +105,10 @@ LRESULT PaintPicture(HWND picture) {
   for (const auto& control : controls) {
     if (control.handle != picture) continue;
     for (const auto& rectangle : control.shown) {
+      const RECT area = {PixelsX(rectangle.left), PixelsY(rectangle.top), PixelsX(rectangle.right),
+                         PixelsY(rectangle.bottom)};
       SetBkColor(context, rectangle.colour);
-      ExtTextOutW(context, 0, 0, ETO_OPAQUE, &rectangle.area, nullptr, 0, nullptr);
+      ExtTextOutW(context, 0, 0, ETO_OPAQUE, &area, nullptr, 0, nullptr);
     }
   }
   EndPaint(picture, &paint);
@@ -367,8 +371,7 @@ void ErasePictureBox(int control) { At(control).drawn.clear(); }
 
 void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
                          std::uint32_t colour) {
-  At(control).drawn.push_back(
-      {{PixelsX(left), PixelsY(top), PixelsX(right), PixelsY(bottom)}, colour});
+  At(control).drawn.push_back({left, top, right, bottom, colour});
 }
 
 void RefreshPictureBox(int control) {
