@@ -20,8 +20,9 @@ constexpr std::int32_t ProxyAccess = 3;   // INTERNET_OPEN_TYPE_PROXY
 constexpr std::uint32_t QueryContentLength = 5;
 constexpr std::uint32_t QueryStatusCode = 19;
 
-constexpr int PollInterval = 20;       // milliseconds; nobody feels a click wait that long
-constexpr long MostRedirections = 10;  // so that a circle of them ends
+constexpr int PollInterval = 20;            // milliseconds; nobody feels a click wait that long
+constexpr long MostRedirections = 10;       // so that a circle of them ends
+constexpr long MostReceived = 256L * 1024;  // bytes of a body that wait for their reader
 constexpr const char* SecureProtocol = "https";
 constexpr const char* Protocols = "http,https";
 
@@ -84,7 +85,8 @@ struct Request : InternetObject {
 /// A GET that stands still whenever a block of its body is not yet asked for.
 struct Download {
   Transfer transfer;
-  std::string received;  // and not yet read: one delivery of the library's at the most
+  std::string received;   // about MostReceived bytes at the most
+  std::size_t taken = 0;  // of them, by readers
   bool paused = false;
   bool headIsComplete = false;
 };
@@ -193,11 +195,11 @@ std::size_t TakeHeaderLine(const char* line, std::size_t size, std::size_t count
 std::size_t TakeBody(const char* bytes, std::size_t size, std::size_t count, void* target) {
   auto& download = *static_cast<Download*>(target);
   download.headIsComplete = true;  // no body comes of an answer that stands for another one
-  if (!download.received.empty()) {
+  if (download.received.size() >= static_cast<std::size_t>(MostReceived)) {
     download.paused = true;
     return CURL_WRITEFUNC_PAUSE;
   }
-  download.received.assign(bytes, size * count);
+  download.received.append(bytes, size * count);
   return size * count;
 }
 
@@ -208,6 +210,16 @@ void Unpause(Download& download) {
   if (!download.paused) return;
   download.paused = false;
   curl_easy_pause(download.transfer.easy.get(), CURLPAUSE_CONT);
+}
+
+/// Waits for more of the body, or its end.
+void Receive(Download& download) {
+  download.received.clear();
+  download.taken = 0;
+  while (download.received.empty() && !download.transfer.result) {
+    Unpause(download);
+    Advance(download.transfer);
+  }
 }
 
 }  // namespace
@@ -306,6 +318,7 @@ Body OpenUrl(const Handle& root, const std::string& url) {
   if (!Prepare(transfer, As<Root>(root), url)) return nullptr;
   CURL* const easy = transfer.easy.get();
   curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
+  curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, MostReceived);
   curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, TakeHeaderLine);
   curl_easy_setopt(easy, CURLOPT_HEADERDATA, download.get());
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, TakeBody);
@@ -330,13 +343,11 @@ std::optional<std::int64_t> AnnouncedLength(const Body& body) {
 
 bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
   auto& download = DownloadOf(body);
-  while (download.received.empty() && !download.transfer.result) {
-    Unpause(download);
-    Advance(download.transfer);
-  }
-  bytesRead = static_cast<std::uint32_t>(std::min<std::size_t>(size, download.received.size()));
-  std::copy_n(download.received.begin(), bytesRead, buffer);
-  download.received.erase(0, bytesRead);
+  if (download.taken == download.received.size()) Receive(download);
+  bytesRead = static_cast<std::uint32_t>(
+      std::min<std::size_t>(size, download.received.size() - download.taken));
+  std::copy_n(download.received.data() + download.taken, bytesRead, buffer);
+  download.taken += bytesRead;
   return bytesRead > 0 || download.transfer.result == CURLE_OK;
 }
 

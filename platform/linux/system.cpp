@@ -100,10 +100,13 @@ std::size_t WindowsDirectory(std::string& buffer) { return Fill(buffer, WindowsF
 std::size_t SystemDirectory(std::string& buffer) { return Fill(buffer, SystemFolder); }
 
 std::string DecimalSeparator() {
-  const locale_t locale = newlocale(LC_NUMERIC_MASK, "", nullptr);
-  if (locale == nullptr) return ".";  // the environment names a locale that is not installed
-  std::string separator = linux_layer::FromUtf8(nl_langinfo_l(RADIXCHAR, locale));
-  freelocale(locale);
+  static const std::string separator = [] {
+    const locale_t locale = newlocale(LC_NUMERIC_MASK, "", nullptr);
+    if (locale == nullptr) return std::string(".");  // the environment's is not installed
+    std::string radix = linux_layer::FromUtf8(nl_langinfo_l(RADIXCHAR, locale));
+    freelocale(locale);
+    return radix;
+  }();
   return separator;
 }
 

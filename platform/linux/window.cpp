@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
 #include <fstream>
 #include <memory>
@@ -22,6 +23,7 @@ namespace platform::window {
 namespace {
 
 using linux_layer::ToUtf8;
+using Clock = std::chrono::steady_clock;
 
 constexpr double TwipsPerInch = 1440.0;
 constexpr double UnscaledDotsPerInch = 96;
@@ -37,11 +39,16 @@ constexpr const char* Ellipsis = "\u2026";
 /// message is cut off.
 constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 
+/// How long, in milliseconds, what follows on the last text of a label, or on the last look at the
+/// events, may wait: a download sets texts and yields at every block.
+constexpr std::chrono::milliseconds DisplayInterval(10);
+
+/// Twips; turned into pixels when it is painted.
 struct FilledRectangle {
-  int x;
-  int y;
-  int w;
-  int h;
+  double left;
+  double top;
+  double right;
+  double bottom;
   std::uint32_t colour;
   bool operator==(const FilledRectangle&) const = default;
 };
@@ -50,7 +57,8 @@ struct FilledRectangle {
 Handlers handlers{};
 double twipsPerPixelX = 0;
 double twipsPerPixelY = 0;
-bool resizeEventsOn = false;  // set by the first Show
+bool resizeEventsOn = false;   // set by the first Show
+Clock::time_point lastEvents;  // when events were processed last
 
 int PixelsX(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelX)); }
 int PixelsY(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelY)); }
@@ -166,7 +174,10 @@ class PictureWidget : public Fl_Widget {
     fl_push_clip(left, top, w() - 2 * BorderOfPictures, h() - 2 * BorderOfPictures);
     fl_rectf(left, top, w(), h(), FL_WHITE);
     for (const auto& area : shown) {
-      fl_rectf(left + area.x, top + area.y, area.w, area.h, ColourOf(area.colour));
+      const int x = PixelsX(area.left);
+      const int y = PixelsY(area.top);
+      fl_rectf(left + x, top + y, PixelsX(area.right) - x, PixelsY(area.bottom) - y,
+               ColourOf(area.colour));
     }
     fl_pop_clip();
   }
@@ -202,7 +213,9 @@ class IconWidget : public Fl_Widget {
 struct Control {
   Fl_Widget* widget;  // owned by the window
   ControlLayout layout;
-  std::string text;
+  std::string text = "";
+  Clock::time_point textShown = {};  // when a text was brought to the screen last
+  bool textWaits = false;
 };
 
 MainWindow* mainWindow = nullptr;  // lives as long as the process
@@ -211,6 +224,29 @@ std::vector<Control> controls;
 Control& At(int control) { return controls[static_cast<std::size_t>(control)]; }
 
 PictureWidget& PictureAt(int control) { return static_cast<PictureWidget&>(*At(control).widget); }
+
+void ShowText(Control& control) {
+  const std::string text = ToUtf8(control.text);
+  if (control.layout.kind == ControlKind::Button) {
+    control.widget->copy_label(text.c_str());
+  } else {
+    static_cast<LabelWidget&>(*control.widget).SetText(text);
+  }
+  control.textShown = Clock::now();
+  control.textWaits = false;
+}
+
+void ShowWaitingTexts() {
+  for (auto& control : controls) {
+    if (control.textWaits) ShowText(control);
+  }
+}
+
+void HandleEvents() {
+  ShowWaitingTexts();
+  Fl::check();
+  lastEvents = Clock::now();
+}
 
 Fl_Widget* Button() {
   for (const auto& control : controls) {
@@ -298,7 +334,7 @@ void Create(const Layout& layout, const Handlers& callbacks) {
   mainWindow->color(linux_layer::Grey);
   mainWindow->callback(WindowClosing);
   for (const auto& control : layout.controls) {
-    controls.push_back({CreateWidget(control), control, ""});
+    controls.push_back({CreateWidget(control), control});
   }
   mainWindow->end();
   SetWindowCaption(layout.caption);
@@ -307,6 +343,7 @@ void Create(const Layout& layout, const Handlers& callbacks) {
 }
 
 void Show() {
+  ShowWaitingTexts();
   mainWindow->show();
   mainWindow->WaitUntilDrawn();
   Button()->take_focus();
@@ -333,11 +370,8 @@ void SetText(int control, std::string_view value) {
   Control& target = At(control);
   if (target.text == value) return;
   target.text = value;
-  if (target.layout.kind == ControlKind::Button) {
-    target.widget->copy_label(ToUtf8(value).c_str());
-  } else {
-    static_cast<LabelWidget&>(*target.widget).SetText(ToUtf8(value));
-  }
+  target.textWaits = true;
+  if (Clock::now() - target.textShown >= DisplayInterval) ShowText(target);
 }
 
 std::string Text(int control) { return At(control).text; }
@@ -351,6 +385,7 @@ void SetVisible(int control, bool visible) {
 }
 
 void SetEnabled(int control, bool enabled) {
+  ShowWaitingTexts();
   Fl_Widget& widget = *At(control).widget;
   if (!enabled) {
     // The release of a button that is held down would not come any more.
@@ -358,7 +393,7 @@ void SetEnabled(int control, bool enabled) {
     return widget.deactivate();
   }
   // What was pressed while the control was disabled must not reach it when it is enabled.
-  if (!IsEnabled(control)) ProcessPendingEvents();
+  if (!IsEnabled(control)) HandleEvents();
   widget.activate();
   Button()->take_focus();
 }
@@ -383,9 +418,7 @@ void ErasePictureBox(int control) { PictureAt(control).drawn.clear(); }
 
 void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
                          std::uint32_t colour) {
-  const int x = PixelsX(left);
-  const int y = PixelsY(top);
-  PictureAt(control).drawn.push_back({x, y, PixelsX(right) - x, PixelsY(bottom) - y, colour});
+  PictureAt(control).drawn.push_back({left, top, right, bottom, colour});
 }
 
 void RefreshPictureBox(int control) {
@@ -402,10 +435,13 @@ void SetMousePointer(MousePointer pointer) {
 }
 
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {
+  ShowWaitingTexts();
   return linux_layer::RunMessageBox(ToUtf8(text), style, ToUtf8(title), PixelsY(FontSizes.front()));
 }
 
-void ProcessPendingEvents() { Fl::check(); }
+void ProcessPendingEvents() {
+  if (Clock::now() - lastEvents >= DisplayInterval) HandleEvents();
+}
 
 void RunEventLoop() {
   while (true) Fl::wait();
