@@ -17,7 +17,7 @@ namespace platform::files {
 
 /// Paths of the plain files that match; the last component may hold "*" and "?". Folders, hidden
 /// files and system files are passed over. A path that the system rejects matches nothing.
-/// Windows: FindFirstFileA, which looks at short names as well.
+/// Windows: short names count as well.
 [[nodiscard]] std::vector<std::string> Find(const std::string& pattern);
 
 /// True when the path, taken without wildcards, names anything that is not a folder.

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -68,7 +69,8 @@ struct OpenBody {
   OpenBody& operator=(const OpenBody&) = delete;
 
   Handle url;
-  std::size_t chunkSize = SmallestChunk;
+  std::optional<std::int64_t> announced;  // length of the body
+  std::int64_t received = 0;
   std::shared_ptr<Chunk> chunk = std::make_shared<Chunk>();
   std::shared_ptr<Chunk> next;  // being read, and shared with the call that reads it
   std::size_t taken = 0;        // bytes of the chunk that were handed out
@@ -83,23 +85,36 @@ void ReadChunk(HINTERNET url, Chunk& chunk) {
   chunk.duration = GetTickCount() - start;
 }
 
+// Bytes that arrive as fast as wanted, as far as the bodies up to now tell.
+std::size_t chunkSize = SmallestChunk;
+
+void LearnFrom(const Chunk& chunk) {
+  const bool full = chunk.bytes.size() == chunkSize;
+  if (full && chunk.duration < FastRead) chunkSize = std::min(chunkSize * 2, LargestChunk);
+  if (chunk.duration > SlowRead) chunkSize = std::max(chunkSize / 2, SmallestChunk);
+}
+
 void StartReading(OpenBody& body) {
   body.next = std::make_shared<Chunk>();
-  body.next->bytes.resize(body.chunkSize);
+  body.next->bytes.resize(chunkSize);
   windows::StartBackgroundCall(
       [url = body.url.get(), chunk = body.next] { ReadChunk(url, *chunk); });
 }
 
 /// An empty chunk is the end of the body.
 bool FetchChunk(OpenBody& body) {
+  body.taken = 0;
+  if (body.received >= body.announced.value_or(INT64_MAX)) {
+    body.chunk->bytes.clear();
+    return true;
+  }
   if (!body.next) StartReading(body);
   windows::FinishBackgroundCall();
   body.chunk = std::move(body.next);
-  body.taken = 0;
-  const DWORD duration = body.chunk->duration;
-  if (duration < FastRead) body.chunkSize = std::min(body.chunkSize * 2, LargestChunk);
-  if (duration > SlowRead) body.chunkSize = std::max(body.chunkSize / 2, SmallestChunk);
-  if (!body.chunk->bytes.empty()) StartReading(body);
+  LearnFrom(*body.chunk);
+  body.received += static_cast<std::int64_t>(body.chunk->bytes.size());
+  const bool more = body.received < body.announced.value_or(INT64_MAX);
+  if (more && !body.chunk->bytes.empty()) StartReading(body);
   return body.chunk->read;
 }
 
@@ -110,6 +125,18 @@ bool HasStatus(HINTERNET request) {
   return Library().HttpQueryInfoA(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status,
                                   &size, nullptr) != FALSE &&
          status >= HTTP_STATUS_CONTINUE;
+}
+
+std::optional<std::int64_t> LengthOf(HINTERNET request) {
+  char digits[32] = {};
+  DWORD size = sizeof digits;
+  if (Library().HttpQueryInfoA(request, HTTP_QUERY_CONTENT_LENGTH, digits, &size, nullptr) ==
+      FALSE) {
+    return std::nullopt;
+  }
+  std::int64_t length = 0;
+  const bool isNumber = std::from_chars(digits, digits + size, length).ec == std::errc{};
+  return isNumber && length >= 0 ? std::optional(length) : std::nullopt;
 }
 
 /// Windows refuses a redirection from https to http by itself; Wine follows it.
@@ -183,8 +210,10 @@ Body OpenUrl(const Handle& root, const std::string& url) {
   RunInBackground(
       [&] { opened = Library().InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0); });
   if (opened == nullptr) return nullptr;
-  Body body(new OpenBody(opened));
-  return HasStatus(opened) ? std::move(body) : nullptr;
+  auto body = std::make_unique<OpenBody>(opened);
+  if (!HasStatus(opened)) return nullptr;
+  body->announced = LengthOf(opened);
+  return Body(body.release());
 }
 
 bool IsSecure(const Body& body) {
@@ -192,16 +221,7 @@ bool IsSecure(const Body& body) {
 }
 
 std::optional<std::int64_t> AnnouncedLength(const Body& body) {
-  const auto* open = static_cast<const OpenBody*>(body.get());
-  char digits[32] = {};
-  DWORD size = sizeof digits;
-  if (Library().HttpQueryInfoA(open->url.get(), HTTP_QUERY_CONTENT_LENGTH, digits, &size,
-                               nullptr) == FALSE) {
-    return std::nullopt;
-  }
-  std::int64_t length = 0;
-  const bool isNumber = std::from_chars(digits, digits + size, length).ec == std::errc{};
-  return isNumber && length >= 0 ? std::optional(length) : std::nullopt;
+  return static_cast<const OpenBody*>(body.get())->announced;
 }
 
 bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {

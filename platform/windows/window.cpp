@@ -28,9 +28,10 @@ constexpr DWORD WindowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIM
 /// message is cut off.
 constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 
-/// Milliseconds. A download sets texts and yields at every block: what follows this soon on the
-/// last text of a label, or on the last look at the events, waits.
-constexpr DWORD DisplayInterval = 10;
+// Milliseconds. A download sets texts, draws and yields at every block: what follows this soon on
+// what a control displayed last, or on the last look at the events, waits.
+constexpr DWORD DisplayInterval = 30;
+constexpr DWORD EventInterval = 10;
 
 /// Twips; turned into pixels when it is painted.
 struct FilledRectangle {
@@ -45,9 +46,9 @@ struct FilledRectangle {
 struct Control {
   HWND handle = nullptr;
   ControlLayout layout{};
+  DWORD displayed = 0;  // tick count when its text or picture was brought to the screen last
+  bool waits = false;   // there is a later one
   std::string text;
-  DWORD textShown = 0;  // tick count when a text was brought to the screen last
-  bool textWaits = false;
   std::vector<FilledRectangle> drawn;  // since the picture box was erased
   std::vector<FilledRectangle> shown;  // what the screen has to show
 };
@@ -61,6 +62,7 @@ double twipsPerPixelX = 0;
 double twipsPerPixelY = 0;
 bool resizeEventsOn = false;  // set by the first Show
 DWORD lastEvents = 0;         // tick count when events were processed last
+bool displayMayWait = true;   // not once the run can no longer be cancelled: what follows may block
 
 HINSTANCE Instance() { return GetModuleHandleW(nullptr); }
 
@@ -256,13 +258,31 @@ void ShowText(Control& control) {
     SendMessageW(control.handle, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
   }
   SetWindowTextW(control.handle, text.c_str());
-  control.textShown = GetTickCount();
-  control.textWaits = false;
 }
 
-void ShowWaitingTexts() {
+void ShowPicture(Control& control) {
+  control.shown = control.drawn;
+  InvalidateRect(control.handle, nullptr, FALSE);
+  UpdateWindow(control.handle);
+}
+
+void Display(Control& control) {
+  if (control.layout.kind == ControlKind::PictureBox) {
+    ShowPicture(control);
+  } else {
+    ShowText(control);
+  }
+  control.displayed = GetTickCount();
+  control.waits = false;
+}
+
+void DisplayWhenDue(Control& control) {
+  if (!displayMayWait || GetTickCount() - control.displayed >= DisplayInterval) Display(control);
+}
+
+void DisplayWhatWaits() {
   for (auto& control : controls) {
-    if (control.textWaits) ShowText(control);
+    if (control.waits) Display(control);
   }
 }
 
@@ -273,7 +293,9 @@ void DispatchMessage(MSG& message) {
 }
 
 void HandleEvents() {
-  ShowWaitingTexts();
+  for (auto& control : controls) {
+    if (control.waits) DisplayWhenDue(control);
+  }
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessage(message);
   lastEvents = GetTickCount();
@@ -293,7 +315,7 @@ void Create(const Layout& layout, const Handlers& callbacks) {
 }
 
 void Show() {
-  ShowWaitingTexts();
+  DisplayWhatWaits();
   ShowWindow(mainWindow, SW_SHOWNORMAL);
   // The first call obeys whoever started the process, who may have asked for another size or none.
   if (IsWindowVisible(mainWindow) == FALSE || IsZoomed(mainWindow) != FALSE) {
@@ -331,8 +353,8 @@ void SetText(int control, std::string_view value) {
   Control& target = At(control);
   if (target.text == value) return;
   target.text = value;
-  target.textWaits = true;
-  if (GetTickCount() - target.textShown >= DisplayInterval) ShowText(target);
+  target.waits = true;
+  DisplayWhenDue(target);
 }
 
 std::string Text(int control) { return At(control).text; }
@@ -344,8 +366,9 @@ void SetVisible(int control, bool visible) {
 void SetEnabled(int control, bool enabled) {
   // What was pressed while the control was disabled must not reach it when it is enabled.
   if (enabled && !IsEnabled(control)) HandleEvents();
-  ShowWaitingTexts();
+  DisplayWhatWaits();
   EnableWindow(At(control).handle, enabled ? TRUE : FALSE);
+  displayMayWait = IsWindowEnabled(Button()) != FALSE;
   if (enabled && GetActiveWindow() == mainWindow) SetFocus(Button());
 }
 
@@ -376,10 +399,8 @@ void DrawFilledRectangle(int control, double left, double top, double right, dou
 
 void RefreshPictureBox(int control) {
   Control& box = At(control);
-  if (box.shown == box.drawn) return;
-  box.shown = box.drawn;
-  InvalidateRect(box.handle, nullptr, FALSE);
-  UpdateWindow(box.handle);
+  box.waits = box.shown != box.drawn;
+  if (box.waits) DisplayWhenDue(box);
 }
 
 void SetMousePointer(MousePointer pointer) {
@@ -387,12 +408,12 @@ void SetMousePointer(MousePointer pointer) {
 }
 
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {
-  ShowWaitingTexts();
+  DisplayWhatWaits();
   return MessageBoxW(mainWindow, ToUtf16(text).c_str(), ToUtf16(title).c_str(), style);
 }
 
 void ProcessPendingEvents() {
-  if (GetTickCount() - lastEvents >= DisplayInterval) HandleEvents();
+  if (GetTickCount() - lastEvents >= EventInterval) HandleEvents();
 }
 
 void RunEventLoop() {
