@@ -1,5 +1,6 @@
 #include "run/update_sequence.h"
 
+#include <exception>
 #include <string>
 
 #include "install/action_executor.h"
@@ -82,9 +83,7 @@ std::string RunPhases() {
   return RunActions();
 }
 
-}  // namespace
-
-void CheckForUpdate() {
+void RunSequence() {
   if (!modFunciones::IsOnline()) return FailWithMessage(NotOnline);
   window::SetText(frmPrincipal::lblMensaje, CheckingStatus);
   window::ProcessPendingEvents();
@@ -101,6 +100,19 @@ void CheckForUpdate() {
   }
   if (!parseFailure.empty()) return FailWithMessage(parseFailure);
   PerformUpdate();
+}
+
+}  // namespace
+
+void CheckForUpdate() {
+  try {
+    RunSequence();
+  } catch (const std::exception&) {
+    // Memory ran out, and only the script can ask for that much.
+    ResetScript();
+    ResetActionTable();
+    FailWithMessage(ScriptNotUnderstood);
+  }
 }
 
 void PerformUpdate() {
