@@ -18,8 +18,9 @@ std::string Hide(const std::string& path);
 /// The exit code of a process that was terminated with this one.
 [[nodiscard]] std::uint32_t CodeOfTerminated(std::uint32_t exitCode);
 
-/// What this process holds; the numbers stay as they are while nothing is kept. Linux: handles are
-/// file descriptors, and there are no graphics objects.
+/// What this process holds; the numbers stay as they are while nothing is kept, but for those of
+/// graphics objects and memory, which waver. Linux: handles are file descriptors, and there are no
+/// graphics objects.
 struct Resources {
   long handles = 0;
   long threads = 0;

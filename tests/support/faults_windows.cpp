@@ -46,7 +46,8 @@ Resources ResourcesInUse() {
     if (thread.th32OwnerProcessID == GetCurrentProcessId()) ++threads;
   }
   CloseHandle(snapshot);
-  // Wine does not count handles, but gives out the lowest that is free.
+  // Wine counts neither, but gives out the lowest handle that is free, and the graphics object that
+  // was freed last.
   const HANDLE newHandle = CreateEventA(nullptr, FALSE, FALSE, nullptr);
   const HBRUSH newObject = CreateSolidBrush(RGB(1, 2, 3));
   CloseHandle(newHandle);
