@@ -3,15 +3,52 @@
 #include <algorithm>
 #include <tuple>
 
-#include "publish/check_flow.h"
-#include "publish/check_lines.h"
-#include "publish/check_text.h"
+#include "publish/check_rules.h"
 #include "publish/reading.h"
-#include "publish/version_range.h"
+#include "publish/versions.h"
+#include "script/version.h"
 
 namespace publish {
 namespace {
 
+constexpr std::size_t LeastLines = 4;
+constexpr std::string_view ByteOrderMarks[] = {"\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF"};
+
+/// Byte-order mark and number of lines; with findings, looking further makes no sense.
+Findings CheckText(const Script& script) {
+  for (const auto& mark : ByteOrderMarks) {
+    if (script.text.starts_with(mark)) {
+      return {{Severity::Error, 1,
+               "The text begins with a byte-order mark, so that no installation understands it: "
+               "save it as Windows-1252 (\"ANSI\")."}};
+    }
+  }
+  if (script.lines.size() < LeastLines) {
+    return {{Severity::Error, 0,
+             "The script needs at least four lines beside comments and blank ones, but has " +
+                 std::to_string(script.lines.size()) + "."}};
+  }
+  return {};
+}
+
+/// The version of the header against the one that the updater's file tells of itself.
+void CheckHeaderVersion(const Script& script, const std::string& updater, Findings& findings) {
+  using modPrincipal::VersionToNumber;
+  const std::string recorded = RecordedVersion(updater);
+  const std::string stated = FieldAt(script.lines[0].fields, 0);
+  if (recorded.empty() || VersionToNumber(stated) == VersionToNumber(recorded)) return;
+  const std::string both =
+      "The header offers the updater " + stated + ", but the file is version " + recorded + ": ";
+  if (VersionToNumber(stated) > VersionToNumber(recorded)) {
+    findings.push_back({Severity::Error, script.lines[0].number,
+                        both + "every installation would replace its updater again and again."});
+  } else {
+    findings.push_back({Severity::Warning, script.lines[0].number,
+                        both + "installations that have " + stated + " will not get it."});
+  }
+}
+
+/// Errors first, then by line, each finding once.
 void Sort(Findings& findings) {
   const auto key = [](const Finding& finding) {
     return std::tie(finding.severity, finding.line, finding.text);
@@ -28,13 +65,10 @@ void Sort(Findings& findings) {
 
 Findings Check(const Script& script, const Knowledge& knowledge) {
   Findings findings = CheckText(script);
-  // Lines of a text in another encoding would be misread one by one.
-  if (findings.empty()) {
-    findings = CheckLines(script);
-    const bool refused = !Verdict(script).empty();
-    if (!refused) CheckFlow(script, knowledge.newest, findings);
-    CheckHeaderVersion(script, knowledge.updater, findings);
-  }
+  if (!findings.empty()) return findings;
+  CheckLines(script, findings);
+  if (Verdict(script).empty()) CheckFlow(script, knowledge.newest, findings);
+  CheckHeaderVersion(script, knowledge.updater, findings);
   Sort(findings);
   return findings;
 }

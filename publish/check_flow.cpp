@@ -1,4 +1,4 @@
-#include "publish/check_flow.h"
+#include "publish/check_rules.h"
 
 #include <algorithm>
 #include <map>
@@ -6,15 +6,13 @@
 
 #include "platform/text.h"
 #include "publish/reading.h"
-#include "publish/version_range.h"
+#include "publish/versions.h"
 #include "publish/vocabulary.h"
 
 namespace publish {
 namespace {
 
 using platform::text::LowerCase;
-
-constexpr const char* LaterThanAll = "999.999.999";
 
 /// One reading of the script and where to put what is found in it.
 struct Run {
@@ -61,9 +59,10 @@ bool IsEndedBefore(const Run& run, const TakenAction& action, const std::string&
 void FindProgramsInUse(const Run& run) {
   for (const auto& action : run.reading.actions) {
     const ScriptLine& line = run.LineOf(action);
-    const std::string program = LowerCase(FileNameOf(line.fields[1]));
+    const std::string path = LowerCase(line.fields[1]);
+    const std::string program = FileNameOf(path);
     if (!PutsAFile(line) || !program.ends_with(".exe")) continue;
-    if (program == "kestrane.exe") {
+    if (path == "$apppath\\kestrane.exe") {
       run.findings.push_back({Severity::Error, line.number,
                               "The updater cannot replace itself so: the header is for that."});
     } else if (!IsEndedBefore(run, action, program)) {
@@ -74,10 +73,14 @@ void FindProgramsInUse(const Run& run) {
   }
 }
 
-/// The VERSION line that opened the block of a line.
-const ScriptLine& OpeningOf(const Script& script, std::size_t line) {
-  while (line > 0 && CommandWord(script.lines[line].fields) != "VERSION") --line;
-  return script.lines[line];
+/// The VERSION line of the first block that updates an installation; null when none does. What is
+/// carried out at once is no update.
+const ScriptLine* OpeningOfUpdate(const Script& script, const std::string& installed) {
+  const Reading reading = ReadFor(script, installed, false);
+  const auto recorded = std::find_if(reading.actions.begin(), reading.actions.end(),
+                                     [](const TakenAction& action) { return !action.immediate; });
+  if (recorded == reading.actions.end()) return nullptr;
+  return &script.lines[OpeningOf(script, recorded->line)];
 }
 
 void FindEndlessUpdates(const Script& script, const std::string& newest, Findings& findings) {
@@ -89,21 +92,19 @@ void FindEndlessUpdates(const Script& script, const std::string& newest, Finding
   } cases[] = {
       {newest, Severity::Error,
        "The block holds for the newest release as well, which would be updated at every start."},
-      {LaterThanAll, Severity::Error,
+      {LatestVersion, Severity::Error,
        "The block holds for every later version, so that no update ever is the last one."},
       {newest.empty() ? greatest : "", Severity::Warning,
        "The block holds for " + greatest +
            " itself: if that is the newest release, it is updated at every start."},
   };
   for (const auto& [version, severity, text] : cases) {
-    if (version.empty()) continue;
-    const Reading reading = ReadFor(script, version, false);
-    if (reading.actions.empty()) continue;
-    const ScriptLine& opening = OpeningOf(script, reading.actions.front().line);
+    const ScriptLine* const opening = version.empty() ? nullptr : OpeningOfUpdate(script, version);
+    if (opening == nullptr) continue;
     // Who names one version alone means an old one.
-    const bool namesOne = opening.fields[1] == "=";
+    const bool namesOne = opening->fields[1] == "=";
     if (severity == Severity::Warning && namesOne) continue;
-    findings.push_back({severity, opening.number, text});
+    findings.push_back({severity, opening->number, text});
     return;
   }
 }
@@ -124,7 +125,7 @@ void FindIdleActions(const Script& script, const std::set<std::size_t>& taken, F
     if (command == nullptr || !command->isAction || taken.contains(i) || isSwitchedOff) continue;
     findings.push_back(
         {Severity::Warning, number,
-         inBlock ? "No installed version gets to this action: earlier blocks end the reading, or "
+         inBlock ? "No installed version gets to this action: an END above it ends the reading, or "
                    "the VERSION line holds for none."
                  : "The action stands before the first VERSION line and never takes effect."});
     if (inBlock) isSwitchedOff = true;  // one finding a block

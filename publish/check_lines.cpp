@@ -1,4 +1,4 @@
-#include "publish/check_lines.h"
+#include "publish/check_rules.h"
 
 #include <algorithm>
 
@@ -158,24 +158,60 @@ Remark UnusableUrl(const Line& line) {
     return {Severity::Error, line.word + " names no URL, so that its download fails."};
   }
   if (url.empty()) return {};
-  const auto parts = modFunciones::SplitUrl(url.substr(IsUrl(url) ? url.find("//") + 2 : 0));
-  const bool usable =
+  const auto parts = modFunciones::SplitUrl(url);
+  const bool isUsable =
       IsUrl(url) && !parts.empty() && !parts[0].empty() && modFunciones::PortNumber(parts[1]);
-  if (usable) return {};
-  return {Severity::Error, Quoted(url) +
-                               " is no URL that the updater can use: http:// or https://, a host, "
-                               "and a port of at most 32767 if any."};
-}
-
-bool IsOnThisMachine(const std::string& lowerUrl) {
-  return lowerUrl.starts_with("http://127.") || lowerUrl.starts_with("http://localhost");
+  if (!isUsable) {
+    return {Severity::Error, Quoted(url) +
+                                 " is no URL that the updater can use: http:// or https://, a "
+                                 "host, and a port of at most 32767 if any."};
+  }
+  const auto isPlain = [](char character) { return character > ' ' && character <= '~'; };
+  if (std::all_of(url.begin(), url.end(), isPlain)) return {};
+  return {Severity::Warning,
+          "The URL has blanks or accented letters, which have to be written as %20 and so on."};
 }
 
 Remark PlainHttp(const Line& line) {
-  const std::string url = LowerCase(UrlOf(line));
-  if (!url.starts_with("http://") || IsOnThisMachine(url)) return {};
+  const std::string url = UrlOf(line);
+  if (!IsUrl(url) || modFunciones::IsSecureUrl(url)) return {};
+  const auto parts = modFunciones::SplitUrl(url);
+  const std::string host = parts.empty() ? "" : LowerCase(parts[0]);
+  if (host == "localhost" || host.starts_with("127.")) return {};
   return {Severity::Warning,
           "The URL is plain http, where anyone on the way can replace the file: use https."};
+}
+
+Remark MissingArgument(const Line& line) {
+  if (line.command == nullptr || line.fields.size() < 2 || !line.fields[1].empty()) return {};
+  switch (line.command->first) {
+    case Argument::Path:
+      return {Severity::Error, line.word + " names no file."};
+    case Argument::CommandLine:
+      return {Severity::Error, "EXECUTE names no program."};
+    case Argument::ProcessName:
+      return {Severity::Warning, "KILL without a name ends nothing."};
+    case Argument::Other:
+      return {};
+  }
+  return {};
+}
+
+/// What a path begins with that is no macro, or no whole one.
+Remark BeginningOfPath(const std::string& path) {
+  for (const auto& macro : Macros) {
+    if (!path.starts_with(macro)) continue;
+    if (path.substr(macro.size()).starts_with('\\')) return {};
+    return {Severity::Error, "There is no backslash behind " + std::string(macro) + "."};
+  }
+  if (path.starts_with('$')) {
+    return {Severity::Error,
+            "The path begins with no macro; those are $WinPath, $WinSysPath and $AppPath."};
+  }
+  if (path.starts_with("\\\\") || path.substr(1, 2) == ":\\") return {};
+  return {Severity::Warning,
+          "The path begins with no macro and no drive, so that it depends on the folder in which "
+          "the updater was started."};
 }
 
 Remark PathThatGoesAstray(const Line& line) {
@@ -185,26 +221,29 @@ Remark PathThatGoesAstray(const Line& line) {
   if (path.find('/') != std::string::npos) {
     return {Severity::Warning, "The path has a \"/\", where Windows wants a backslash."};
   }
-  const bool isAbsolute =
-      path.starts_with('$') || path.starts_with("\\\\") || path.substr(1, 2) == ":\\";
-  if (isAbsolute) return {};
-  return {Severity::Warning,
-          "The path begins with no macro and no drive, so that it depends on "
-          "the folder in which the updater was started."};
+  if (path.ends_with('\\')) {
+    return {Severity::Error, "The path ends with a backslash, as that of a folder."};
+  }
+  if (path.find_first_of("*?") != std::string::npos) {
+    return {line.word == "DELETE" ? Severity::Warning : Severity::Error,
+            "The path has a * or ?, which only DELETE understands: it deletes every file that "
+            "fits."};
+  }
+  return BeginningOfPath(path);
 }
 
-Remark BlanksAroundAnArgument(const Line& line) {
+Remark BlanksAroundThePath(const Line& line) {
   const bool hasPath = line.command != nullptr && line.command->first == Argument::Path;
-  const std::string url = UrlOf(line);
   const std::string path = hasPath ? FieldAt(line.fields, 1) : "";
-  if (Trimmed(url) == url && Trimmed(path) == path) return {};
-  return {Severity::Warning, "There are blanks around an argument, and they belong to it."};
+  if (Trimmed(path) == path) return {};
+  return {Severity::Warning, "There are blanks around the path, and they belong to it."};
 }
+
+bool IsAccented(char character) { return static_cast<unsigned char>(character) > '~'; }
 
 Remark OddCharacters(const Line& line) {
   for (const auto& field : line.fields) {
-    const auto decoded = FromUtf8(field);
-    if (decoded && *decoded != field) {
+    if (IsUtf8(field) && std::any_of(field.begin(), field.end(), IsAccented)) {
       return {Severity::Warning,
               "The line is in UTF-8, but is read as Windows-1252: users will "
               "see other characters."};
@@ -227,17 +266,18 @@ constexpr std::size_t ShortestStem = 3;
 Remark KillOfTooMuch(const Line& line) {
   if (line.word != "KILL" || line.fields.size() < 2) return {};
   const std::string name = LowerCase(line.fields[1]);
-  if (name.empty()) return {Severity::Warning, "KILL without a name ends nothing."};
+  if (name.empty()) return {};
   if (std::string_view("kestrane.exe").ends_with(name)) {
     return {Severity::Error, "KILL ends every program whose name ends so, the updater too."};
   }
   for (const auto& program : CommonPrograms) {
     if (program.ends_with(name)) {
-      return {Severity::Error,
+      return {program == name ? Severity::Warning : Severity::Error,
               "KILL ends every program whose name ends so, " + std::string(program) + " too."};
     }
   }
-  if (!name.ends_with(ProgramSuffix) || name.find('\\') != std::string::npos) {
+  const bool isFileName = Trimmed(name) == name && name.find('\\') == std::string::npos;
+  if (!isFileName || !name.ends_with(ProgramSuffix)) {
     return {Severity::Warning,
             "KILL compares with the end of a file name such as ledger.exe: this ends nothing."};
   }
@@ -248,24 +288,15 @@ Remark KillOfTooMuch(const Line& line) {
   return {};
 }
 
-constexpr Remark (*Rules[])(const Line& line) = {Refusal,
-                                                 UnknownCommand,
-                                                 IdleMarker,
-                                                 MacroInImmediateAction,
-                                                 MacroInWrongCase,
-                                                 UnknownWord,
-                                                 PauseThatIsNone,
-                                                 UnusableUrl,
-                                                 PlainHttp,
-                                                 PathThatGoesAstray,
-                                                 BlanksAroundAnArgument,
-                                                 OddCharacters,
-                                                 KillOfTooMuch};
+constexpr Remark (*Rules[])(const Line& line) = {
+    Refusal,          UnknownCommand,  IdleMarker,         MacroInImmediateAction,
+    MacroInWrongCase, UnknownWord,     PauseThatIsNone,    UnusableUrl,
+    PlainHttp,        MissingArgument, PathThatGoesAstray, BlanksAroundThePath,
+    OddCharacters,    KillOfTooMuch};
 
 }  // namespace
 
-Findings CheckLines(const Script& script) {
-  Findings findings;
+void CheckLines(const Script& script, Findings& findings) {
   for (const auto& [number, fields] : script.lines) {
     const bool isHeader = &fields == &script.lines.front().fields;
     const std::string word = isHeader ? "" : CommandWord(fields);
@@ -275,7 +306,6 @@ Findings CheckLines(const Script& script) {
       if (!remark.text.empty()) findings.push_back({remark.severity, number, remark.text});
     }
   }
-  return findings;
 }
 
 }  // namespace publish

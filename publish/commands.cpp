@@ -9,6 +9,7 @@
 #include "publish/report.h"
 #include "publish/simulate.h"
 #include "publish/source.h"
+#include "publish/versions.h"
 
 namespace publish {
 namespace {
@@ -51,6 +52,11 @@ Findings CheckFile(const std::string& name, const Script& script, const std::str
 int RunCheck(const CheckOptions& options) {
   const auto script = Load(options.script);
   if (!script) return Failed;
+  if (!options.updater.empty() &&
+      RecordedVersion(ReadFile(PathOf(options.updater)).value_or("")).empty()) {
+    std::cerr << options.updater << " cannot be read, or tells no version.\n";
+    return Failed;
+  }
   return StatusOf(
       CheckFile(options.script, *script, options.newest, PathOf(options.updater), options.asJson));
 }
@@ -58,20 +64,17 @@ int RunCheck(const CheckOptions& options) {
 int RunSimulate(const SimulateOptions& options) {
   const auto script = Load(options.script);
   if (!script) return Failed;
-  if (script->lines.empty()) {
-    std::cerr << options.script << " has no lines.\n";
-    return Failed;
-  }
   std::vector<Outcome> outcomes;
   for (const auto& installed : options.installed) {
     outcomes.push_back(Simulate(*script, installed, options.probe));
   }
   if (options.all) outcomes = SimulateAll(*script, options.probe);
-  ReportOutcomes(*script, outcomes, options.probe, options.asJson);
+  const Offer offer = SimulateOffer(*script, options.probe);
+  ReportOutcomes(*script, offer, outcomes, options.probe, options.asJson);
   const bool isRefused = std::any_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) {
     return !outcome.reading.failure.empty();
   });
-  return isRefused ? Failed : 0;
+  return isRefused || !offer.failure.empty() ? Failed : 0;
 }
 
 int RunMake(const Order& order, bool asJson) {

@@ -33,10 +33,11 @@ std::size_t SequenceLength(unsigned first) {
   if (first < 0x80) return 1;
   if (first >= 0xC2 && first < 0xE0) return 2;
   if (first >= 0xE0 && first < 0xF0) return 3;
-  return 0;  // longer ones stand for characters that the code page lacks
+  if (first >= 0xF0 && first < 0xF5) return 4;
+  return 0;
 }
 
-/// Takes one character off the front; nothing when it is no UTF-8, or far from the code page.
+/// Takes one character off the front; nothing when it is no UTF-8.
 std::optional<unsigned> TakeCodePoint(std::string_view& value) {
   const std::size_t length = SequenceLength(ByteOf(value.front()));
   if (length == 0 || length > value.size()) return std::nullopt;
@@ -89,6 +90,13 @@ std::filesystem::path PathOf(const std::string& utf8) {
 std::string Utf8Of(const std::filesystem::path& path) {
   const std::u8string text = path.generic_u8string();
   return {text.begin(), text.end()};
+}
+
+bool IsUtf8(std::string_view value) {
+  while (!value.empty()) {
+    if (!TakeCodePoint(value)) return false;
+  }
+  return true;
 }
 
 bool IsUnassigned(char byte) {

@@ -24,6 +24,9 @@ namespace publish {
 [[nodiscard]] std::filesystem::path PathOf(const std::string& utf8);
 [[nodiscard]] std::string Utf8Of(const std::filesystem::path& path);
 
+/// True for a text in UTF-8; one in ASCII is.
+[[nodiscard]] bool IsUtf8(std::string_view value);
+
 /// True for a byte that no character of the code page has.
 [[nodiscard]] bool IsUnassigned(char byte);
 

@@ -23,6 +23,9 @@ std::string WhyUnusable(const std::string& utf8Name) {
       std::any_of(utf8Name.begin(), utf8Name.end(), isControl)) {
     return "has characters that no file of Windows may have";
   }
+  if (utf8Name.ends_with(' ') || utf8Name.ends_with('.')) {
+    return "ends with a blank or a full stop, which Windows takes away";
+  }
   for (const auto& macro : Macros) {
     if (utf8Name.find(macro) != std::string::npos) return "holds a macro of the script";
   }

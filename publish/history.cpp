@@ -33,16 +33,16 @@ void Insert(std::string& script, std::size_t at, const Lines& added) {
 void Erase(std::string& script, std::size_t first, std::size_t end) {
   Lines lines = LinesOf(script);
   lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(first),
-              lines.begin() + static_cast<std::ptrdiff_t>(std::min(end, lines.size())));
+              lines.begin() + static_cast<std::ptrdiff_t>(end));
   script = TextOf(lines);
 }
 
-/// The block from a VERSION line up to the next one.
+/// The block from a VERSION line up to its last line; what stands between it and the next one, such
+/// as a comment upon that, stays.
 void EraseBlock(std::string& script, const Script& cut, std::size_t opening) {
   std::size_t next = opening + 1;
   while (next < cut.lines.size() && CommandWord(cut.lines[next].fields) != "VERSION") ++next;
-  const std::size_t end = next < cut.lines.size() ? IndexOf(cut.lines[next]) : std::string::npos;
-  Erase(script, IndexOf(cut.lines[opening]), end);
+  Erase(script, IndexOf(cut.lines[opening]), IndexOf(cut.lines[next - 1]) + 1);
 }
 
 void EraseBlocksLike(std::string& script, const std::string& versionLine) {
@@ -53,13 +53,13 @@ void EraseBlocksLike(std::string& script, const std::string& versionLine) {
   }
 }
 
-/// Where the first block begins that takes effect for the version.
+/// Where the first block begins that takes effect for the version, comments upon it included.
 std::optional<std::size_t> BlockInTheWay(const Script& script, const std::string& version) {
-  const Reading reading = ReadFor(script, version, false);
-  if (reading.actions.empty()) return std::nullopt;
-  std::size_t line = reading.actions.front().line;
-  while (CommandWord(script.lines[line].fields) != "VERSION") --line;
-  return IndexOf(script.lines[line]);
+  const auto actions = ReadFor(script, version, false).actions;
+  const auto first = std::min_element(actions.begin(), actions.end(),
+                                      [](const auto& a, const auto& b) { return a.line < b.line; });
+  if (first == actions.end()) return std::nullopt;
+  return IndexOf(script.lines[OpeningOf(script, first->line) - 1]) + 1;
 }
 
 }  // namespace

@@ -4,12 +4,13 @@
 #include <fstream>
 
 #include "platform/text.h"
+#include "publish/check.h"
+#include "publish/console.h"
 #include "publish/encoding.h"
 #include "publish/history.h"
-#include "publish/progress.h"
 #include "publish/script_text.h"
 #include "publish/source.h"
-#include "publish/version_record.h"
+#include "publish/versions.h"
 #include "script/version.h"
 
 namespace publish {
@@ -135,6 +136,15 @@ void PlanScript(Plan& plan) {
   AppendBlock(plan.script, BlockFor("<", order.to, Everything(plan.newFolder), wishes));
 }
 
+void CheckScript(const Plan& plan, Problems& problems) {
+  for (const auto& [severity, line, text] :
+       Check(CutWithNumbers(plan.script), {plan.order.to, ""})) {
+    if (severity == Severity::Warning) continue;
+    problems.push_back("The script would not do, in its line " + std::to_string(line) + ": " +
+                       text);
+  }
+}
+
 bool Copy(const fs::path& file, const fs::path& target) {
   std::error_code error;
   fs::create_directories(target.parent_path(), error);
@@ -200,7 +210,9 @@ Problems Make(const Order& order) {
   if (!problems.empty()) return problems;
 
   PlanScript(plan);
-  if (!WriteSite(plan)) problems.emplace_back("The upload folder cannot be written.");
+  CheckScript(plan, problems);
+  if (problems.empty() && !WriteSite(plan))
+    problems.emplace_back("The upload folder cannot be written.");
   return problems;
 }
 

@@ -1,12 +1,12 @@
 #include "publish/reading.h"
 
-#include <algorithm>
 #include <string_view>
 
 #include "install/action_executor.h"
 #include "platform/window.h"
-#include "publish/progress.h"
+#include "publish/console.h"
 #include "publish/vocabulary.h"
+#include "run/messages.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
 #include "script/parser.h"
@@ -68,13 +68,16 @@ Reading ReadFor(const Script& script, const std::string& installed, bool probe) 
   Reading reading;
   reading.failure = Parse(lines, installed);
   reading.name = modPrincipal::AppDisplayName;
+  reading.offersUpdater = modPrincipal::NewUpdaterVersion > 0;
   for (const auto& label : immediateActions) reading.actions.push_back({std::stoul(label), true});
-  for (std::size_t row = 0; row < modPrincipal::ActionArg1.size(); ++row) {
-    reading.actions.push_back(
-        {std::stoul(modPrincipal::ActionArg1[row]), false, modPrincipal::ActionSize[row]});
+  // Of a refused script no row is carried out; the last one may be what it is refused for.
+  const bool isMissing = reading.failure == modPrincipal::FilesNotAvailable;
+  const std::size_t rows = modPrincipal::ActionArg1.size();
+  std::size_t row = reading.failure.empty() ? 0 : rows - (isMissing ? 1 : 0);
+  for (; row < rows; ++row) {
+    reading.actions.push_back({std::stoul(modPrincipal::ActionArg1[row]), false,
+                               modPrincipal::ActionSize[row], isMissing});
   }
-  std::sort(reading.actions.begin(), reading.actions.end(),
-            [](const TakenAction& a, const TakenAction& b) { return a.line < b.line; });
   return reading;
 }
 

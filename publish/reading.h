@@ -17,12 +17,14 @@ struct TakenAction {
   std::size_t line = 0;    // index into Script::lines
   bool immediate = false;  // carried out while the script is read
   std::int32_t size = 0;   // bytes to download, where the server was asked
+  bool missing = false;    // the server does not offer the file, and the script is refused for it
 };
 
 struct Reading {
   std::string failure;  // the message that the user would meet, or ""
   std::string name;     // what the window would show
-  std::vector<TakenAction> actions;
+  bool offersUpdater = false;
+  std::vector<TakenAction> actions;  // in the order in which they are carried out
 };
 
 /// What the parser makes of the script. probe: ask the server for every file, with two HEAD

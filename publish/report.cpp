@@ -6,14 +6,13 @@
 
 #include "publish/console.h"
 #include "publish/encoding.h"
+#include "publish/versions.h"
 #include "script/arrays.h"
 
 namespace publish {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr const char* LatestVersion = "999.999.999";
 
 struct SeverityLook {
   const char* word;
@@ -62,6 +61,15 @@ Json AsJson(const TakenAction& action, const ScriptLine& line, bool probed) {
                {"command", ToUtf8(CommandWord(line.fields))},
                {"arguments", arguments}};
   if (probed) json["bytes"] = action.size;
+  if (action.missing) json["missing"] = true;
+  return json;
+}
+
+Json AsJson(const Offer& offer, bool probed) {
+  if (offer.version.empty()) return nullptr;
+  Json json = {{"version", ToUtf8(offer.version)}, {"url", ToUtf8(offer.url)}};
+  if (probed) json["bytes"] = offer.bytes;
+  if (!offer.failure.empty()) json["failure"] = ToUtf8(offer.failure);
   return json;
 }
 
@@ -88,7 +96,20 @@ void PrintAction(const TakenAction& action, const ScriptLine& line, bool probed)
   shown[0] = CommandWord(line.fields);
   std::cout << ToUtf8(modFunciones::Join(shown, "  "));
   if (probed && action.size > 0) std::cout << "  (" << Number(action.size, "byte") << ")";
+  if (action.missing) std::cout << "  (not available)";
   std::cout << "\n";
+}
+
+void PrintOffer(const Offer& offer, bool probed) {
+  if (offer.version.empty()) return;
+  std::cout << "An updater older than " << ToUtf8(offer.version) << " first replaces itself from "
+            << ToUtf8(offer.url);
+  if (!offer.failure.empty()) {
+    std::cout << "  (not available)\n  final screen: " << ToUtf8(offer.failure);
+  } else if (probed) {
+    std::cout << "  (" << Number(offer.bytes, "byte") << ")";
+  }
+  std::cout << "\n\n";
 }
 
 void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
@@ -98,8 +119,6 @@ void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
     std::cout << "  in the window: " << ToUtf8(outcome.reading.name) << "\n";
   }
   for (const auto& action : outcome.reading.actions) {
-    // What was only noted down when the script was refused is never carried out.
-    if (isRefused && !action.immediate) continue;
     PrintAction(action, script.lines[action.line], probed);
   }
   if (probed && !isRefused) std::cout << "  in all " << Number(outcome.bytes, "byte") << "\n";
@@ -132,21 +151,17 @@ void ReportFindings(const std::string& scriptName, const std::string& verdict,
             << (verdict.empty() ? "understands it" : "refuses it: " + ToUtf8(verdict)) << "\n";
 }
 
-void ReportOutcomes(const Script& script, const std::vector<Outcome>& outcomes, bool probed,
-                    bool asJson) {
-  const Fields& header = script.lines.front().fields;
+void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,
+                    bool probed, bool asJson) {
   if (asJson) {
-    Json json = {
-        {"updater", {{"version", ToUtf8(FieldAt(header, 0))}, {"url", ToUtf8(FieldAt(header, 1))}}},
-        {"installed", Json::array()}};
+    Json json = {{"updater", AsJson(offer, probed)}, {"installed", Json::array()}};
     for (const auto& outcome : outcomes) {
       json["installed"].push_back(AsJson(script, outcome, probed));
     }
     std::cout << json.dump(2) << "\n";
     return;
   }
-  std::cout << "An updater older than " << ToUtf8(FieldAt(header, 0))
-            << " first replaces itself from " << ToUtf8(FieldAt(header, 1)) << "\n\n";
+  PrintOffer(offer, probed);
   for (const auto& outcome : outcomes) PrintOutcome(script, outcome, probed);
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "publish/findings.h"
+#include "publish/check.h"
 #include "publish/script_text.h"
 #include "publish/simulate.h"
 
@@ -16,8 +16,8 @@ void ReportFindings(const std::string& scriptName, const std::string& verdict,
                     const Findings& findings, bool asJson);
 
 /// probed: sizes are known.
-void ReportOutcomes(const Script& script, const std::vector<Outcome>& outcomes, bool probed,
-                    bool asJson);
+void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,
+                    bool probed, bool asJson);
 
 /// The exit status for findings: 0 without any, 1 for warnings, 2 for errors.
 [[nodiscard]] int StatusOf(const Findings& findings);

@@ -24,6 +24,11 @@ std::string CommandWord(const Fields& fields) {
 
 bool HasMarker(const Fields& fields) { return FieldAt(fields, 0).starts_with('!'); }
 
+std::size_t OpeningOf(const Script& script, std::size_t line) {
+  while (line > 0 && CommandWord(script.lines[line].fields) != "VERSION") --line;
+  return line;
+}
+
 std::string FieldAt(const Fields& fields, std::size_t index) {
   return index < fields.size() ? fields[index] : "";
 }

@@ -30,6 +30,9 @@ struct Script {
 /// True when the line begins with the immediate marker.
 [[nodiscard]] bool HasMarker(const Fields& fields);
 
+/// Index of the VERSION line that opened the block of a line; 0 when none did.
+[[nodiscard]] std::size_t OpeningOf(const Script& script, std::size_t line);
+
 /// Field number index, or the empty text when the line ends before it.
 [[nodiscard]] std::string FieldAt(const Fields& fields, std::size_t index);
 

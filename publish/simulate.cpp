@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
-#include "publish/progress.h"
-#include "publish/version_range.h"
+#include "publish/console.h"
+#include "publish/versions.h"
 #include "run/messages.h"
+#include "transfer/http_probe.h"
+#include "transfer/url.h"
 
 namespace publish {
 namespace {
@@ -25,6 +27,18 @@ bool AreAlike(const Outcome& a, const Outcome& b) {
 }
 
 }  // namespace
+
+Offer SimulateOffer(const Script& script, bool probe) {
+  if (!ReadFor(script, "", false).offersUpdater) return {};
+  const Fields& header = script.lines.front().fields;
+  Offer offer = {header[0], header[1], "", 0};
+  if (!probe) return offer;
+  modFunciones::UrlParts = modFunciones::SplitUrl(offer.url);
+  const auto bytes = modFunciones::AvailableLength();
+  offer.bytes = bytes.value_or(0);
+  if (!bytes) offer.failure = modPrincipal::UpdaterNotAvailable;
+  return offer;
+}
 
 Outcome Simulate(const Script& script, const std::string& installed, bool probe) {
   StartProgress("Asking the server", script.lines.size());

@@ -17,6 +17,16 @@ struct Outcome {
   std::int64_t bytes = 0;   // to download, where the server was asked
 };
 
+/// What an updater meets that is older than the one of the header.
+struct Offer {
+  std::string version;  // empty: the header is not understood, so that it offers none
+  std::string url;
+  std::string failure;     // the message, where the server was asked and does not have it
+  std::int32_t bytes = 0;  // where the server was asked
+};
+
+[[nodiscard]] Offer SimulateOffer(const Script& script, bool probe);
+
 [[nodiscard]] Outcome Simulate(const Script& script, const std::string& installed, bool probe);
 
 /// One outcome for each range of versions that meet the same.

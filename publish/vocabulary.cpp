@@ -14,7 +14,7 @@ constexpr Command Commands[] = {
     {"ADD", 3, "ADD|file|URL", true, false, Argument::Path},
     {"UPDATE", 3, "UPDATE|file|URL", true, false, Argument::Path},
     {"DELETE", 2, "DELETE|file", true, true, Argument::Path},
-    {"MSG", 3, "MSG|text|icon", true, true, Argument::Text},
+    {"MSG", 3, "MSG|text|icon", true, true, Argument::Other},
     {"EXECUTE", 4, "EXECUTE|command|WAIT|window", true, true, Argument::CommandLine},
     {"KILL", 2, "KILL|name", true, true, Argument::ProcessName},
     {"REGISTER", 2, "REGISTER|file", true, true, Argument::Path},

@@ -10,7 +10,7 @@
 
 namespace publish {
 
-enum class Argument { Other, Path, CommandLine, Text, ProcessName };
+enum class Argument { Path, CommandLine, ProcessName, Other };
 
 struct Command {
   std::string_view word;

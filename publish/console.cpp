@@ -1,8 +1,6 @@
-#include "publish/progress.h"
+#include "publish/console.h"
 
 #include <iostream>
-
-#include "publish/console.h"
 
 namespace publish {
 namespace {

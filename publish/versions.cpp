@@ -1,5 +1,7 @@
-#include "publish/version_range.h"
+#include "publish/versions.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <set>
 
 #include "script/version.h"
@@ -30,6 +32,18 @@ std::int64_t NumberOfLine(const ScriptLine& line) {
   return isVersion ? modPrincipal::VersionToNumber(FieldAt(line.fields, 2)) : 0;
 }
 
+// VS_FIXEDFILEINFO of verrsrc.h: its signature, and where the parts of the version stand.
+constexpr std::string_view Signature = "\xBD\x04\xEF\xFE";
+constexpr std::size_t MinorAt = 8;
+constexpr std::size_t MajorAt = 10;
+constexpr std::size_t RevisionAt = 14;
+constexpr std::size_t Size = 16;
+
+std::string NumberAt(std::string_view record, std::size_t at) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(record[i]); };
+  return std::to_string(byte(at) + byte(at + 1) * 256);
+}
+
 }  // namespace
 
 std::vector<std::string> VersionsToldApart(const Script& script) {
@@ -55,6 +69,14 @@ std::string GreatestNamed(const Script& script) {
     version = FieldAt(line.fields, 2);
   }
   return version;
+}
+
+std::string RecordedVersion(std::string_view program) {
+  const auto at = program.find(Signature);
+  if (at == std::string_view::npos || program.size() - at < Size) return "";
+  const auto record = program.substr(at);
+  return NumberAt(record, MajorAt) + "." + NumberAt(record, MinorAt) + "." +
+         NumberAt(record, RevisionAt);
 }
 
 }  // namespace publish
