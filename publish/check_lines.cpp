@@ -200,7 +200,8 @@ Remark MissingArgument(const Line& line) {
 /// What a path begins with that is no macro, or no whole one.
 Remark BeginningOfPath(const std::string& path) {
   for (const auto& macro : Macros) {
-    if (!path.starts_with(macro)) continue;
+    if (!LowerCase(path).starts_with(LowerCase(macro))) continue;
+    if (!path.starts_with(macro)) return {};  // MacroInWrongCase tells
     if (path.substr(macro.size()).starts_with('\\')) return {};
     return {Severity::Error, "There is no backslash behind " + std::string(macro) + "."};
   }

@@ -19,7 +19,10 @@ constexpr int Failed = 2;
 std::optional<Script> Load(const std::string& fileOrUrl) {
   auto text = Fetch(fileOrUrl);
   if (!text) {
-    std::cerr << fileOrUrl << " cannot be read.\n";
+    std::cerr << fileOrUrl << " cannot be read"
+              << (IsUrl(fileOrUrl) ? ": the updater gets no answer with status 200 there, or over "
+                                     "https no certificate that it trusts.\n"
+                                   : ".\n");
     return std::nullopt;
   }
   return CutWithNumbers(std::move(*text));

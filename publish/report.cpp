@@ -7,6 +7,7 @@
 #include "publish/console.h"
 #include "publish/encoding.h"
 #include "publish/versions.h"
+#include "run/messages.h"
 #include "script/arrays.h"
 
 namespace publish {
@@ -114,14 +115,12 @@ void PrintOffer(const Offer& offer, bool probed) {
 
 void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   std::cout << Coloured("Installed: " + ToUtf8(InstalledText(outcome)), "\033[1m") << "\n";
-  const bool isRefused = !outcome.reading.failure.empty();
-  if (!outcome.reading.actions.empty()) {
-    std::cout << "  in the window: " << ToUtf8(outcome.reading.name) << "\n";
-  }
+  const bool isUpdate = outcome.finalScreen == modPrincipal::Success;
+  if (isUpdate) std::cout << "  in the window: " << ToUtf8(outcome.reading.name) << "\n";
   for (const auto& action : outcome.reading.actions) {
     PrintAction(action, script.lines[action.line], probed);
   }
-  if (probed && !isRefused) std::cout << "  in all " << Number(outcome.bytes, "byte") << "\n";
+  if (probed && isUpdate) std::cout << "  in all " << Number(outcome.bytes, "byte") << "\n";
   std::cout << "  final screen: " << ToUtf8(outcome.finalScreen) << "\n\n";
 }
 

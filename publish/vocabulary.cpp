@@ -29,10 +29,10 @@ constexpr std::string_view WindowStyles[] = {"HIDE", "NORMAL",   "NORMALFOCUS",
                                              "MIN",  "MINFOCUS", "MAX"};
 
 constexpr WordArgument WordTable[] = {
-    {"MSG", 2, "icon", MessageStyles, "the message gets the icon of the one before it", false},
+    {"MSG", 2, "icon", MessageStyles, "the message gets none, or that of the MSG before it", false},
     {"EXECUTE", 2, "wait word", WaitWords, "the program is not started", true},
     {"EXECUTE", 3, "window", WindowStyles,
-     "the program gets the window of the one before it, or none", false},
+     "the program gets none, or that of the EXECUTE before it", false},
 };
 
 /// The number of letters to put in, take out or replace.

@@ -25,14 +25,10 @@ extract() {
     inside { print > file }' "$docs/$1"
 }
 
-port_is_taken() {
-  (: <"/dev/tcp/127.0.0.1/$port") 2>/dev/null
-}
-
 # The server of the page about hosting, in front of the upload folder.
 serve() {
   port=18400
-  while port_is_taken; do ((++port)); done
+  until port_is_free $port; do ((++port)); done
   {
     echo "daemon off; master_process off; pid nginx.pid; events {} http { access_log off;"
     for kind in client_body proxy fastcgi uwsgi scgi; do echo "${kind}_temp_path $kind;"; done
@@ -41,6 +37,7 @@ serve() {
   } >nginx.conf
   mkdir www
   ln -s ../site www/ledger
+  echo updater >www/Kestrane.exe
   nginx -p "$folder" -e error.log -c nginx.conf &
   children+=($!)
   wait_until 5 port_is_taken || fail "the server of hosting.md does not start: $(cat error.log)"
@@ -74,42 +71,38 @@ for block in *.console; do
 done
 ((blocks > 0)) || fail "there are no examples"
 
-headers() {
-  exec 3<>"/dev/tcp/127.0.0.1/$port"
-  printf 'HEAD /ledger/%s HTTP/1.0\r\n\r\n' "$1" >&3
-  cat <&3
-}
-headers update.txt | grep -q 'Cache-Control: no-cache' || fail "the script may be kept"
-headers 3.2.0/rates.txt | grep -q immutable || fail "files are not kept"
+curl -sI "http://127.0.0.1:$port/ledger/{update.txt,3.2.0/rates.txt}" >headers.txt
+[[ $(grep -c -e no-cache -e immutable headers.txt) == 2 ]] || fail "the files are kept otherwise: $(cat headers.txt)"
 
 expected='"2.7.1" "app folder" "'$site'/ledger/update.txt" "app folder\ledger.exe" "NO" "Ledger"'
 
-# The stand-ins write the arguments instead of starting anything.
-if command -v mcs >/dev/null; then
-  cat >caller.cs <<END
+# example LANGUAGE COMPILER SOURCE COMMAND...: the command prints the command line, which a stand-in writes
+# instead of starting anything.
+example() {
+  local language=$1 compiler=$2 source=$3
+  shift 3
+  if ! command -v "$compiler" >/dev/null; then
+    echo "The $language example was not run: there is no $compiler."
+    return
+  fi
+  "$compiler" "$source" >compiler.log 2>&1 || fail "the $language example: $(<compiler.log)"
+  diff <("$@" | tr / '\\') <(tr / '\\' <<<"$expected") || fail "the $language example starts it otherwise"
+}
+cat >caller.cs <<END
 using System; using System.IO;
 class ProcessStartInfo { public ProcessStartInfo(string file) {} public string Arguments; public bool UseShellExecute; }
 class Process { public static void Start(ProcessStartInfo info) { Console.WriteLine(info.Arguments); } }
 class Caller { static void Main() { StartUpdate("app folder\\\\", "2.7.1"); } $(<start.cs) }
 END
-  mcs caller.cs
-  diff <(mono caller.exe | tr / '\\') <(tr / '\\' <<<"$expected") || fail "the C# example starts it otherwise"
-else
-  echo "The C# example was not run: there is no mcs."
-fi
-if command -v fpc >/dev/null; then
-  cat >caller.pas <<'END'
+cat >caller.pas <<'END'
 {$mode delphi} uses SysUtils; const SW_SHOWNORMAL = 1;
 function ShellExecute(w: integer; verb, file_, arguments, folder: PChar; show: integer): integer;
 begin writeln(arguments); result := 33 end;
 {$I start.inc}
 begin StartUpdate('app folder', '2.7.1') end.
 END
-  fpc caller.pas >fpc.log
-  diff <(./caller) <(echo "$expected") || fail "the Delphi example starts it otherwise"
-else
-  echo "The Delphi example was not run: there is no fpc."
-fi
+example "C#" mcs caller.cs mono caller.exe
+example Delphi fpc caller.pas ./caller
 
 if windows_works; then
   cat >caller.cpp <<'END'

@@ -75,7 +75,7 @@ TEST(Check, TellsWhatIsWrong) {
       {Block("!!KILL|ledger.exe"), {"E5 no command"}},
       {Block("!END"), {"W5 \"!\" has no effect on END"}},
       {Block("!DELETE|$AppPath\\a"), {"E5 $AppPath is not replaced"}},
-      {Block("MSG|$apppath|NOTHING"), {"E5 $AppPath is written in other letter case"}},
+      {Block("DELETE|$apppath\\a"), {"E5 $AppPath is written in other letter case"}},
       {Block("DELETE|$WinPath\\$WinSysPath\\$AppPath"), {}},
       {Block("DELETE|$AppDir\\a"), {"E5 begins with no macro; those are"}},
       {Block("DELETE|$AppPatha"), {"E5 no backslash behind $AppPath"}},
@@ -285,7 +285,6 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
       {"Windows-1252 lacks", {}, [](Order& o) { std::ofstream(o.newFolder / u8"\u4E2D") << "x"; }},
       {"macro", {{"new/$AppPath", "x"}}},
       {"no file b", {}, [](Order& o) { o.wishes.components = {"b"}; }},
-      {"ends with a blank or a full stop", {{"new/a.", "x"}}},
       {"the updater too", {{"new/e.exe", "x"}}},
       {"needs the updater's version", {}, [](Order& o) { o.updaterUrl = ""; }},
   };
