@@ -28,8 +28,9 @@ struct Plan {
   Folder oldFolder;
   Folder newFolder;
   Difference difference;
-  std::string script;   // the history, then the new script
-  fs::path newUpdater;  // to be uploaded; empty: none
+  std::string script;         // the history, then the new script
+  fs::path newUpdater;        // to be uploaded; empty: none
+  std::string updaterFolder;  // of the upload folder, with a "/" at its end
 };
 
 std::string WithSlash(const std::string& url) { return url.ends_with('/') ? url : url + "/"; }
@@ -72,6 +73,15 @@ void CheckFoldersAgainstFiles(const Folder& files, const Folder& others, Problem
   }
 }
 
+/// An empty folder is no file of either version, but stays in the way of one.
+void CheckEmptyFolders(const Plan& plan, Problems& problems) {
+  for (const auto& file : plan.difference.added) {
+    const fs::path old = plan.order.oldFolder / file.path.lexically_relative(plan.order.newFolder);
+    if (!fs::is_directory(old) || !fs::is_empty(old)) continue;
+    problems.push_back(file.name + " is a folder in the old version and a file in the new one.");
+  }
+}
+
 void CheckWishedNames(const Plan& plan, Problems& problems) {
   for (const auto* names : {&plan.order.wishes.backups, &plan.order.wishes.components}) {
     for (const auto& name : *names) {
@@ -95,8 +105,6 @@ void CheckDifference(const Difference& difference, Problems& problems) {
   }
 }
 
-std::string UpdaterFolder(const std::string& version) { return "kestrane/" + version + "/"; }
-
 /// What the header says: what the publisher said, otherwise the updater in the new folder when it
 /// is newer than what the script offers.
 void PlanHeader(Plan& plan, Problems& problems) {
@@ -111,7 +119,8 @@ void PlanHeader(Plan& plan, Problems& problems) {
   const std::string version = RecordedVersion(ReadFile(updater).value_or(""));
   if (VersionToNumber(version) > VersionToNumber(offered)) {
     plan.newUpdater = updater;
-    SetHeader(plan.script, version + "|" + order.url + UpdaterFolder(version) + UpdaterName);
+    plan.updaterFolder = "kestrane/" + version + "/";
+    SetHeader(plan.script, version + "|" + order.url + plan.updaterFolder + UpdaterName);
   } else if (offered.empty()) {
     problems.emplace_back(
         "The script needs the updater's version and URL: put Kestrane.exe into the new folder, or "
@@ -179,9 +188,9 @@ bool WriteSite(const Plan& plan) {
   files.insert(files.end(), plan.difference.changed.begin(), plan.difference.changed.end());
   if (order.coversOlder) files = Everything(plan.newFolder).changed;
   if (!CopyFiles(plan, files)) return false;
-  if (!plan.newUpdater.empty()) {
-    const std::string version = RecordedVersion(ReadFile(plan.newUpdater).value_or(""));
-    if (!Copy(plan.newUpdater, order.site / UpdaterFolder(version) / UpdaterName)) return false;
+  if (!plan.newUpdater.empty() &&
+      !Copy(plan.newUpdater, order.site / plan.updaterFolder / UpdaterName)) {
+    return false;
   }
   return WriteScript(order.site / ScriptName, plan.script);
 }
@@ -205,6 +214,7 @@ Problems Make(const Order& order) {
   CheckCompanions(plan, problems);
   CheckFoldersAgainstFiles(plan.oldFolder, plan.newFolder, problems);
   CheckFoldersAgainstFiles(plan.newFolder, plan.oldFolder, problems);
+  CheckEmptyFolders(plan, problems);
   CheckWishedNames(plan, problems);
   PlanHeader(plan, problems);
   if (!problems.empty()) return problems;
