@@ -46,7 +46,7 @@ Findings CheckFile(const std::string& name, const Script& script, const std::str
                    std::filesystem::path updater, bool asJson) {
   if (updater.empty() && !IsUrl(name)) updater = UpdaterAtHand(PathOf(name), script);
   Findings findings = Check(script, {newest, ReadFile(updater).value_or("")});
-  ReportFindings(Shown(name), Verdict(script), findings, asJson);
+  ReportFindings(name, Verdict(script), findings, asJson);
   return findings;
 }
 
@@ -82,7 +82,7 @@ int RunSimulate(const SimulateOptions& options) {
 
 int RunMake(const Order& order, bool asJson) {
   const auto problems = Make(order);
-  for (const auto& problem : problems) std::cerr << ToUtf8(problem) << "\n";
+  for (const auto& problem : problems) std::cerr << problem << "\n";
   if (!problems.empty()) return Failed;
   if (!asJson) {
     std::cout << "Upload what is in " << Utf8Of(order.site) << ": the folders first, " << ScriptName

@@ -81,8 +81,6 @@ std::optional<std::string> FromUtf8(std::string_view value) {
   return converted;
 }
 
-std::string Shown(const std::string& value) { return FromUtf8(value).value_or(value); }
-
 std::filesystem::path PathOf(const std::string& utf8) {
   return {std::u8string(utf8.begin(), utf8.end())};
 }

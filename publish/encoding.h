@@ -17,9 +17,6 @@ namespace publish {
 /// page lacks.
 [[nodiscard]] std::optional<std::string> FromUtf8(std::string_view value);
 
-/// FromUtf8 for texts that are shown: what cannot be converted stays as it is.
-[[nodiscard]] std::string Shown(const std::string& value);
-
 /// A path in UTF-8 as the standard library takes it, and the other way round.
 [[nodiscard]] std::filesystem::path PathOf(const std::string& utf8);
 [[nodiscard]] std::string Utf8Of(const std::filesystem::path& path);

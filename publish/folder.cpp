@@ -52,17 +52,17 @@ Folder ListFolder(const fs::path& folder, std::vector<std::string>& problems) {
        entry.increment(error)) {
     const std::string name = Utf8Of(entry->path().lexically_relative(folder));
     const std::string why = WhyUnusable(name);
-    if (!why.empty()) problems.push_back("The name " + Shown(name) + " " + why + ".");
+    if (!why.empty()) problems.push_back("The name " + name + " " + why + ".");
     if (!why.empty() || entry->is_directory()) continue;
     std::string ansiName = *FromUtf8(name);
     std::replace(ansiName.begin(), ansiName.end(), '/', '\\');
     const std::string lowerName = platform::text::LowerCase(ansiName);
     if (IsUpdater(lowerName)) continue;
     if (!files.insert({lowerName, {ansiName, entry->path()}}).second) {
-      problems.push_back("Another name differs from " + ansiName + " in letter case only.");
+      problems.push_back("Another name differs from " + name + " in letter case only.");
     }
   }
-  if (error) problems.push_back("The folder " + Shown(Utf8Of(folder)) + " cannot be read.");
+  if (error) problems.push_back("The folder " + Utf8Of(folder) + " cannot be read.");
   return files;
 }
 

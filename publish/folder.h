@@ -18,7 +18,7 @@ struct FolderFile {
 using Folder = std::map<std::string, FolderFile>;
 
 /// The files of a folder and of those below it, but for the updater itself. What the updater could
-/// not install is told in problems, each in a sentence.
+/// not install is told in problems, each in a sentence in UTF-8.
 [[nodiscard]] Folder ListFolder(const std::filesystem::path& folder,
                                 std::vector<std::string>& problems);
 

@@ -44,7 +44,7 @@ void CheckOrder(const Order& order, Problems& problems) {
   }
   if (!IsUrl(order.url)) problems.push_back(order.url + " is no http or https URL.");
   for (const auto& folder : {order.oldFolder, order.newFolder}) {
-    if (!fs::is_directory(folder)) problems.push_back(Shown(Utf8Of(folder)) + " is no folder.");
+    if (!fs::is_directory(folder)) problems.push_back(Utf8Of(folder) + " is no folder.");
   }
 }
 
@@ -53,8 +53,9 @@ void CheckCompanions(const Plan& plan, Problems& problems) {
   const auto check = [&](const FolderFile& file, const char* suffix) {
     const std::string companion = platform::text::LowerCase(file.name + suffix);
     if (!plan.oldFolder.contains(companion) && !plan.newFolder.contains(companion)) return;
-    problems.push_back("The updater would write over " + file.name + suffix + " while it puts " +
-                       file.name + " in place.");
+    const std::string name = ToUtf8(file.name);
+    problems.push_back("The updater would write over " + name + suffix + " while it puts " + name +
+                       " in place.");
   };
   for (const auto* files : {&plan.difference.added, &plan.difference.changed}) {
     for (const auto& file : *files) check(file, ".tmp");
@@ -67,7 +68,7 @@ void CheckFoldersAgainstFiles(const Folder& files, const Folder& others, Problem
   for (const auto& [key, file] : files) {
     for (auto at = key.find('\\'); at != std::string::npos; at = key.find('\\', at + 1)) {
       if (!others.contains(key.substr(0, at))) continue;
-      problems.push_back(file.name.substr(0, at) +
+      problems.push_back(ToUtf8(file.name.substr(0, at)) +
                          " is a file in one version and a folder in the other.");
     }
   }
@@ -78,7 +79,8 @@ void CheckEmptyFolders(const Plan& plan, Problems& problems) {
   for (const auto& file : plan.difference.added) {
     const fs::path old = plan.order.oldFolder / file.path.lexically_relative(plan.order.newFolder);
     if (!fs::is_directory(old) || !fs::is_empty(old)) continue;
-    problems.push_back(file.name + " is a folder in the old version and a file in the new one.");
+    problems.push_back(ToUtf8(file.name) +
+                       " is a folder in the old version and a file in the new one.");
   }
 }
 
@@ -87,7 +89,7 @@ void CheckWishedNames(const Plan& plan, Problems& problems) {
     for (const auto& name : *names) {
       const std::string key = platform::text::LowerCase(name);
       if (plan.oldFolder.contains(key) || plan.newFolder.contains(key)) continue;
-      problems.push_back("There is no file " + name + " in either folder.");
+      problems.push_back("There is no file " + ToUtf8(name) + " in either folder.");
     }
   }
 }
@@ -150,7 +152,7 @@ void CheckScript(const Plan& plan, Problems& problems) {
        Check(CutWithNumbers(plan.script), {plan.order.to, ""})) {
     if (severity == Severity::Warning) continue;
     problems.push_back("The script would not do, in its line " + std::to_string(line) + ": " +
-                       text);
+                       ToUtf8(text));
   }
 }
 

@@ -26,7 +26,8 @@ struct Order {
 inline constexpr const char* ScriptName = "update.txt";
 
 /// Writes the files into the site's folder of the new version and the block into its script.
-/// Returns the reasons, each in a sentence, for which it was not done; nothing is written then.
+/// Returns the reasons, each in a sentence in UTF-8, for which it was not done; nothing is written
+/// then.
 [[nodiscard]] std::vector<std::string> Make(const Order& order);
 
 }  // namespace publish

@@ -131,7 +131,7 @@ void ReportFindings(const std::string& scriptName, const std::string& verdict,
   const auto errors = Count(findings, Severity::Error);
   const auto warnings = Count(findings, Severity::Warning);
   if (asJson) {
-    Json json = {{"script", ToUtf8(scriptName)},
+    Json json = {{"script", scriptName},
                  {"verdict", ToUtf8(verdict)},
                  {"errors", errors},
                  {"warnings", warnings},
@@ -145,8 +145,8 @@ void ReportFindings(const std::string& scriptName, const std::string& verdict,
     std::cout << Coloured(look.word, look.colour) << ": "
               << (line > 0 ? "line " + std::to_string(line) + ": " : "") << ToUtf8(text) << "\n";
   }
-  std::cout << ToUtf8(scriptName) << ": " << Number(static_cast<std::int64_t>(errors), "error")
-            << ", " << Number(static_cast<std::int64_t>(warnings), "warning") << "; the updater "
+  std::cout << scriptName << ": " << Number(static_cast<std::int64_t>(errors), "error") << ", "
+            << Number(static_cast<std::int64_t>(warnings), "warning") << "; the updater "
             << (verdict.empty() ? "understands it" : "refuses it: " + ToUtf8(verdict)) << "\n";
 }
 

@@ -11,7 +11,7 @@
 
 namespace publish {
 
-/// verdict: the parser's message, or "" when it understands the script.
+/// scriptName: in UTF-8. verdict: the parser's message, or "" when it understands the script.
 void ReportFindings(const std::string& scriptName, const std::string& verdict,
                     const Findings& findings, bool asJson);
 

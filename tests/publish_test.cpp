@@ -16,7 +16,6 @@
 namespace {
 
 using namespace publish;
-using ::Shown;
 using Texts = std::vector<std::string>;
 
 const std::string header = "1.0.3|https://u/Kestrane.exe\nNAME|Ledger\n";
