@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <tuple>
 
-#include "publish/check_rules.h"
 #include "publish/reading.h"
 #include "publish/versions.h"
 #include "script/version.h"

@@ -1,21 +1,11 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
+#include "publish/check_rules.h"
 #include "publish/script_text.h"
 
 namespace publish {
-
-enum class Severity { Error, Warning };
-
-/// One thing to know about a script, in one sentence.
-struct Finding {
-  Severity severity = Severity::Error;
-  int line = 0;  // 0: the script as a whole
-  std::string text;
-};
-using Findings = std::vector<Finding>;
 
 /// What the author knows and the script does not tell.
 struct Knowledge {

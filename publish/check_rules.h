@@ -1,12 +1,23 @@
 #pragma once
 
-// The two kinds of rules that Check goes by.
+// What there may be to find in a script, and the two kinds of rules that find it.
 
 #include <string>
+#include <vector>
 
-#include "publish/check.h"
+#include "publish/script_text.h"
 
 namespace publish {
+
+enum class Severity { Error, Warning };
+
+/// One thing to know about a script, in one sentence.
+struct Finding {
+  Severity severity = Severity::Error;
+  int line = 0;  // 0: the script as a whole
+  std::string text;
+};
+using Findings = std::vector<Finding>;
 
 /// What each line tells by itself.
 void CheckLines(const Script& script, Findings& findings);
