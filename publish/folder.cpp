@@ -32,6 +32,10 @@ std::string WhyUnusable(const std::string& utf8Name) {
   return "";
 }
 
+std::string WithReason(const std::string& utf8Name, const std::string& why) {
+  return "The name " + utf8Name + " " + why + ".";
+}
+
 bool IsUpdater(const std::string& lowerName) {
   return std::find(std::begin(UpdaterNames), std::end(UpdaterNames), lowerName) !=
          std::end(UpdaterNames);
@@ -52,7 +56,7 @@ Folder ListFolder(const fs::path& folder, std::vector<std::string>& problems) {
        entry.increment(error)) {
     const std::string name = Utf8Of(entry->path().lexically_relative(folder));
     const std::string why = WhyUnusable(name);
-    if (!why.empty()) problems.push_back("The name " + name + " " + why + ".");
+    if (!why.empty()) problems.push_back(WithReason(name, why));
     if (!why.empty() || entry->is_directory()) continue;
     std::string ansiName = *FromUtf8(name);
     std::replace(ansiName.begin(), ansiName.end(), '/', '\\');
