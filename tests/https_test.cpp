@@ -4,10 +4,8 @@
 
 #include <cstdlib>
 
-#include "platform/processes.h"
-#include "platform/system.h"
 #include "tests/support/faults.h"
-#include "tests/support/sandbox.h"
+#include "tests/support/program_fixture.h"
 #include "transfer/download.h"
 #include "transfer/http_probe.h"
 #include "transfer/url.h"
@@ -57,24 +55,17 @@ TEST(Https, TakesOnlyWhatAServerWithAGoodCertificateSends) {
   }
 }
 
-TEST(Https, CarriesAWholeRun) {
+TEST_F(Program, RunsOverHttps) {
   const auto trust = faults::TrustAuthority(Address("AUTHORITY"));
-  const std::string kestrane = ReadWhole(OwnFolder() / "../Kestrane.exe");
   const std::string newer = ReadWhole(OwnFolder() / "newer/Kestrane.exe");
-  ASSERT_NE(newer, kestrane);
   Offer("Kestrane.exe", newer);
   Offer("file", "content");
   Offer("update.txt", "1.0.4|" + good + "/Kestrane.exe\nNAME|x\nVERSION|=|2.7.1\nADD|$AppPath\\f|" +
                           good + "/file");
-  const Sandbox sandbox;
-  sandbox.Write("Kestrane.exe", kestrane);
-  const auto run = platform::processes::Start(
-      '"' + sandbox.Path("Kestrane.exe") + "\" 2.7.1 C:\\Ledger " + good + "/update.txt none NO",
-      1);
-  ASSERT_TRUE(run);
-  const std::map<std::string, std::string> updated = {{"Kestrane.exe", Shown(newer)},
-                                                      {"f", "content"}};
-  EXPECT_TRUE(Eventually([&] { return sandbox.Tree() == updated; }));
+  Run(sandbox.Path("Kestrane.exe"),
+      {"2.7.1", "C:\\Ledger", good + "/update.txt", sandbox.Path("kt-app.exe"), "NO"});
+  EXPECT_TRUE(Launches());
+  EXPECT_EQ(Files(newer), (Tree{{"f", "content"}, {"kt-app.exe.log", "launched\n"}}));
 }
 
 }  // namespace

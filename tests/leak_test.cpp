@@ -17,7 +17,7 @@ namespace {
 using namespace modFunciones;
 
 TEST(Leaks, AThousandTransfersKeepNothing) {
-  constexpr int WarmUp = 200;
+  constexpr int WarmUp = 100;
   constexpr int Count = 1000;
   constexpr long MemoryNoise = 600;  // kilobytes; a root handle a transfer comes to more
   LoopbackServer server;

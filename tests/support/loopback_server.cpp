@@ -53,11 +53,6 @@ void LoopbackServer::ServeHead(const std::string& path, Reply reply) {
   replies["HEAD " + path] = std::move(reply);
 }
 
-void LoopbackServer::ServeGet(const std::string& path, Reply reply) {
-  const std::lock_guard lock(mutex);
-  replies["GET " + path] = std::move(reply);
-}
-
 void LoopbackServer::Release() {
   const std::lock_guard lock(mutex);
   released = true;

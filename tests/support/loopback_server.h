@@ -39,7 +39,6 @@ class LoopbackServer {
   /// HEAD and GET answer alike, unless ServeHead follows. A path that is not served answers 404.
   void Serve(const std::string& path, Reply reply);
   void ServeHead(const std::string& path, Reply reply);
-  void ServeGet(const std::string& path, Reply reply);
   /// Lets every stalled reply go on.
   void Release();
   /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0".

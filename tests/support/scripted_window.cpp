@@ -4,11 +4,7 @@ namespace scripted_window {
 
 State state;
 
-void Reset() {
-  state = {};
-  state.visible.fill(true);
-  state.enabled.fill(true);
-}
+void Reset() { state = {}; }
 
 }  // namespace scripted_window
 
@@ -23,19 +19,19 @@ std::size_t At(int control) { return static_cast<std::size_t>(control); }
 }  // namespace
 
 void Create(const Layout& /*layout*/, const Handlers& /*handlers*/) {}
-void Show() { state.shown = true; }
+void Show() {}
 void SetWindowCaption(std::string_view /*caption*/) {}
 void SetWindowIcon(const std::string& /*path*/) {}
-void SetWindowHeight(int height) { state.windowHeight = height; }
+void SetWindowHeight(int /*height*/) {}
 void SetText(int control, std::string_view value) {
   state.text[At(control)] = value;
   state.history.push_back(std::to_string(control) + ":" + std::string(value));
 }
 std::string Text(int control) { return state.text[At(control)]; }
-void SetVisible(int control, bool visible) { state.visible[At(control)] = visible; }
-void SetEnabled(int control, bool enabled) { state.enabled[At(control)] = enabled; }
-bool IsEnabled(int control) { return state.enabled[At(control)]; }
-void SetTop(int /*control*/, int top) { state.buttonTop = top; }
+void SetVisible(int /*control*/, bool /*visible*/) {}
+void SetEnabled(int /*control*/, bool /*enabled*/) {}
+bool IsEnabled(int /*control*/) { return true; }
+void SetTop(int /*control*/, int /*top*/) {}
 double TwipsPerPixelX() { return state.twipsPerPixel; }
 double TwipsPerPixelY() { return state.twipsPerPixel; }
 PictureBox DescribePictureBox(int /*control*/) { return {state.flatLook, 4530, 255, 0}; }

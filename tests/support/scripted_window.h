@@ -20,13 +20,8 @@ struct Rectangle {
 
 struct State {
   std::array<std::string, ControlCount> text;
-  std::array<bool, ControlCount> visible;
-  std::array<bool, ControlCount> enabled;
   std::array<std::vector<Rectangle>, ControlCount> drawn;
   std::array<int, ControlCount> refreshes{};
-  int buttonTop = 0;
-  int windowHeight = 0;
-  bool shown = false;
   bool flatLook = false;
   double twipsPerPixel = 15;
   std::vector<std::string> messageBoxes;  // "style|title|text"

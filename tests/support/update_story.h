@@ -10,12 +10,13 @@
 
 class UpdateStory {
  public:
+  static constexpr const char* Script = "/KDvelomar2.txt";
   using Tree = std::map<std::string, std::string>;
 
   /// size: bytes that every new file has beside a few.
   explicit UpdateStory(std::size_t size = 0) : filling(size, '.') {}
 
-  /// Fills the sandbox and puts the script on the server, as /info.txt.
+  /// Fills the sandbox and puts the script on the server.
   void Prepare(LoopbackServer& server, const Sandbox& sandbox) const {
     sandbox.Fill(Before);
     std::string script = "1.0.3|x\nNAME|x\nVERSION|<|3.0.0";
@@ -26,7 +27,7 @@ class UpdateStory {
       script += "\n" + row.substr(0, row.find('|')) + "|" + sandbox.Path(path) + "|" +
                 server.Url("/" + name);
     }
-    server.Serve("/info.txt", {.body = script + "\nDELETE|" + sandbox.Path("e")});
+    server.Serve(Script, {.body = script + "\nDELETE|" + sandbox.Path("e")});
   }
 
   [[nodiscard]] std::string NewContent(const std::string& name) const {

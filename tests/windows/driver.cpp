@@ -1,6 +1,7 @@
 #include "tests/windows/driver.h"
 
 #include "platform/text.h"
+#include "tests/support/sandbox.h"
 
 namespace driver {
 namespace {
@@ -21,29 +22,6 @@ std::string WindowText(HWND window) {
 }
 
 }  // namespace
-
-ProgramRun::ProgramRun(const std::string& program, const std::vector<std::string>& arguments) {
-  std::string line = '"' + program + '"';
-  for (const auto& argument : arguments) line += " \"" + argument + '"';
-  STARTUPINFOA startup = {};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION started = {};
-  CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                 &started);
-  CloseHandle(started.hThread);
-  process = started.hProcess;
-}
-
-ProgramRun::~ProgramRun() {
-  TerminateProcess(process, 1);
-  WaitForSingleObject(process, 5000);
-  CloseHandle(process);
-}
-
-bool ProgramRun::WaitForEnd() const {
-  return WaitForSingleObject(process, 30'000) == WAIT_OBJECT_0;
-}
-bool ProgramRun::HasEnded() const { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }
 
 HWND Window() {
   const HWND window = FindWindowW(L"KestraneWindow", nullptr);

@@ -1,35 +1,18 @@
 #pragma once
 
-// Drives the real program as its user does: starts it, reads its window, answers its boxes.
+// Drives the real program as its user does: reads its window, answers its boxes. The window is
+// looked for anew at every call, so it may be that of the process that took over.
 
 #include <windows.h>
 
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "run/progress_window.h"
-#include "tests/support/sandbox.h"
 
 namespace driver {
 
 using Control = frmPrincipal::Control;
-
-/// A run of the program. The window is looked for anew at every call, so it may be that of the
-/// process that took over.
-class ProgramRun {
- public:
-  /// Each argument goes in quotes onto the command line.
-  ProgramRun(const std::string& program, const std::vector<std::string>& arguments);
-  ~ProgramRun();  // ends the process, if it has not ended by itself
-  ProgramRun(const ProgramRun&) = delete;
-  ProgramRun& operator=(const ProgramRun&) = delete;
-
-  [[nodiscard]] bool WaitForEnd() const;
-  [[nodiscard]] bool HasEnded() const;
-
- private:
-  HANDLE process = nullptr;
-};
 
 /// The program's visible window, or null.
 [[nodiscard]] HWND Window();

@@ -1,0 +1,121 @@
+// Whole runs of the program that users get, of which the files and the requests are looked at.
+
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+
+#include "tests/support/program_fixture.h"
+#include "tests/support/update_story.h"
+
+namespace {
+
+TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
+  const std::string log = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
+  putenv(const_cast<char*>(log.c_str()));
+  const std::string component = ReadWhole(OwnFolder() / "component.dll");
+  sandbox.Fill({{"kt-ledger.exe", "1"}, {"oldprint.dll", "x"}, {"old.txt", "x"}});
+  sandbox.Fill({{"reports.dll", "old"}, {"reports.dll.bak", "older"}});
+  server.Serve("/ledger", {.body = helper});
+  server.Serve("/reports", {.body = component});
+  server.Serve("/help", {.body = "ayuda"});
+  ServeScript("#every action once\n!DELETE|" + sandbox.Path("oldprint.dll") +
+              "\nUPDATE|$AppPath\\kt-ledger.exe|" + server.Url("/ledger") +
+              "\nADD|$AppPath\\reports.dll|" + server.Url("/reports") +
+              "\nADD|$AppPath\\help\\es es\\help.txt|" + server.Url("/help") +
+              "\nDELETE|$AppPath\\old.txt"
+              "\nEXECUTE|$AppPath\\kt-ledger.exe append \"$AppPath\\out\" \"two words\"|WAIT|MIN"
+              "\nEXECUTE|$AppPath\\kt-ledger.exe stay \"$AppPath\\stay\"|NOWAIT|HIDE"
+              "\nSLEEP|3000\nKILL|KT-LEDGER.EXE"
+              "\nREGISTER|$AppPath\\reports.dll\nUNREGISTER|$AppPath\\reports.dll\nEND\nMSG\n");
+  EXPECT_TRUE(RunsSilently());
+  EXPECT_EQ(Files(), (Tree{{"kt-ledger.exe", Shown(helper)},
+                           {"reports.dll", Shown(component)},
+                           {"reports.dll.bak", "old"},
+                           {"help/es es/help.txt", "ayuda"},
+                           {"out", "two words\n"},
+                           {"stay", "up\n"},
+                           {"component.log", "registered\nunregistered\n"},
+                           {"kt-app.exe.log", "launched\n"}}));
+  EXPECT_EQ(server.TakeRequests(),
+            (Texts{"HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1",
+                   "HEAD /ledger HTTP/1.0", "HEAD /ledger HTTP/1.0", "HEAD /reports HTTP/1.0",
+                   "HEAD /reports HTTP/1.0", "HEAD /help HTTP/1.0", "HEAD /help HTTP/1.0",
+                   "GET /ledger HTTP/1.1", "GET /reports HTTP/1.1", "GET /help HTTP/1.1"}));
+}
+
+TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
+  const std::string newer = ReadWhole(OwnFolder() / "newer/Kestrane.exe");
+  ASSERT_NE(newer, kestrane);
+  sandbox.Fill({{"KestraneTmp.exe", "left over"}, {"old.txt", "x"}});
+  server.Serve("/updater", {.body = newer});
+  ServeScript("DELETE|$AppPath\\old.txt", "1.0.4|" + server.Url("/updater"));
+  EXPECT_TRUE(RunsSilently());
+  EXPECT_EQ(Files(newer), (Tree{{"kt-app.exe.log", "launched\n"}}));
+  EXPECT_EQ(server.TakeRequests(),
+            (Texts{"HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1",
+                   "HEAD /updater HTTP/1.0", "HEAD /updater HTTP/1.0", "GET /updater HTTP/1.1",
+                   "HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1"}));
+}
+
+TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
+  sandbox.Fill({{"old/app.exe", "1"}, {"old/same", "="}, {"old/b c/gone", "1"}, {"old/data", "1"}});
+  sandbox.Fill({{"new/app.exe", "2"}, {"new/same", "="}, {"new/b c/x", "2"}, {"new/data", ""}});
+  sandbox.Write("new/d/e/f", "2");
+  std::filesystem::rename(sandbox.Folder("new/b c/x"), sandbox.Folder("new/b c") / u8"ñ #%.txt");
+  Run((OwnFolder() / "../kestrane-publish").string(),
+      {"make", sandbox.Folder("old").string(), sandbox.Folder("new").string(), "--site",
+       sandbox.Folder("site").string(), "--url", server.Url(""), "--from", "2.7.1", "--to", "3.0.0",
+       "--updater", server.Url("/Kestrane.exe"), "1.0.3"});
+  ASSERT_TRUE(Ends());
+  server.Serve("/KDvelomar2.txt", {.body = sandbox.Read("site/update.txt")});
+  server.Serve("/3.0.0/b%20c/%C3%B1%20%23%25.txt", {.body = "2"});
+  for (const std::string name : {"app.exe", "data", "d/e/f"}) {
+    server.Serve("/3.0.0/" + name, {.body = sandbox.Read("site/3.0.0/" + name)});
+  }
+  // The program brings the folder up to date that it is in.
+  std::filesystem::copy(sandbox.Folder("old"), sandbox.Folder("."),
+                        std::filesystem::copy_options::recursive);
+  for (const char* folder : {"old", "new", "site"}) {
+    std::filesystem::remove_all(sandbox.Folder(folder));
+  }
+  EXPECT_TRUE(RunsSilently());
+  EXPECT_EQ(Files(), (Tree{{"kt-app.exe.log", "launched\n"},
+                           {"app.exe", "2"},
+                           {"same", "="},
+                           {"b c/\xC3\xB1 #%.txt", "2"},  // names come in UTF-8
+                           {"data", ""},
+                           {"d/e/f", "2"}}));
+}
+
+TEST_F(Program, LosesNothingWhenItIsKilledAtAnyMoment) {
+  using Clock = std::chrono::steady_clock;
+  const char* wanted = std::getenv("KESTRANE_KILLS");
+  const int kills = wanted != nullptr ? std::atoi(wanted) : 12;
+  const unsigned seed = std::random_device()();
+  std::printf("%d kills, seed %u\n", kills, seed);
+  std::mt19937 random(seed);
+  const UpdateStory story(300'000);
+  Clock::duration duration = {};  // of a run that nobody disturbs
+  for (int i = 0; i <= kills; ++i) {
+    SCOPED_TRACE(i);
+    const Sandbox files;
+    story.Prepare(server, files);
+    const auto start = Clock::now();
+    Start({"none", "no"});
+    if (i == 0) {
+      ASSERT_TRUE(Ends());
+      duration = Clock::now() - start;
+      EXPECT_EQ(files.Tree(), story.After());
+      continue;
+    }
+    std::this_thread::sleep_for(duration * (random() % 1000) / 1000);
+    Kill();
+    const Tree left = files.Tree();
+    story.ExpectNothingLost(left);
+    Start({"none", "no"});
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(files.Tree(), story.AfterOnceMore(left));
+  }
+}
+
+}  // namespace

@@ -1,0 +1,241 @@
+// The real program as its user meets it: in its window, and from its folder.
+
+#include "platform/text.h"
+#include "run/messages.h"
+#include "tests/support/faults.h"
+#include "tests/support/program_fixture.h"
+#include "tests/windows/driver.h"
+
+namespace {
+
+using namespace driver;
+using namespace frmPrincipal;
+using namespace platform::text::literals;
+
+class ProgramWindow : public Program {
+ protected:
+  void Finish() {
+    Click(btCancelar);
+    EXPECT_TRUE(Ends());
+  }
+
+  /// A run up to the middle of its only download.
+  void StartAndStall(const Texts& further = {}) {
+    server.Serve("/f", {.body = body, .stalls = true});
+    ServeScript("ADD|$AppPath\\f|" + server.Url("/f"));
+    Start(further);
+    ASSERT_TRUE(WaitForText(lblFileProgreso, "3 KB/9 KB"));
+  }
+
+  /// A value below the current user's key for as long as the object lives.
+  static auto RegistryValue(const char* key, const char* name, DWORD type, const void* data,
+                            DWORD size) {
+    RegSetKeyValueA(HKEY_CURRENT_USER, key, name, type, data, size);
+    return std::shared_ptr<void>(nullptr,
+                                 [=](void*) { RegDeleteKeyValueA(HKEY_CURRENT_USER, key, name); });
+  }
+
+  const std::string body = std::string(9000, 'k');
+};
+
+TEST_F(ProgramWindow, KeepsToItsLayout) {
+  const struct {
+    DWORD dotsPerInch;
+    Texts places;
+    std::string finalPlace;
+  } cases[] = {
+      {96,
+       {"12,16,37,41", "56,16,257,41", "12,64,303,13", "12,88,197,13", "212,88,101,13",
+        "12,104,302,17", "12,132,197,13", "212,132,101,13", "12,148,302,17", "123,176,81,23"},
+       "123,71,81,23"},
+      {144,
+       {"18,24,56,62", "84,24,386,62", "18,96,455,20", "18,132,296,20", "318,132,152,20",
+        "18,156,453,26", "18,198,296,20", "318,198,152,20", "18,222,453,26", "185,264,122,35"},
+       "185,106,122,35"},
+  };
+  ServeScript("MSG|" + std::string("¿Añadir «más»?"_ansi) + "|EXCLAMATION");
+  for (const auto& [dotsPerInch, places, finalPlace] : cases) {
+    SCOPED_TRACE(dotsPerInch);
+    const auto value = RegistryValue("Control Panel\\Desktop", "LogPixels", REG_DWORD, &dotsPerInch,
+                                     sizeof dotsPerInch);
+    Start({"none", "si", std::string("Libro «Año»"_ansi), sandbox.Path("no.ico")});
+    EXPECT_EQ(BoxText(), "Libro «Año»|¿Añadir «más»?"_ansi);
+    EXPECT_EQ(Text(lblMensaje), modPrincipal::InstallingStatus);
+    EXPECT_EQ(Text(lblNombreAplicacion), "Libro Mayor");
+    EXPECT_EQ(Text(lblTotal), modPrincipal::InstallCaption);
+    EXPECT_EQ(Text(lblFile) + Text(lblFileProgreso) + Text(lblTotalProgreso), "");
+    EXPECT_FALSE(IsWindowEnabled(At(btCancelar)));
+    RECT client;
+    GetClientRect(Window(), &client);
+    for (int control = picIco; control <= btCancelar; ++control) {
+      EXPECT_EQ(Place(static_cast<Control>(control)), places[static_cast<std::size_t>(control)]);
+    }
+    EXPECT_NEAR(client.right, 4905.0 * dotsPerInch / 1440, 0.5);
+    EXPECT_NEAR(client.bottom, 3135.0 * dotsPerInch / 1440, 0.5);
+    AnswerBox(IDOK);
+    EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+    EXPECT_EQ(Caption(), "Libro «Año»"_ansi);
+    for (const Control control : {lblNombreAplicacion, lblFile, lblFileProgreso, picFile}) {
+      EXPECT_FALSE(IsWindowVisible(At(control))) << control;
+    }
+    EXPECT_TRUE(IsWindowEnabled(At(btCancelar)));
+    EXPECT_EQ(Place(btCancelar), finalPlace);
+    RECT outer;
+    GetWindowRect(Window(), &outer);
+    EXPECT_EQ(outer.bottom - outer.top, 1950 * static_cast<LONG>(dotsPerInch) / 1440);
+    Finish();
+  }
+}
+
+TEST_F(ProgramWindow, LaunchesTheApplicationUnlessTheUpdateFailed) {
+  ServeScript("MSG|x\n");
+  Start({sandbox.Path("kt-app.exe"), "yes"});
+  EXPECT_EQ(FinalMessage(), modPrincipal::ScriptNotUnderstood);
+  EXPECT_EQ(Caption(), "Kestrane");
+  Finish();
+  Sleep(500);
+  EXPECT_FALSE(sandbox.Has("kt-app.exe.log"));
+  ServeScript("\x20\nKILL|x");
+  Start({sandbox.Path("kt-app.exe"), "yes"});
+  EXPECT_EQ(FinalMessage(), modPrincipal::NothingToDo);
+  Finish();
+  EXPECT_TRUE(Launches());
+}
+
+TEST_F(ProgramWindow, TellsWhatIsMissing) {
+  Run(sandbox.Path("Kestrane.exe"), {"2.7.1", "C:\\Ledger"});
+  EXPECT_EQ(FinalMessage(), modPrincipal::MissingArguments);
+  Finish();
+  sandbox.Write("Renamed.exe", kestrane);  // a copy without the file that it would put in place
+  Run(sandbox.Path("Renamed.exe"), {"2.7.1", "C:\\Ledger", "url"});
+  EXPECT_EQ(FinalMessage(),
+            "Se ha producido un error grave. Para solucionarlo debe renombrar el "
+            "fichero KestraneTmp.exe con el nombre Kestrane.exe");
+  Finish();
+}
+
+TEST_F(ProgramWindow, IsCancelledOnlyWhenTheUserMeansIt) {
+  StartAndStall({sandbox.Path("none"), "yes", "Libro"});
+  EXPECT_EQ(Text(lblMensaje), modPrincipal::DownloadingStatus);
+  EXPECT_EQ(Text(lblTotalProgreso), "3 KB/9 KB");
+  EXPECT_EQ(Text(lblFile), modPrincipal::FileCaption);
+  EXPECT_EQ(Text(lblTotal), modPrincipal::TotalCaption);
+  Click(btCancelar);
+  PostMessageW(Window(), WM_SIZE, 0, 0);
+  EXPECT_EQ(BoxText(), "Libro|¿Desea cancelar la instalación de la actualización?"_ansi);
+  ShowWindow(Window(), SW_MINIMIZE);
+  PostMessageW(Window(), WM_CLOSE, 0, 0);  // the question stands already
+  AnswerBox(IDNO);
+  server.Release();
+  EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+  EXPECT_EQ(server.TakeRequests().size(), 5U) << "nothing was started twice";
+  RECT outer;
+  GetWindowRect(Window(), &outer);
+  EXPECT_LT(outer.bottom - outer.top, 3135 / 15) << "the final screen has its own height";
+  PostMessageW(Window(), WM_CLOSE, 0, 0);
+  EXPECT_TRUE(Ends());
+  EXPECT_EQ(Files(), (Tree{{"f", Shown(body)}}));
+}
+
+TEST_F(ProgramWindow, LeavesWhatIsThereWhenItIsCancelled) {
+  sandbox.Write("f", "old");
+  StartAndStall();
+  PostMessageW(Window(), WM_CLOSE, 0, 0);
+  EXPECT_EQ(BoxText(), "|¿Desea cancelar la instalación de la actualización?"_ansi);
+  AnswerBox(IDYES);
+  EXPECT_TRUE(Ends());
+  EXPECT_EQ(Files(), (Tree{{"f", "old"}, {"f.tmp", Shown(body.substr(0, 3072))}}));
+}
+
+TEST_F(ProgramWindow, CannotBeCancelledWhileItInstalls) {
+  ServeScript("EXECUTE|$AppPath\\kt-app.exe stay \"$AppPath\\up\"|WAIT|HIDE");
+  Start();
+  ASSERT_TRUE(Eventually([&] { return sandbox.Has("up"); }));
+  Click(btCancelar);
+  PostMessageW(Window(), WM_CLOSE, 0, 0);
+  PostMessageW(Window(), WM_COMMAND, MAKEWPARAM(100 + btCancelar, BN_CLICKED), 0);
+  DWORD_PTR ignored = 0;
+  EXPECT_NE(SendMessageTimeoutW(Window(), WM_NULL, 0, 0, SMTO_NORMAL, 5000, &ignored), 0)
+      << "the window answers while the program is waited for";
+  EXPECT_EQ(Box(), nullptr);
+  EXPECT_FALSE(HasEnded());
+  sandbox.Write("up.end", "");
+  EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+  Finish();
+}
+
+TEST_F(ProgramWindow, CanBeCancelledWhenAServerSendsItInCircles) {
+  if (!faults::OnWine()) GTEST_SKIP() << "Windows itself ends a circle of redirections";
+  server.Serve("/KDvelomar2.txt",
+               {.status = "302 Found", .headers = "Location: /KDvelomar2.txt\r\n"});
+  Start();
+  ASSERT_TRUE(Eventually([&] { return server.TakeRequests().size() > 1; }));
+  Click(btCancelar);
+  ASSERT_TRUE(Eventually([] { return Box() != nullptr; }));
+  AnswerBox(IDYES);
+  EXPECT_TRUE(Ends());
+}
+
+TEST_F(ProgramWindow, TakesTextsOfAnyLength) {
+  const std::string text(30'000, 'x');
+  const std::string longer = text + text + text;
+  ServeScript("NAME|" + longer + "\nMSG|" + longer + "|NOTHING\nDELETE|" + longer + "\nEXECUTE|" +
+                  longer + "|WAIT|HIDE\nREGISTER|" + longer + "\nKILL|" + longer,
+              "1.0.3|" + longer);
+  Start({text.substr(0, 9000), "yes", text.substr(0, 10'000), text.substr(0, 10'000)});
+  ASSERT_TRUE(Eventually([] { return Box() != nullptr; }));
+  AnswerBox(IDOK);
+  EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+  Finish();
+}
+
+TEST_F(ProgramWindow, LoadsNoLibraryFromItsOwnFolder) {
+  const std::string log = "KESTRANE_LOAD_LOG=" + sandbox.Path("load.log");
+  putenv(const_cast<char*>(log.c_str()));
+  const std::string component = ReadWhole(OwnFolder() / "component.dll");
+  // What the system keeps a list of cannot be planted; these can.
+  for (const std::string name :
+       {"crypt32", "cryptbase", "dnsapi", "iphlpapi", "mpr", "netapi32", "propsys", "secur32",
+        "url", "urlmon", "version", "wininet", "winhttp"}) {
+    sandbox.Write(name + ".dll", component);
+  }
+  server.Serve("/f", {.body = "new"});
+  ServeScript("ADD|$AppPath\\f|" + server.Url("/f"));
+  Start();
+  EXPECT_EQ(FinalMessage(), modPrincipal::Success);
+  Finish();
+  EXPECT_FALSE(sandbox.Has("load.log"));
+
+  ServeScript("REGISTER|$AppPath\\url.dll");
+  EXPECT_TRUE(RunsSilently());
+  EXPECT_EQ(sandbox.Read("load.log"), "loaded\n") << "the component itself is loaded";
+  putenv(const_cast<char*>("KESTRANE_LOAD_LOG="));
+}
+
+TEST_F(ProgramWindow, StartsOnEverySystemFromXpOn) {
+  if (!faults::OnWine()) GTEST_SKIP() << "only Wine can be told to be another version of Windows";
+  ServeScript("DELETE|$AppPath\\x");
+  for (const std::string version : {"winxp", "win7", "win10"}) {
+    const auto value = RegistryValue("Software\\Wine\\AppDefaults\\Kestrane.exe", "Version", REG_SZ,
+                                     version.c_str(), static_cast<DWORD>(version.size() + 1));
+    EXPECT_TRUE(RunsSilently()) << version;
+    std::filesystem::remove(sandbox.Folder("kt-app.exe.log"));
+  }
+}
+
+TEST_F(Program, IsHardenedInItsHeader) {
+  const char* image = kestrane.data();
+  const auto* start = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);
+  const auto& headers = *reinterpret_cast<const IMAGE_NT_HEADERS32*>(image + start->e_lfanew);
+  const auto& optional = headers.OptionalHeader;
+  EXPECT_EQ(headers.Signature, IMAGE_NT_SIGNATURE);
+  EXPECT_EQ(headers.FileHeader.Characteristics & IMAGE_FILE_RELOCS_STRIPPED, 0);
+  EXPECT_EQ(optional.DllCharacteristics, IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE |
+                                             IMAGE_DLLCHARACTERISTICS_NX_COMPAT |
+                                             IMAGE_DLLCHARACTERISTICS_TERMINAL_SERVER_AWARE);
+  EXPECT_EQ(optional.Subsystem, IMAGE_SUBSYSTEM_WINDOWS_GUI);
+  EXPECT_LE(optional.MajorSubsystemVersion, 5);
+  EXPECT_NE(optional.DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size, 0U);
+}
+
+}  // namespace
