@@ -43,7 +43,8 @@ TEST(Leaks, AThousandTransfersKeepNothing) {
   const faults::Resources after = faults::ResourcesInUse();
   EXPECT_EQ(after.handles, before.handles);
   EXPECT_EQ(after.threads, before.threads);
-  EXPECT_LT(after.graphicsObjects, before.graphicsObjects + Count / 2);
+  // Painting may hold some at either moment; one kept in every transfer would be hundreds.
+  EXPECT_LT(after.graphicsObjects, before.graphicsObjects + Count / 6);
   EXPECT_LT(after.kilobytes, before.kilobytes + MemoryNoise);
   std::printf("handles %ld, threads %ld, graphics objects %ld, %+ld KB\n", after.handles,
               after.threads, after.graphicsObjects, after.kilobytes - before.kilobytes);

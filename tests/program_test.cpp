@@ -10,7 +10,7 @@
 namespace {
 
 TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
-  const std::string log = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
+  static const std::string log = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
   putenv(const_cast<char*>(log.c_str()));
   const std::string component = ReadWhole(OwnFolder() / "component.dll");
   sandbox.Fill({{"kt-ledger.exe", "1"}, {"oldprint.dll", "x"}, {"old.txt", "x"}});

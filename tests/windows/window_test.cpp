@@ -190,7 +190,7 @@ TEST_F(ProgramWindow, TakesTextsOfAnyLength) {
 }
 
 TEST_F(ProgramWindow, LoadsNoLibraryFromItsOwnFolder) {
-  const std::string log = "KESTRANE_LOAD_LOG=" + sandbox.Path("load.log");
+  static const std::string log = "KESTRANE_LOAD_LOG=" + sandbox.Path("load.log");
   putenv(const_cast<char*>(log.c_str()));
   const std::string component = ReadWhole(OwnFolder() / "component.dll");
   // What the system keeps a list of cannot be planted; these can.
