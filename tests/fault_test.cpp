@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
+#include "platform/processes.h"
+#include "platform/system.h"
 #include "run/messages.h"
 #include "run/progress_window.h"
 #include "run/run_state.h"
@@ -17,7 +21,7 @@ namespace {
 
 using Tree = UpdateStory::Tree;
 
-/// Runs the update sequence and returns the message of its final screen, or "died".
+/// Runs the update sequence and returns the message of its final screen.
 std::string Update(const std::string& url, std::size_t faultAt = 0, bool dies = false) {
   faulty_files::state = {.faultAt = faultAt, .dies = dies};
   modPrincipal::ResetRunState();
@@ -26,11 +30,7 @@ std::string Update(const std::string& url, std::size_t faultAt = 0, bool dies = 
   scripted_window::Reset();
   modPrincipal::AppVersion = "2.7.1";
   modPrincipal::UpdateInfoUrl = url;
-  try {
-    modPrincipal::CheckForUpdate();
-  } catch (const faulty_files::Death&) {
-    return "died";
-  }
+  modPrincipal::CheckForUpdate();
   return scripted_window::state.text[frmPrincipal::lblMensaje];
 }
 
@@ -48,14 +48,19 @@ class Faults : public testing::Test {
 };
 
 TEST_F(Faults, DeathAnywhereLosesNothingAndTheNextRunCompletesTheUpdate) {
-  std::size_t runs = 0;
+  std::size_t deaths = 0;
   Tree previous;
-  for (std::string message = "died"; message == "died";) {
+  for (std::uint32_t exitCode = faulty_files::Died; exitCode == faulty_files::Died;) {
     Prepare();
-    message = Update(Script(), ++runs, true);
-    SCOPED_TRACE("operation " + std::to_string(runs));
-    EXPECT_TRUE(message == "died" || message == modPrincipal::Success) << message;
-    EXPECT_EQ(faulty_files::state.openFiles, 0);
+    const auto child = platform::processes::Start('"' + platform::system::ExecutableFolder() +
+                                                      "\\fault_tests.exe\" die " + Script() + " " +
+                                                      std::to_string(++deaths),
+                                                  1);
+    ASSERT_TRUE(child);
+    ASSERT_TRUE(Eventually([&] { return platform::processes::HasEnded(child->process); }));
+    ASSERT_TRUE(platform::processes::ExitCode(child->process, exitCode));
+    SCOPED_TRACE("operation " + std::to_string(deaths));
+    EXPECT_TRUE(exitCode == 0 || exitCode == faulty_files::Died) << exitCode;
     const Tree left = sandbox->Tree();
     if (left == previous) continue;  // and so would the next run be
     previous = left;
@@ -63,7 +68,7 @@ TEST_F(Faults, DeathAnywhereLosesNothingAndTheNextRunCompletesTheUpdate) {
     EXPECT_EQ(Update(Script()), modPrincipal::Success);
     EXPECT_EQ(sandbox->Tree(), story.AfterOnceMore(left));
   }
-  EXPECT_GT(runs, 40U);
+  EXPECT_GT(deaths, 40U);
 }
 
 TEST_F(Faults, FailureOfAnyOperationEndsAsItShould) {
@@ -229,3 +234,13 @@ TEST_F(Faults, RunningOutOfMemoryIsAFailedDownload) {
 }
 
 }  // namespace
+
+/// fault_tests die URL NUMBER runs an update that dies in the operation of that number.
+int main(int argc, char** argv) {
+  if (argc == 4 && argv[1] == std::string("die")) {
+    return Update(argv[2], std::strtoul(argv[3], nullptr, 10), true) == modPrincipal::Success ? 0
+                                                                                              : 1;
+  }
+  testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -21,13 +21,12 @@ using faulty_files::state;
 
 bool GoesWrong(const std::string& operation, const std::string& path) {
   state.operations.push_back(operation + ' ' + path.substr(path.find_last_of("\\/") + 1));
-  const bool isAfterwards = state.dies && state.operations.size() > state.faultAt;
-  return isAfterwards || state.operations.size() == state.faultAt;
+  return state.operations.size() == state.faultAt;
 }
 
 template <typename Result = bool>
 Result Fault() {
-  if (state.dies && state.operations.size() == state.faultAt) throw faulty_files::Death();
+  if (state.dies) std::_Exit(faulty_files::Died);
   return {};
 }
 
@@ -90,9 +89,7 @@ bool Read(const File& file, std::string& buffer) {
 }
 bool Write(const File& file, std::string_view bytes) {
   if (!GoesWrong("Write", state.openPath)) return real_files::Write(Real(file).real, bytes);
-  if (state.operations.size() == state.faultAt) {
-    (void)real_files::Write(Real(file).real, bytes.substr(0, bytes.size() / 2));
-  }
+  (void)real_files::Write(Real(file).real, bytes.substr(0, bytes.size() / 2));
   return Fault();
 }
 DiskSpace QueryDiskSpace(const std::string& root) {

@@ -8,13 +8,12 @@
 
 namespace faulty_files {
 
-/// Thrown by an operation in which the process dies. What is called while it is on its way to the
-/// test comes to nothing, as after a death.
-struct Death {};
+/// Exit code of a process that died in an operation.
+inline constexpr int Died = 7;
 
 struct State {
   std::size_t faultAt = 0;                   // the operation that goes wrong, from 1 on; 0 for none
-  bool dies = false;                         // the process dies in it, otherwise it fails
+  bool dies = false;                         // it ends the process, otherwise it fails
   std::vector<std::string> operations = {};  // so far, such as "Delete a.exe": name and file name
   int openFiles = 0;
   std::string openPath = "";  // of the file opened last
