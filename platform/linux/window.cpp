@@ -8,6 +8,7 @@
 #include <array>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -23,7 +24,6 @@ namespace platform::window {
 namespace {
 
 using linux_layer::ToUtf8;
-using Clock = std::chrono::steady_clock;
 
 constexpr double TwipsPerInch = 1440.0;
 constexpr double UnscaledDotsPerInch = 96;
@@ -41,7 +41,7 @@ constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 
 /// How long, in milliseconds, what follows on the last text of a label, or on the last look at the
 /// events, may wait: a download sets texts and yields at every block.
-constexpr std::chrono::milliseconds DisplayInterval(10);
+constexpr std::int64_t DisplayInterval = 10;
 
 /// Twips; turned into pixels when it is painted.
 struct FilledRectangle {
@@ -57,8 +57,14 @@ struct FilledRectangle {
 Handlers handlers{};
 double twipsPerPixelX = 0;
 double twipsPerPixelY = 0;
-bool resizeEventsOn = false;   // set by the first Show
-Clock::time_point lastEvents;  // when events were processed last
+bool resizeEventsOn = false;  // set by the first Show
+std::int64_t lastEvents = 0;  // tick count when events were processed last
+
+/// Milliseconds, from some moment on.
+std::int64_t TickCount() {
+  using namespace std::chrono;
+  return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
 
 int PixelsX(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelX)); }
 int PixelsY(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelY)); }
@@ -213,8 +219,8 @@ class IconWidget : public Fl_Widget {
 struct Control {
   Fl_Widget* widget;  // owned by the window
   ControlLayout layout;
-  std::string text = "";
-  Clock::time_point textShown = {};  // when a text was brought to the screen last
+  std::string text = {};
+  std::int64_t textShown = 0;  // tick count when a text was brought to the screen last
   bool textWaits = false;
 };
 
@@ -232,7 +238,7 @@ void ShowText(Control& control) {
   } else {
     static_cast<LabelWidget&>(*control.widget).SetText(text);
   }
-  control.textShown = Clock::now();
+  control.textShown = TickCount();
   control.textWaits = false;
 }
 
@@ -245,7 +251,7 @@ void ShowWaitingTexts() {
 void HandleEvents() {
   ShowWaitingTexts();
   Fl::check();
-  lastEvents = Clock::now();
+  lastEvents = TickCount();
 }
 
 Fl_Widget* Button() {
@@ -371,7 +377,7 @@ void SetText(int control, std::string_view value) {
   if (target.text == value) return;
   target.text = value;
   target.textWaits = true;
-  if (Clock::now() - target.textShown >= DisplayInterval) ShowText(target);
+  if (TickCount() - target.textShown >= DisplayInterval) ShowText(target);
 }
 
 std::string Text(int control) { return At(control).text; }
@@ -440,7 +446,7 @@ int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view 
 }
 
 void ProcessPendingEvents() {
-  if (Clock::now() - lastEvents >= DisplayInterval) HandleEvents();
+  if (TickCount() - lastEvents >= DisplayInterval) HandleEvents();
 }
 
 void RunEventLoop() {
