@@ -1,7 +1,6 @@
 #include "script/parser.h"
 
 #include <algorithm>
-#include <new>
 
 #include "install/action_executor.h"
 #include "platform/text.h"
@@ -122,20 +121,16 @@ void ResetScript() {
 }
 
 std::vector<Fields> CutScript(std::string_view script) {
-  try {
-    std::string text(script);
-    std::erase(text, '\r');
-    std::vector<Fields> significant;
-    for (std::string_view rest = text; !rest.empty();) {
-      const std::string_view line = rest.substr(0, rest.find('\n'));
-      rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-      if (line.empty() || line.starts_with('#')) continue;
-      significant.push_back(modFunciones::Split(line, '|'));
-    }
-    return significant;
-  } catch (const std::bad_alloc&) {
-    return {};
+  std::string text(script);
+  std::erase(text, '\r');
+  std::vector<Fields> significant;
+  for (std::string_view rest = text; !rest.empty();) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    if (line.empty() || line.starts_with('#')) continue;
+    significant.push_back(modFunciones::Split(line, '|'));
   }
+  return significant;
 }
 
 std::string ParseUpdateScript(std::vector<Fields>& lines) {

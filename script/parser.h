@@ -30,8 +30,7 @@ extern std::string AppDisplayName;  // from the last NAME line
 /// Sets these values back to nothing.
 void ResetScript();
 
-/// Cuts the text of a script into its significant lines and their fields. A script that does not
-/// fit into memory has no lines.
+/// Cuts the text of a script into its significant lines and their fields.
 [[nodiscard]] std::vector<std::vector<std::string>> CutScript(std::string_view script);
 
 /// Reads the header and the commands: fills the three values and the ActionTable, and carries out

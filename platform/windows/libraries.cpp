@@ -8,8 +8,9 @@ namespace {
 using SetDefaultFolders = BOOL WINAPI(DWORD);
 constexpr DWORD SystemFolderOnly = 0x800;  // LOAD_LIBRARY_SEARCH_SYSTEM32
 
-/// Libraries that the system's own ones load later come from the system folder as well. Windows XP,
-/// which cannot be told so, leaves at least the current folder out.
+/// Libraries that the system's own ones load later come from the system folder as well. A system
+/// that cannot be told so (XP, and Vista and 7 without their updates) leaves at least the current
+/// folder out.
 bool SearchSystemFolderOnly() {
   const auto setFolders =
       FunctionOf<SetDefaultFolders>(GetModuleHandleA("kernel32.dll"), "SetDefaultDllDirectories");
