@@ -5,6 +5,8 @@
 #include <objbase.h>
 #include <shellapi.h>
 
+#include "platform/windows/libraries.h"
+
 namespace platform::system {
 namespace {
 
@@ -68,10 +70,15 @@ std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder,
                            int showValue) {
   if (file.size() > MAX_PATH) return SE_ERR_FNF;  // a shell may not be made for more
+  // Loaded here, at the end of a run, for the window to be on the screen the sooner.
+  const HMODULE com = windows::LoadSystemLibrary("ole32.dll");
+  const HMODULE shell = windows::LoadSystemLibrary("shell32.dll");
+  const auto initialize = windows::FunctionOf<decltype(CoInitializeEx)>(com, "CoInitializeEx");
+  const auto execute = windows::FunctionOf<decltype(ShellExecuteA)>(shell, "ShellExecuteA");
   // Shortcuts and documents may be opened through COM.
-  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
-  const HINSTANCE code = ShellExecuteA(GetDesktopWindow(), verb.c_str(), file.c_str(),
-                                       NullWhenEmpty(parameters), folder.c_str(), showValue);
+  initialize(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+  const HINSTANCE code = execute(GetDesktopWindow(), verb.c_str(), file.c_str(),
+                                 NullWhenEmpty(parameters), folder.c_str(), showValue);
   return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(code));
 }
 
