@@ -54,6 +54,7 @@ File Create(const std::string&) { return {}; }
 std::optional<std::int64_t> Length(const File&) { return {}; }
 bool Read(const File&, std::string&) { return false; }
 bool Write(const File&, std::string_view) { return false; }
+bool Close(File) { return false; }
 DiskSpace QueryDiskSpace(const std::string&) { return {}; }
 }  // namespace platform::files
 

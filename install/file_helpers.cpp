@@ -1,6 +1,7 @@
 #include "install/file_helpers.h"
 
 #include <new>
+#include <utility>
 
 #include "platform/files.h"
 
@@ -41,8 +42,8 @@ std::string FileReadAll(const std::string& path) {
 
 bool FileWriteAll(const std::string& path, std::string_view content) {
   if (!FileDelete(path)) return false;
-  const files::File file = files::Create(path);
-  return file && files::Write(file, content);
+  files::File file = files::Create(path);
+  return file && files::Write(file, content) && files::Close(std::move(file));
 }
 
 }  // namespace modFunciones

@@ -2,7 +2,7 @@
 
 // Files, folders and disk space. Paths are texts as the system takes them; functions return false
 // (an empty object, an empty list) on failure and show nothing. A File is closed by its owner's
-// end.
+// end, if not before.
 // Linux: "\" separates names like "/", a drive such as C: is dropped, letter case counts, and a
 // name that starts with a dot is a hidden file.
 
@@ -49,8 +49,12 @@ using File = std::unique_ptr<void, CloseFile>;
 /// Fills the whole buffer from the current position; false when the file ends before.
 [[nodiscard]] bool Read(const File& file, std::string& buffer);
 
-/// Writes all of the bytes at the current position.
+/// Writes all of the bytes at the current position. Linux: the last ones, 16 KiB at the most, reach
+/// the system when the file is closed or the process ends itself.
 [[nodiscard]] bool Write(const File& file, std::string_view bytes);
+
+/// Windows: false never. Linux: when bytes that were written did not reach the system.
+[[nodiscard]] bool Close(File file);
 
 /// What the system says of a volume; all 0 on failure.
 struct DiskSpace {

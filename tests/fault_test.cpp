@@ -87,6 +87,7 @@ TEST_F(Faults, FailureOfAnyOperationEndsAsItShould) {
     steps.push_back({"Create " + companion, WriteFailure, {{path + ".tmp", "ne"}}});
     steps.push_back({"Write " + companion, WriteFailure, {{path + ".tmp", "new " + name}}});
     steps.push_back({"Write " + companion, WriteFailure});
+    steps.push_back({"Close " + companion, WriteFailure});
   }
   steps.insert(steps.end(),
                {{"Find a", WriteFailure},

@@ -4,6 +4,7 @@
 #include <new>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include "install/file_helpers.h"
 #include "platform/files.h"
@@ -19,6 +20,8 @@
 
 namespace modFunciones {
 namespace {
+
+namespace files = platform::files;
 
 using modPrincipal::FileBytes;
 using modPrincipal::FileBytesDone;
@@ -36,10 +39,9 @@ std::string Kilobytes(std::int64_t bytes) {
 
 /// Two decimals, halves rounded up.
 std::string Megabytes(std::int64_t bytes) {
-  const std::int64_t hundredths = (bytes * 100 + BytesPerMb / 2) / BytesPerMb;
-  const std::string decimals = std::to_string(hundredths % 100);
-  return std::to_string(hundredths / 100) + platform::system::DecimalSeparator() +
-         (decimals.size() < 2 ? "0" : "") + decimals;
+  std::string text = std::to_string((bytes * 100 + BytesPerMb / 2) / BytesPerMb);
+  if (text.size() < 3) text.insert(0, 3 - text.size(), '0');
+  return text.insert(text.size() - 2, platform::system::DecimalSeparator());
 }
 
 /// A size of 0 that was announced as such is done as soon as it has begun.
@@ -87,11 +89,11 @@ bool ReadBody(const platform::http::Body& body, Store store) {
 
 std::string ReadIntoFile(const platform::http::Body& body, const std::string& targetPath) {
   if (!FileDelete(targetPath)) return "";
-  const platform::files::File file = platform::files::Create(targetPath);
+  files::File file = files::Create(targetPath);
   if (!file) return "";
   const bool complete =
-      ReadBody(body, [&](std::string_view block) { return platform::files::Write(file, block); });
-  return complete ? targetPath : "";
+      ReadBody(body, [&](std::string_view block) { return files::Write(file, block); });
+  return complete && files::Close(std::move(file)) ? targetPath : "";
 }
 
 std::string ReadIntoMemory(const platform::http::Body& body) {

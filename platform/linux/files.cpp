@@ -6,9 +6,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
+#include <utility>
 
 #include "platform/linux/paths.h"
 
@@ -22,20 +25,38 @@ constexpr mode_t ModeOfNewFolders = 0777;
 /// Whatever was downloaded may be a program; the user's mask takes away from this.
 constexpr mode_t ModeOfNewFiles = 0777;
 
-struct OpenFile {
-  explicit OpenFile(int file) : descriptor(file) {}
-  ~OpenFile() { close(descriptor); }
+/// A stream of the C library with a buffer of its own, large enough for few calls of the system.
+class OpenFile {
+ public:
+  explicit OpenFile(FILE* opened) : stream(opened) {
+    (void)std::setvbuf(stream, buffer.data(), _IOFBF, buffer.size());  // fails for bad modes only
+  }
+  ~OpenFile() { (void)Close(); }
   OpenFile(const OpenFile&) = delete;
   OpenFile& operator=(const OpenFile&) = delete;
 
-  int descriptor;
+  [[nodiscard]] FILE* Stream() const { return stream; }
+
+  bool Close() { return stream == nullptr || std::fclose(std::exchange(stream, nullptr)) == 0; }
+
+ private:
+  static constexpr std::size_t BufferSize = 16'384;  // bytes; a larger one gains little
+
+  FILE* stream;
+  std::array<char, BufferSize> buffer;
 };
 
-int DescriptorOf(const File& file) { return static_cast<const OpenFile*>(file.get())->descriptor; }
+FILE* StreamOf(const File& file) { return static_cast<const OpenFile*>(file.get())->Stream(); }
 
-File Open(const std::string& path, int flags) {
+File Open(const std::string& path, int flags, const char* mode) {
   const int descriptor = open(ToSystemPath(path).c_str(), flags | O_CLOEXEC, ModeOfNewFiles);
-  return File(descriptor < 0 ? nullptr : new OpenFile(descriptor));
+  if (descriptor < 0) return nullptr;
+  FILE* const stream = fdopen(descriptor, mode);
+  if (stream == nullptr) {
+    close(descriptor);
+    return nullptr;
+  }
+  return File(new OpenFile(stream));
 }
 
 /// The kind of file behind a path, or 0.
@@ -142,33 +163,25 @@ bool CreateFolder(const std::string& path) {
   return mkdir(ToSystemPath(path).c_str(), ModeOfNewFolders) == 0;
 }
 
-File OpenForReading(const std::string& path) { return Open(path, O_RDONLY); }
+File OpenForReading(const std::string& path) { return Open(path, O_RDONLY, "r"); }
 
-File Create(const std::string& path) { return Open(path, O_WRONLY | O_CREAT | O_TRUNC); }
+File Create(const std::string& path) { return Open(path, O_WRONLY | O_CREAT | O_TRUNC, "w"); }
 
 std::optional<std::int64_t> Length(const File& file) {
   struct stat status = {};
-  if (fstat(DescriptorOf(file), &status) != 0) return std::nullopt;
+  if (fstat(fileno(StreamOf(file)), &status) != 0) return std::nullopt;
   return status.st_size;
 }
 
 bool Read(const File& file, std::string& buffer) {
-  for (std::size_t done = 0; done < buffer.size();) {
-    const ssize_t count = read(DescriptorOf(file), buffer.data() + done, buffer.size() - done);
-    if (count <= 0) return false;
-    done += static_cast<std::size_t>(count);
-  }
-  return true;
+  return std::fread(buffer.data(), 1, buffer.size(), StreamOf(file)) == buffer.size();
 }
 
 bool Write(const File& file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = write(DescriptorOf(file), bytes.data(), bytes.size());
-    if (count < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
+  return std::fwrite(bytes.data(), 1, bytes.size(), StreamOf(file)) == bytes.size();
 }
+
+bool Close(File file) { return static_cast<OpenFile*>(file.get())->Close(); }
 
 DiskSpace QueryDiskSpace(const std::string& root) {
   constexpr std::uint32_t BytesPerSector = 512;

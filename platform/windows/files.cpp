@@ -83,6 +83,11 @@ bool Write(const File& file, std::string_view bytes) {
          count == bytes.size();
 }
 
+bool Close(File file) {
+  file.reset();
+  return true;
+}
+
 DiskSpace QueryDiskSpace(const std::string& root) {
   DWORD sectorsPerCluster = 0;
   DWORD bytesPerSector = 0;

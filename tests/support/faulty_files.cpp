@@ -92,6 +92,11 @@ bool Write(const File& file, std::string_view bytes) {
   (void)real_files::Write(Real(file).real, bytes.substr(0, bytes.size() / 2));
   return Fault();
 }
+bool Close(File file) {
+  if (GoesWrong("Close", state.openPath)) return Fault();
+  --state.openFiles;
+  return real_files::Close(real_files::File(file.release()));
+}
 DiskSpace QueryDiskSpace(const std::string& root) {
   if (GoesWrong("QueryDiskSpace", root)) return Fault<DiskSpace>();
   const auto space = real_files::QueryDiskSpace(root);
