@@ -19,6 +19,7 @@
 #include "platform/linux/paths.h"
 #include "platform/linux/text.h"
 #include "platform/linux/widgets.h"
+#include "platform/picture.h"
 
 namespace platform::window {
 namespace {
@@ -42,16 +43,6 @@ constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 /// How long, in milliseconds, what follows on the last text of a label, or on the last look at the
 /// events, may wait: a download sets texts and yields at every block.
 constexpr std::int64_t DisplayInterval = 10;
-
-/// Twips; turned into pixels when it is painted.
-struct FilledRectangle {
-  double left;
-  double top;
-  double right;
-  double bottom;
-  std::uint32_t colour;
-  bool operator==(const FilledRectangle&) const = default;
-};
 
 // Written by Create, and where not by the procedures that change the thing in question.
 Handlers handlers{};
@@ -167,8 +158,7 @@ class PictureWidget : public Fl_Widget {
  public:
   PictureWidget(int x, int y, int w, int h) : Fl_Widget(x, y, w, h) {}
 
-  std::vector<FilledRectangle> drawn;  // since the picture box was erased
-  std::vector<FilledRectangle> shown;  // what the screen has to show
+  Picture picture;
 
  private:
   /// A white box, sunken by a border of two pixels.
@@ -179,7 +169,7 @@ class PictureWidget : public Fl_Widget {
     const int top = y() + BorderOfPictures;
     fl_push_clip(left, top, w() - 2 * BorderOfPictures, h() - 2 * BorderOfPictures);
     fl_rectf(left, top, w(), h(), FL_WHITE);
-    for (const auto& area : shown) {
+    for (const auto& area : picture.Shown()) {
       const int x = PixelsX(area.left);
       const int y = PixelsY(area.top);
       fl_rectf(left + x, top + y, PixelsX(area.right) - x, PixelsY(area.bottom) - y,
@@ -420,18 +410,18 @@ PictureBox DescribePictureBox(int control) {
   return {false, layout.width, layout.height, ValueOf(linux_layer::Highlight)};
 }
 
-void ErasePictureBox(int control) { PictureAt(control).drawn.clear(); }
+void ErasePictureBox(int control) { PictureAt(control).picture.Erase(); }
 
 void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
                          std::uint32_t colour) {
-  PictureAt(control).drawn.push_back({left, top, right, bottom, colour});
+  PictureAt(control).picture.Draw({left, top, right, bottom, colour});
 }
 
 void RefreshPictureBox(int control) {
-  PictureWidget& picture = PictureAt(control);
-  if (picture.shown == picture.drawn) return;
-  picture.shown = picture.drawn;
-  picture.redraw();
+  PictureWidget& box = PictureAt(control);
+  if (!box.picture.HasChanged()) return;
+  box.picture.Show();
+  box.redraw();
   Fl::flush();
 }
 

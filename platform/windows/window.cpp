@@ -8,6 +8,7 @@
 #include <cmath>
 #include <vector>
 
+#include "platform/picture.h"
 #include "platform/windows/resources.h"
 #include "platform/windows/text.h"
 
@@ -33,24 +34,13 @@ constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 constexpr DWORD DisplayInterval = 30;
 constexpr DWORD EventInterval = 10;
 
-/// Twips; turned into pixels when it is painted.
-struct FilledRectangle {
-  double left;
-  double top;
-  double right;
-  double bottom;
-  COLORREF colour;
-  bool operator==(const FilledRectangle&) const = default;
-};
-
 struct Control {
   HWND handle = nullptr;
   ControlLayout layout{};
   DWORD displayed = 0;  // tick count when its text or picture was brought to the screen last
   bool waits = false;   // there is a later one
   std::string text;
-  std::vector<FilledRectangle> drawn;  // since the picture box was erased
-  std::vector<FilledRectangle> shown;  // what the screen has to show
+  Picture picture;
 };
 
 // Written by Create, and where not by the procedures that change the control in question.
@@ -106,7 +96,7 @@ LRESULT PaintPicture(HWND picture) {
   FillRect(context, &paint.rcPaint, GetSysColorBrush(COLOR_WINDOW));
   for (const auto& control : controls) {
     if (control.handle != picture) continue;
-    for (const auto& rectangle : control.shown) {
+    for (const auto& rectangle : control.picture.Shown()) {
       const RECT area = {PixelsX(rectangle.left), PixelsY(rectangle.top), PixelsX(rectangle.right),
                          PixelsY(rectangle.bottom)};
       SetBkColor(context, rectangle.colour);
@@ -261,7 +251,7 @@ void ShowText(Control& control) {
 }
 
 void ShowPicture(Control& control) {
-  control.shown = control.drawn;
+  control.picture.Show();
   InvalidateRect(control.handle, nullptr, FALSE);
   UpdateWindow(control.handle);
 }
@@ -390,16 +380,16 @@ PictureBox DescribePictureBox(int control) {
           GetSysColor(COLOR_HIGHLIGHT)};
 }
 
-void ErasePictureBox(int control) { At(control).drawn.clear(); }
+void ErasePictureBox(int control) { At(control).picture.Erase(); }
 
 void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
                          std::uint32_t colour) {
-  At(control).drawn.push_back({left, top, right, bottom, colour});
+  At(control).picture.Draw({left, top, right, bottom, colour});
 }
 
 void RefreshPictureBox(int control) {
   Control& box = At(control);
-  box.waits = box.shown != box.drawn;
+  box.waits = box.picture.HasChanged();
   if (box.waits) DisplayWhenDue(box);
 }
 
