@@ -20,7 +20,7 @@ constexpr std::int32_t ProxyAccess = 3;   // INTERNET_OPEN_TYPE_PROXY
 constexpr std::uint32_t QueryContentLength = 5;
 constexpr std::uint32_t QueryStatusCode = 19;
 
-constexpr int PollInterval = 20;            // milliseconds; nobody feels a click wait that long
+constexpr int PollInterval = 50;            // milliseconds; nobody feels a click wait that long
 constexpr long MostRedirections = 10;       // so that a circle of them ends
 constexpr long MostReceived = 256L * 1024;  // bytes of a body that wait for their reader
 constexpr const char* SecureProtocol = "https";
@@ -62,18 +62,23 @@ struct Connection : InternetObject {
   std::string address;  // host and port
 };
 
+/// What carries out the transfers, one after the other; making it costs as much as a small answer.
+CURLM* TheMulti() {
+  static const Multi multi(curl_multi_init());
+  return multi.get();
+}
+
 /// A request on its way, and what the library needs to live as long.
 struct Transfer {
   Transfer() = default;
   ~Transfer() {
-    if (easy) curl_multi_remove_handle(multi.get(), easy.get());
+    if (easy) curl_multi_remove_handle(TheMulti(), easy.get());
   }
   Transfer(const Transfer&) = delete;
   Transfer& operator=(const Transfer&) = delete;
 
   ParsedUrl url;
   List headers;
-  Multi multi;
   Easy easy;
   std::optional<CURLcode> result;  // once the transfer has ended
 };
@@ -127,12 +132,13 @@ bool AnsweredSecurely(CURL* easy) {
 /// Makes a transfer ready for its own settings; false when the URL is none, or no memory is left.
 bool Prepare(Transfer& transfer, const Root& root, const std::string& url) {
   transfer.url = Parse(url);
-  transfer.multi.reset(curl_multi_init());
   transfer.easy.reset(curl_easy_init());
   CURL* const easy = transfer.easy.get();
-  if (!transfer.url || !transfer.multi || easy == nullptr) return false;
+  if (!transfer.url || easy == nullptr) return false;
   curl_easy_setopt(easy, CURLOPT_CURLU, transfer.url.get());
   curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+  curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
+  curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L);
   curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
   curl_easy_setopt(easy, CURLOPT_MAXREDIRS, MostRedirections);
   curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, Protocols);
@@ -149,19 +155,19 @@ bool Prepare(Transfer& transfer, const Root& root, const std::string& url) {
 }
 
 bool Begin(Transfer& transfer) {
-  return curl_multi_add_handle(transfer.multi.get(), transfer.easy.get()) == CURLM_OK;
+  return curl_multi_add_handle(TheMulti(), transfer.easy.get()) == CURLM_OK;
 }
 
 /// Waits until the transfer can go on, for one poll at most, and lets it; then handles events.
 void Advance(Transfer& transfer) {
-  CURLM* const multi = transfer.multi.get();
+  CURLM* const multi = TheMulti();
   int count = 0;
   if (curl_multi_poll(multi, nullptr, 0, PollInterval, nullptr) != CURLM_OK ||
       curl_multi_perform(multi, &count) != CURLM_OK) {
     transfer.result = CURLE_RECV_ERROR;
   }
   while (const CURLMsg* message = curl_multi_info_read(multi, &count)) {
-    if (message->msg == CURLMSG_DONE) transfer.result = message->data.result;
+    if (message->easy_handle == transfer.easy.get()) transfer.result = message->data.result;
   }
   window::ProcessPendingEvents();
 }
@@ -258,8 +264,6 @@ Handle OpenRequest(const Handle& connection, const std::string& verb, const std:
   auto request = std::make_unique<Request>();
   if (!Prepare(request->transfer, *parent.root, url)) return nullptr;
   CURL* const easy = request->transfer.easy.get();
-  curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
-  curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L);
   curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, DropBody);
   if (verb == "HEAD") {
     curl_easy_setopt(easy, CURLOPT_NOBODY, 1L);
