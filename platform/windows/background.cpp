@@ -9,7 +9,10 @@
 namespace platform::windows {
 namespace {
 
-constexpr DWORD PollInterval = 20;  // milliseconds; nobody feels a click wait that long
+// Milliseconds. Most calls are over before anything else is to be done; then the events are looked
+// at when there are some, and now and then for what waits to be displayed.
+constexpr DWORD ShortCall = 10;
+constexpr DWORD LongestRest = 100;
 
 /// One thread for all calls, since creating one costs more than most calls take.
 struct Worker {
@@ -56,8 +59,13 @@ void StartBackgroundCall(std::function<void()> call) {
 
 void FinishBackgroundCall() {
   if (!isAtWork) return;
-  while (WaitForSingleObject(theWorker->done, PollInterval) == WAIT_TIMEOUT) {
+  HANDLE done = theWorker->done;
+  DWORD wait = WaitForSingleObject(done, ShortCall);
+  while (wait != WAIT_OBJECT_0) {
     window::ProcessPendingEvents();
+    wait = MsgWaitForMultipleObjectsEx(1, &done, LongestRest, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    // Input keeps: a while later there is more of it to handle at once.
+    if (wait == WAIT_OBJECT_0 + 1) wait = WaitForSingleObject(done, ShortCall);
   }
   isAtWork = false;
 }
