@@ -48,15 +48,15 @@ const char* NullWhenEmpty(const std::string& value) {
 }
 
 constexpr std::size_t SmallestChunk = 1024;  // bytes
-constexpr std::size_t LargestChunk = 256 * 1024;
-constexpr DWORD SlowRead = 100;  // milliseconds
-constexpr DWORD FastRead = 25;
+constexpr std::size_t LargestChunk = 128 * 1024;
+constexpr std::size_t SlowRead = 100;  // milliseconds
+constexpr std::size_t GoodRead = 25;
 
 /// A part of a body that was read, or is being read, in one call.
 struct Chunk {
   std::vector<char> bytes = {};
   bool read = false;
-  DWORD duration = 0;  // milliseconds
+  std::size_t duration = 0;  // milliseconds
 };
 
 /// A read costs much the same whatever its size, and returns when all of it is there: so the body
@@ -90,8 +90,10 @@ std::size_t chunkSize = SmallestChunk;
 
 void LearnFrom(const Chunk& chunk) {
   const bool full = chunk.bytes.size() == chunkSize;
-  if (full && chunk.duration < FastRead) chunkSize = std::min(chunkSize * 2, LargestChunk);
-  if (chunk.duration > SlowRead) chunkSize = std::max(chunkSize / 2, SmallestChunk);
+  if (full && chunk.duration < GoodRead) chunkSize = std::min(chunkSize * 2, LargestChunk);
+  if (chunk.duration > SlowRead) {
+    chunkSize = std::max(chunk.bytes.size() / chunk.duration * GoodRead, SmallestChunk);
+  }
 }
 
 void StartReading(OpenBody& body) {
