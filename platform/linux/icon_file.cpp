@@ -31,7 +31,7 @@ std::uint32_t NumberAt(std::string_view file, std::size_t at, std::size_t bytes)
 }
 
 /// Rows from the bottom up, each pixel blue, green, red and opacity.
-Picture ReadBitmap(std::string_view file, std::size_t at) {
+IconPicture ReadBitmap(std::string_view file, std::size_t at) {
   const auto size = static_cast<int>(NumberAt(file, at + BitmapWidth, 4));
   const std::size_t first = at + BitmapHeaderSize;
   if (NumberAt(file, at, 4) != BitmapHeaderSize || NumberAt(file, at + BitmapDepth, 2) != 32 ||
@@ -55,13 +55,13 @@ Picture ReadBitmap(std::string_view file, std::size_t at) {
 
 }  // namespace
 
-Picture ReadIcon(std::string_view file, int pixels) {
-  Picture nearest;
+IconPicture ReadIcon(std::string_view file, int pixels) {
+  IconPicture nearest;
   int leastDistance = std::numeric_limits<int>::max();
   const std::size_t count = NumberAt(file, CountOffset, 2);
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t entry = DirectorySize + i * EntrySize;
-    Picture picture = ReadBitmap(file, NumberAt(file, entry + PictureOffset, 4));
+    IconPicture picture = ReadBitmap(file, NumberAt(file, entry + PictureOffset, 4));
     if (!picture || std::abs(picture->w() - pixels) >= leastDistance) continue;
     leastDistance = std::abs(picture->w() - pixels);
     nearest = std::move(picture);

@@ -7,11 +7,11 @@
 
 namespace platform::linux_layer {
 
-using Picture = std::unique_ptr<Fl_RGB_Image>;
+using IconPicture = std::unique_ptr<Fl_RGB_Image>;
 
 /// The picture of an icon file (.ico) that comes nearest to a size in pixels, from those of 32 bits
 /// a pixel; null when there is none.
-[[nodiscard]] Picture ReadIcon(std::string_view file, int pixels);
+[[nodiscard]] IconPicture ReadIcon(std::string_view file, int pixels);
 
 /// The program's own icon, as an icon file.
 [[nodiscard]] std::string_view BuiltInIconFile();

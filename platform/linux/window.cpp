@@ -2,15 +2,12 @@
 
 #include <FL/Fl.H>
 #include <FL/Fl_Double_Window.H>
-#include <FL/fl_draw.H>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <fstream>
-#include <memory>
 #include <sstream>
 #include <vector>
 
@@ -19,26 +16,23 @@
 #include "platform/linux/paths.h"
 #include "platform/linux/text.h"
 #include "platform/linux/widgets.h"
-#include "platform/picture.h"
 
 namespace platform::window {
 namespace {
 
+using linux_layer::IconWidget;
+using linux_layer::LabelWidget;
+using linux_layer::PictureWidget;
+using linux_layer::Scale;
 using linux_layer::ToUtf8;
 
 constexpr double TwipsPerInch = 1440.0;
 constexpr double UnscaledDotsPerInch = 96;
 constexpr int UnscaledIconSize = 32;
-constexpr int BorderOfPictures = 2;         // pixels
 constexpr double HeightOfDecoration = 390;  // twips: title bar and borders of the Windows window
 constexpr double ShowingPoll = 0.05;        // seconds
 constexpr int MostShowingPolls = 20;
 constexpr const char* WindowClass = "Kestrane";
-constexpr const char* Ellipsis = "\u2026";
-
-/// Twips: 8 points and less. A label takes the first size in which its text fits, so that no
-/// message is cut off.
-constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 
 /// How long, in milliseconds, what follows on the last text of a label, or on the last look at the
 /// events, may wait: a download sets texts and yields at every block.
@@ -46,8 +40,7 @@ constexpr std::int64_t DisplayInterval = 10;
 
 // Written by Create, and where not by the procedures that change the thing in question.
 Handlers handlers{};
-double twipsPerPixelX = 0;
-double twipsPerPixelY = 0;
+Scale scale;
 bool resizeEventsOn = false;  // set by the first Show
 std::int64_t lastEvents = 0;  // tick count when events were processed last
 
@@ -55,15 +48,6 @@ std::int64_t lastEvents = 0;  // tick count when events were processed last
 std::int64_t TickCount() {
   using namespace std::chrono;
   return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
-}
-
-int PixelsX(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelX)); }
-int PixelsY(double twips) { return static_cast<int>(std::lround(twips / twipsPerPixelY)); }
-
-/// A red, green and blue byte from the lowest one on, as Windows writes a colour.
-Fl_Color ColourOf(std::uint32_t value) {
-  return fl_rgb_color(static_cast<uchar>(value), static_cast<uchar>(value >> 8U),
-                      static_cast<uchar>(value >> 16U));
 }
 
 std::uint32_t ValueOf(Fl_Color colour) {
@@ -97,113 +81,6 @@ class MainWindow : public Fl_Double_Window {
   }
 
   bool drawn = false;
-};
-
-class LabelWidget : public Fl_Widget {
- public:
-  LabelWidget(int x, int y, int w, int h, ControlKind labelKind)
-      : Fl_Widget(x, y, w, h), kind(labelKind) {}
-
-  void SetText(const std::string& utf8) {
-    text = utf8;
-    size = FittingSize();
-    if (!Wraps() && !Fits(text, size)) Shorten();
-    redraw();
-  }
-
- private:
-  [[nodiscard]] bool Wraps() const { return kind == ControlKind::WrappingLabel; }
-
-  [[nodiscard]] bool Fits(const std::string& value, int fontSize) const {
-    int width = Wraps() ? w() : 0;
-    int height = 0;
-    fl_font(linux_layer::Font, fontSize);
-    fl_measure(value.c_str(), width, height, 0);
-    return width <= w() && (!Wraps() || height <= h());
-  }
-
-  [[nodiscard]] int FittingSize() const {
-    for (const int twips : FontSizes) {
-      if (Fits(text, PixelsY(twips))) return PixelsY(twips);
-    }
-    return PixelsY(FontSizes.back());
-  }
-
-  void Shorten() {
-    while (!text.empty() && !Fits(text + Ellipsis, size)) {
-      while ((static_cast<unsigned char>(text.back()) >> 6U) == 2U) text.pop_back();
-      text.pop_back();
-    }
-    text += Ellipsis;
-  }
-
-  void draw() override {
-    const Fl_Align side = kind == ControlKind::RightAlignedLabel ? FL_ALIGN_RIGHT : FL_ALIGN_LEFT;
-    const Fl_Align wrap = Wraps() ? FL_ALIGN_WRAP | FL_ALIGN_TOP : FL_ALIGN_CENTER;
-    // A line of text may be a pixel higher than its label.
-    fl_push_clip(x() - 1, y() - 1, w() + 2, h() + 2);
-    fl_rectf(x() - 1, y() - 1, w() + 2, h() + 2, linux_layer::Grey);
-    fl_font(linux_layer::Font, size);
-    fl_color(FL_BLACK);
-    fl_draw(text.c_str(), x(), y(), w(), h(), side | wrap | FL_ALIGN_INSIDE, nullptr, 0);
-    fl_pop_clip();
-  }
-
-  ControlKind kind;
-  std::string text;
-  int size = 0;
-};
-
-class PictureWidget : public Fl_Widget {
- public:
-  PictureWidget(int x, int y, int w, int h) : Fl_Widget(x, y, w, h) {}
-
-  Picture picture;
-
- private:
-  /// A white box, sunken by a border of two pixels.
-  void draw() override {
-    DrawFrame(0, Fl_Color{0xA0A0A000}, FL_WHITE);
-    DrawFrame(1, Fl_Color{0x69696900}, Fl_Color{0xE3E3E300});
-    const int left = x() + BorderOfPictures;
-    const int top = y() + BorderOfPictures;
-    fl_push_clip(left, top, w() - 2 * BorderOfPictures, h() - 2 * BorderOfPictures);
-    fl_rectf(left, top, w(), h(), FL_WHITE);
-    for (const auto& area : picture.Shown()) {
-      const int x = PixelsX(area.left);
-      const int y = PixelsY(area.top);
-      fl_rectf(left + x, top + y, PixelsX(area.right) - x, PixelsY(area.bottom) - y,
-               ColourOf(area.colour));
-    }
-    fl_pop_clip();
-  }
-
-  void DrawFrame(int inset, Fl_Color upperLeft, Fl_Color lowerRight) {
-    const int left = x() + inset;
-    const int top = y() + inset;
-    const int right = x() + w() - 1 - inset;
-    const int bottom = y() + h() - 1 - inset;
-    fl_color(lowerRight);
-    fl_yxline(right, top, bottom);
-    fl_xyline(left, bottom, right);
-    fl_color(upperLeft);
-    fl_yxline(left, top, bottom - 1);
-    fl_xyline(left, top, right - 1);
-  }
-};
-
-class IconWidget : public Fl_Widget {
- public:
-  IconWidget(int x, int y, int w, int h, int side)
-      : Fl_Widget(x, y, w, h),
-        picture(linux_layer::ReadIcon(linux_layer::BuiltInIconFile(), side)->copy(side, side)) {}
-
- private:
-  void draw() override {
-    picture->draw(x() + (w() - picture->w()) / 2, y() + (h() - picture->h()) / 2);
-  }
-
-  std::unique_ptr<Fl_Image> picture;
 };
 
 struct Control {
@@ -262,8 +139,7 @@ void MeasureScreen() {
   float horizontal = 0;
   float vertical = 0;
   Fl::screen_dpi(horizontal, vertical);
-  twipsPerPixelX = TwipsPerPixel(horizontal);
-  twipsPerPixelY = TwipsPerPixel(vertical);
+  scale = {TwipsPerPixel(horizontal), TwipsPerPixel(vertical)};
 }
 
 void ButtonPressed(Fl_Widget* /*button*/, void* /*data*/) { handlers.buttonClicked(); }
@@ -275,24 +151,23 @@ void WindowClosing(Fl_Widget* /*window*/, void* /*data*/) {
 
 linux_layer::PushButton* CreateButton(int x, int y, int w, int h) {
   auto* button = new linux_layer::PushButton(x, y, w, h);
-  button->labelsize(PixelsY(FontSizes.front()));
+  button->labelsize(scale.PixelsY(linux_layer::LargestFont));
   button->shortcut(FL_Enter);
   button->callback(ButtonPressed);
   return button;
 }
 
 Fl_Widget* CreateWidget(const ControlLayout& layout) {
-  const int x = PixelsX(layout.left);
-  const int y = PixelsY(layout.top);
-  const int w = PixelsX(layout.width);
-  const int h = PixelsY(layout.height);
+  const int x = scale.PixelsX(layout.left);
+  const int y = scale.PixelsY(layout.top);
+  const int w = scale.PixelsX(layout.width);
+  const int h = scale.PixelsY(layout.height);
   switch (layout.kind) {
     case ControlKind::ProgramIcon:
-      return new IconWidget(
-          x, y, w, h,
-          static_cast<int>(UnscaledIconSize * TwipsPerInch / twipsPerPixelY / UnscaledDotsPerInch));
+      return new IconWidget(x, y, w, h,
+                            scale.PixelsY(UnscaledIconSize * TwipsPerInch / UnscaledDotsPerInch));
     case ControlKind::PictureBox:
-      return new PictureWidget(x, y, w, h);
+      return new PictureWidget(x, y, w, h, scale);
     case ControlKind::Button:
       return CreateButton(x, y, w, h);
     case ControlKind::Label:
@@ -300,7 +175,7 @@ Fl_Widget* CreateWidget(const ControlLayout& layout) {
     case ControlKind::RightAlignedLabel:
       break;
   }
-  return new LabelWidget(x, y, w, h, layout.kind);
+  return new LabelWidget(x, y, w, h, layout.kind, scale);
 }
 
 /// The window manager takes the size that it likes.
@@ -325,7 +200,8 @@ void Create(const Layout& layout, const Handlers& callbacks) {
   handlers = callbacks;
   Fl::set_font(linux_layer::Font, linux_layer::FontFamilies);
   MeasureScreen();
-  mainWindow = new MainWindow(PixelsX(layout.clientWidth), PixelsY(layout.clientHeight));
+  mainWindow =
+      new MainWindow(scale.PixelsX(layout.clientWidth), scale.PixelsY(layout.clientHeight));
   mainWindow->xclass(WindowClass);
   mainWindow->color(linux_layer::Grey);
   mainWindow->callback(WindowClosing);
@@ -359,7 +235,7 @@ void SetWindowIcon(const std::string& path) {
 }
 
 void SetWindowHeight(int height) {
-  mainWindow->size(mainWindow->w(), PixelsY(height - HeightOfDecoration));
+  mainWindow->size(mainWindow->w(), scale.PixelsY(height - HeightOfDecoration));
 }
 
 void SetText(int control, std::string_view value) {
@@ -398,12 +274,12 @@ bool IsEnabled(int control) { return At(control).widget->active() != 0; }
 
 void SetTop(int control, int top) {
   Fl_Widget& widget = *At(control).widget;
-  widget.position(widget.x(), PixelsY(top));
+  widget.position(widget.x(), scale.PixelsY(top));
   mainWindow->redraw();
 }
 
-double TwipsPerPixelX() { return twipsPerPixelX; }
-double TwipsPerPixelY() { return twipsPerPixelY; }
+double TwipsPerPixelX() { return scale.twipsPerPixelX; }
+double TwipsPerPixelY() { return scale.twipsPerPixelY; }
 
 PictureBox DescribePictureBox(int control) {
   const ControlLayout& layout = At(control).layout;
@@ -432,7 +308,8 @@ void SetMousePointer(MousePointer pointer) {
 
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {
   ShowWaitingTexts();
-  return linux_layer::RunMessageBox(ToUtf8(text), style, ToUtf8(title), PixelsY(FontSizes.front()));
+  return linux_layer::RunMessageBox(ToUtf8(text), style, ToUtf8(title),
+                                    scale.PixelsY(linux_layer::LargestFont));
 }
 
 void ProcessPendingEvents() {
