@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <memory>
 #include <utility>
 
 #include "platform/window.h"
@@ -16,8 +17,16 @@ constexpr DWORD LongestRest = 100;
 
 /// One thread for all calls, since creating one costs more than most calls take.
 struct Worker {
+  Worker() = default;
+  ~Worker() {
+    CloseHandle(start);
+    CloseHandle(done);
+  }
+  Worker(const Worker&) = delete;
+  Worker& operator=(const Worker&) = delete;
+
   HANDLE start = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-  HANDLE done = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+  HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);  // until the next call
   std::function<void()> call;  // handed over with start, handed back with done
 };
 
@@ -38,12 +47,12 @@ DWORD WINAPI Work(void* argument) {
 
 bool ProvideWorker() {
   if (theWorker != nullptr) return true;
-  auto* const worker = new Worker;
+  auto worker = std::make_unique<Worker>();
   if (worker->start == nullptr || worker->done == nullptr) return false;
-  const HANDLE thread = CreateThread(nullptr, 0, Work, worker, 0, nullptr);
+  const HANDLE thread = CreateThread(nullptr, 0, Work, worker.get(), 0, nullptr);
   if (thread == nullptr) return false;
   CloseHandle(thread);
-  theWorker = worker;
+  theWorker = worker.release();
   return true;
 }
 
@@ -54,18 +63,15 @@ void StartBackgroundCall(std::function<void()> call) {
   if (!ProvideWorker()) return call();
   theWorker->call = std::move(call);
   isAtWork = true;
+  ResetEvent(theWorker->done);
   SetEvent(theWorker->start);
 }
 
 void FinishBackgroundCall() {
   if (!isAtWork) return;
-  HANDLE done = theWorker->done;
-  DWORD wait = WaitForSingleObject(done, ShortCall);
-  while (wait != WAIT_OBJECT_0) {
+  while (WaitForSingleObject(theWorker->done, ShortCall) == WAIT_TIMEOUT) {
     window::ProcessPendingEvents();
-    wait = MsgWaitForMultipleObjectsEx(1, &done, LongestRest, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
-    // Input keeps: a while later there is more of it to handle at once.
-    if (wait == WAIT_OBJECT_0 + 1) wait = WaitForSingleObject(done, ShortCall);
+    MsgWaitForMultipleObjectsEx(1, &theWorker->done, LongestRest, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
   }
   isAtWork = false;
 }
