@@ -45,6 +45,26 @@ void FindDestinationsGivenTwice(const Run& run) {
   }
 }
 
+/// A download and a backup have names of their own beside their destination.
+void FindDestinationsInTheWay(const Run& run) {
+  std::map<std::string, int> companions;  // line by path
+  for (const auto& action : run.reading.actions) {
+    const ScriptLine& line = run.LineOf(action);
+    if (!PutsAFile(line)) continue;
+    const std::string path = LowerCase(line.fields[1]);
+    companions.insert({path + ".tmp", line.number});
+    if (CommandWord(line.fields) == "ADD") companions.insert({path + ".bak", line.number});
+  }
+  for (const auto& action : run.reading.actions) {
+    const ScriptLine& line = run.LineOf(action);
+    const auto companion = companions.find(LowerCase(line.fields[1]));
+    if (!PutsAFile(line) || companion == companions.end()) continue;
+    run.findings.push_back({Severity::Error, line.number,
+                            "The destination is where line " + std::to_string(companion->second) +
+                                " keeps its download or its backup."});
+  }
+}
+
 /// True when an earlier action, or one that is carried out before all others, ends the program.
 bool IsEndedBefore(const Run& run, const TakenAction& action, const std::string& program) {
   const auto ends = [&](const TakenAction& other) {
@@ -141,6 +161,7 @@ void CheckFlow(const Script& script, const std::string& newest, Findings& findin
     for (const auto& action : reading.actions) taken.insert(action.line);
     const Run run = {script, reading, findings};
     FindDestinationsGivenTwice(run);
+    FindDestinationsInTheWay(run);
     FindProgramsInUse(run);
   }
   FindEndlessUpdates(script, newest, findings);

@@ -1,6 +1,7 @@
 #include "publish/check_rules.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "platform/text.h"
 #include "publish/encoding.h"
@@ -233,6 +234,20 @@ Remark PathThatGoesAstray(const Line& line) {
   return BeginningOfPath(path);
 }
 
+/// Names that are devices in every folder, whatever follows behind a dot.
+constexpr std::string_view Devices[] = {
+    "con",  "prn",  "aux",  "nul",  "com1", "com2", "com3", "com4", "com5", "com6", "com7",
+    "com8", "com9", "lpt1", "lpt2", "lpt3", "lpt4", "lpt5", "lpt6", "lpt7", "lpt8", "lpt9"};
+
+Remark PathToADevice(const Line& line) {
+  if (line.command == nullptr || line.command->first != Argument::Path) return {};
+  const std::string path = LowerCase(FieldAt(line.fields, 1));
+  const std::string name = path.substr(path.find_last_of('\\') + 1);
+  const std::string stem = Trimmed(name.substr(0, name.find('.')));
+  if (std::find(std::begin(Devices), std::end(Devices), stem) == std::end(Devices)) return {};
+  return {Severity::Error, Quoted(stem) + " is a device of Windows and cannot be a file."};
+}
+
 Remark BlanksAroundThePath(const Line& line) {
   const bool hasPath = line.command != nullptr && line.command->first == Argument::Path;
   const std::string path = hasPath ? FieldAt(line.fields, 1) : "";
@@ -289,11 +304,21 @@ Remark KillOfTooMuch(const Line& line) {
   return {};
 }
 
-constexpr Remark (*Rules[])(const Line& line) = {
-    Refusal,          UnknownCommand,  IdleMarker,         MacroInImmediateAction,
-    MacroInWrongCase, UnknownWord,     PauseThatIsNone,    UnusableUrl,
-    PlainHttp,        MissingArgument, PathThatGoesAstray, BlanksAroundThePath,
-    OddCharacters,    KillOfTooMuch};
+constexpr Remark (*Rules[])(const Line& line) = {Refusal,
+                                                 UnknownCommand,
+                                                 IdleMarker,
+                                                 MacroInImmediateAction,
+                                                 MacroInWrongCase,
+                                                 UnknownWord,
+                                                 PauseThatIsNone,
+                                                 UnusableUrl,
+                                                 PlainHttp,
+                                                 MissingArgument,
+                                                 PathThatGoesAstray,
+                                                 PathToADevice,
+                                                 BlanksAroundThePath,
+                                                 OddCharacters,
+                                                 KillOfTooMuch};
 
 }  // namespace
 
