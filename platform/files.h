@@ -50,10 +50,11 @@ using File = std::unique_ptr<void, CloseFile>;
 [[nodiscard]] bool Read(const File& file, std::string& buffer);
 
 /// Writes all of the bytes at the current position. Linux: the last ones, 16 KiB at the most, reach
-/// the system when the file is closed or the process ends itself.
+/// the system when the file is closed.
 [[nodiscard]] bool Write(const File& file, std::string_view bytes);
 
-/// Windows: false never. Linux: when bytes that were written did not reach the system.
+/// False when bytes that were written do not reach the system, which the owner's end would not tell.
+/// Windows: never.
 [[nodiscard]] bool Close(File file);
 
 /// What the system says of a volume; all 0 on failure.

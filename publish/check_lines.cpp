@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <sstream>
 
 #include "platform/text.h"
 #include "publish/encoding.h"
@@ -241,11 +242,13 @@ constexpr std::string_view Devices[] = {
 
 Remark PathToADevice(const Line& line) {
   if (line.command == nullptr || line.command->first != Argument::Path) return {};
-  const std::string path = LowerCase(FieldAt(line.fields, 1));
-  const std::string name = path.substr(path.find_last_of('\\') + 1);
-  const std::string stem = Trimmed(name.substr(0, name.find('.')));
-  if (std::find(std::begin(Devices), std::end(Devices), stem) == std::end(Devices)) return {};
-  return {Severity::Error, Quoted(stem) + " is a device of Windows and cannot be a file."};
+  std::istringstream path(LowerCase(FieldAt(line.fields, 1)));
+  for (std::string name; std::getline(path, name, '\\');) {
+    const std::string stem = Trimmed(name.substr(0, name.find('.')));
+    if (std::find(std::begin(Devices), std::end(Devices), stem) == std::end(Devices)) continue;
+    return {Severity::Error, Quoted(stem) + " is a device of Windows, no file and no folder."};
+  }
+  return {};
 }
 
 Remark BlanksAroundThePath(const Line& line) {

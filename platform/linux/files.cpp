@@ -28,13 +28,21 @@ constexpr mode_t ModeOfNewFiles = 0777;
 /// A stream of the C library with a buffer of its own, large enough for few calls of the system.
 class OpenFile {
  public:
-  explicit OpenFile(FILE* opened) : stream(opened) {
+  OpenFile(const std::string& systemPath, int flags, const char* mode) {
+    const int descriptor = open(systemPath.c_str(), flags | O_CLOEXEC, ModeOfNewFiles);
+    if (descriptor < 0) return;
+    stream = fdopen(descriptor, mode);
+    if (stream == nullptr) {
+      close(descriptor);
+      return;
+    }
     (void)std::setvbuf(stream, buffer.data(), _IOFBF, buffer.size());  // fails for bad modes only
   }
   ~OpenFile() { (void)Close(); }
   OpenFile(const OpenFile&) = delete;
   OpenFile& operator=(const OpenFile&) = delete;
 
+  /// Null when the file could not be opened.
   [[nodiscard]] FILE* Stream() const { return stream; }
 
   bool Close() { return stream == nullptr || std::fclose(std::exchange(stream, nullptr)) == 0; }
@@ -42,21 +50,15 @@ class OpenFile {
  private:
   static constexpr std::size_t BufferSize = 16'384;  // bytes; a larger one gains little
 
-  FILE* stream;
+  FILE* stream = nullptr;
   std::array<char, BufferSize> buffer;
 };
 
 FILE* StreamOf(const File& file) { return static_cast<const OpenFile*>(file.get())->Stream(); }
 
 File Open(const std::string& path, int flags, const char* mode) {
-  const int descriptor = open(ToSystemPath(path).c_str(), flags | O_CLOEXEC, ModeOfNewFiles);
-  if (descriptor < 0) return nullptr;
-  FILE* const stream = fdopen(descriptor, mode);
-  if (stream == nullptr) {
-    close(descriptor);
-    return nullptr;
-  }
-  return File(new OpenFile(stream));
+  auto file = std::make_unique<OpenFile>(ToSystemPath(path), flags, mode);
+  return File(file->Stream() == nullptr ? nullptr : file.release());
 }
 
 /// The kind of file behind a path, or 0.

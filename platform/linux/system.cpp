@@ -4,7 +4,6 @@
 #include <locale.h>  // NOLINT(modernize-deprecated-headers): the one that declares newlocale
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
@@ -117,9 +116,6 @@ std::int32_t OpenWithShell(const std::string& /*verb*/, const std::string& file,
   return StartDirectly(file, parameters, folder) || LetDesktopOpen(file) ? Opened : FileNotFound;
 }
 
-void EndProcess() {
-  (void)std::fflush(nullptr);  // what open files hold back
-  _exit(0);
-}
+void EndProcess() { _exit(0); }
 
 }  // namespace platform::system

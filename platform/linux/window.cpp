@@ -34,8 +34,8 @@ constexpr double ShowingPoll = 0.05;        // seconds
 constexpr int MostShowingPolls = 20;
 constexpr const char* WindowClass = "Kestrane";
 
-/// How long, in milliseconds, what follows on the last text of a label, or on the last look at the
-/// events, may wait: a download sets texts and yields at every block.
+/// Milliseconds. A download sets texts and yields at every block: what follows this soon on the
+/// last text of a label, or on the last look at the events, waits.
 constexpr std::int64_t DisplayInterval = 10;
 
 // Written by Create, and where not by the procedures that change the thing in question.

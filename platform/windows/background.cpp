@@ -10,10 +10,11 @@
 namespace platform::windows {
 namespace {
 
-// Milliseconds. Most calls are over before anything else is to be done; then the events are looked
-// at when there are some, and now and then for what waits to be displayed.
+// Milliseconds. Most calls are over before anything else is to be done. Otherwise events are
+// handled as they come, and what waits to be displayed is so after the first rest.
 constexpr DWORD ShortCall = 10;
-constexpr DWORD LongestRest = 100;
+constexpr DWORD FirstRest = 30;
+constexpr DWORD LaterRest = 100;
 
 /// One thread for all calls, since creating one costs more than most calls take.
 struct Worker {
@@ -69,9 +70,10 @@ void StartBackgroundCall(std::function<void()> call) {
 
 void FinishBackgroundCall() {
   if (!isAtWork) return;
-  while (WaitForSingleObject(theWorker->done, ShortCall) == WAIT_TIMEOUT) {
+  for (DWORD rest = FirstRest; WaitForSingleObject(theWorker->done, ShortCall) == WAIT_TIMEOUT;
+       rest = LaterRest) {
     window::ProcessPendingEvents();
-    MsgWaitForMultipleObjectsEx(1, &theWorker->done, LongestRest, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    MsgWaitForMultipleObjectsEx(1, &theWorker->done, rest, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
   }
   isAtWork = false;
 }

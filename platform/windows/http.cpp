@@ -48,6 +48,7 @@ const char* NullWhenEmpty(const std::string& value) {
 }
 
 constexpr std::size_t SmallestChunk = 1024;  // bytes
+constexpr std::size_t LargestFirstChunk = 8 * 1024;
 constexpr std::size_t LargestChunk = 128 * 1024;
 constexpr std::size_t SlowRead = 100;  // milliseconds
 constexpr std::size_t GoodRead = 25;
@@ -85,7 +86,8 @@ void ReadChunk(HINTERNET url, Chunk& chunk) {
   chunk.duration = GetTickCount() - start;
 }
 
-// Bytes that arrive as fast as wanted, as far as the bodies up to now tell.
+// Bytes that arrive as fast as wanted, as far as the bodies up to now tell. The next one may come
+// from a slower server: it begins with less.
 std::size_t chunkSize = SmallestChunk;
 
 void LearnFrom(const Chunk& chunk) {
@@ -213,6 +215,7 @@ Body OpenUrl(const Handle& root, const std::string& url) {
       [&] { opened = Library().InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0); });
   if (opened == nullptr) return nullptr;
   auto body = std::make_unique<OpenBody>(opened);
+  chunkSize = std::min(chunkSize, LargestFirstChunk);
   if (!HasStatus(opened)) return nullptr;
   body->announced = LengthOf(opened);
   return Body(body.release());
