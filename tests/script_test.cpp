@@ -127,18 +127,19 @@ TEST_F(Parser, CarriesOutImmediateActionsAsWritten) {
 
 TEST_F(Parser, RejectsWhatItDoesNotUnderstand) {
   const std::string header = "1.4.2|http://u/\n";
-  const std::string scripts[] = {"", header + "NAME|x\nVERSION|=|2\n#a\n\n",
-                                 header + "NAME\nEND\nEND", header + "NAME||\nEND\nEND",
-                                 "\xEF\xBB\xBF" + header + "END\nEND\nEND"};
+  std::vector<std::string> scripts = {"", header + "NAME|x\nVERSION|=|2\n#a\n\n"};
+  for (const std::string first : {"1.4.2|http://u/|", "1.4.2", "one|http://u/", "1.4.2|",
+                                  "\xEF\xBB\xBF"
+                                  "1.4.2|http://u/"}) {
+    scripts.push_back(first + "\nEND\nEND\nEND");
+  }
+  for (const std::string line :
+       {"NAME", "NAME||", "VERSION|=|2|", "VERSION|=", "VERSION| =|2", "VERSION|==|2",
+        "VERSION|=|two", "ADD|x", "UPDATE|x", "DELETE", "MSG|x", "!EXECUTE|x|WAIT", "KILL",
+        "REGISTER", "UNREGISTER", "SLEEP"}) {
+    scripts.push_back(header + "END\nEND\n" + line);
+  }
   for (const auto& script : scripts) EXPECT_EQ(Parse(script), ScriptNotUnderstood) << script;
-  for (const std::string first : {"1.4.2|http://u/|", "1.4.2", "one|http://u/", "1.4.2|"}) {
-    EXPECT_EQ(Parse(first + "\nEND\nEND\nEND"), ScriptNotUnderstood) << first;
-  }
-  for (const std::string line : {"VERSION|=|2|", "VERSION|=", "VERSION| =|2", "VERSION|==|2",
-                                 "VERSION|=|two", "ADD|x", "UPDATE|x", "DELETE", "MSG|x",
-                                 "!EXECUTE|x|WAIT", "KILL", "REGISTER", "UNREGISTER", "SLEEP"}) {
-    EXPECT_EQ(Parse(header + "END\nEND\n" + line), ScriptNotUnderstood) << line;
-  }
 
   ResetScript();
   EXPECT_EQ(Parse(header + "END\nEND"), ScriptNotUnderstood) << "three lines are too few";

@@ -2,7 +2,6 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -47,8 +46,6 @@ std::string Hide(const std::string& path) {
 }
 
 std::shared_ptr<void> Lock(const std::string& path) { return std::make_shared<LockedFile>(path); }
-
-std::uint32_t CodeOfTerminated(std::uint32_t /*exitCode*/) { return 128 + SIGKILL; }
 
 Resources ResourcesInUse() {
   const auto entries = [](const char* folder) {

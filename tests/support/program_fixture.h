@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <optional>
 
 #include "platform/processes.h"
@@ -15,7 +16,11 @@ class Program : public testing::Test {
   using Texts = std::vector<std::string>;
   using Tree = std::map<std::string, std::string>;
 
-  void SetUp() override { sandbox.Fill({{"Kestrane.exe", kestrane}, {"kt-app.exe", helper}}); }
+  void SetUp() override {
+    static const std::string log = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
+    putenv(const_cast<char*>(log.c_str()));
+    sandbox.Fill({{"Kestrane.exe", kestrane}, {"kt-app.exe", helper}});
+  }
   void TearDown() override { Kill(); }
 
   /// Starts a program; each argument goes in quotes onto its command line.
