@@ -36,7 +36,6 @@ for page in "$root"/docs/*.md; do
     /^```/ {
       inside = 1
       file = NF > 1 ? $2 : /console/ ? page "." ++count ".console" : "/dev/null"
-      printf "" > file
       next
     }
     inside { print > file }' "$page"
@@ -61,10 +60,7 @@ expected='"2.7.1" "app folder" "'$site'/ledger/update.txt" "app folder\ledger.ex
 example() {
   local language=$1 compiler=$2 source=$3
   shift 3
-  if ! command -v "$compiler" >/dev/null; then
-    echo "The $language example was not run: there is no $compiler."
-    return
-  fi
+  command -v "$compiler" >/dev/null || { echo "The $language example was not run: there is no $compiler." && return; }
   "$compiler" "$source" >compiler.log 2>&1 || fail "the $language example: $(<compiler.log)"
   diff <("$@" | tr / '\\') <(tr / '\\' <<<"$expected") || fail "the $language example starts it otherwise"
 }

@@ -170,6 +170,7 @@ TEST_F(Faults, HostileServersEndInTheRightText) {
       {"shorter than HEAD says", {.body = "short"}, "S", "S"},
       {"longer than HEAD says", {.body = body + body}, "S", "S"},
       {"no length", {.body = body, .contentLength = ""}, "N", "S"},
+      {"no length, and shorter than HEAD says", {.body = "short", .contentLength = ""}, "N", "W"},
   };
   for (const std::size_t at : {0U, 1U, 1023U, 1024U, 1025U, 2500U, 4999U}) {
     cases.push_back({"cut at " + std::to_string(at), {.body = body, .cutAt = at}, "W", "W"});

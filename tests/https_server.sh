@@ -21,7 +21,8 @@ certificate good localhost trusted
 certificate foreign localhost unknown
 certificate other_host elsewhere.example trusted
 certificate expired localhost
-openssl x509 -in expired.pem -days -1 -CA trusted.pem -CAkey trusted.key -CAcreateserial -out expired.pem
+openssl x509 -in expired.pem -days -1 -CA trusted.pem -CAkey trusted.key -CAcreateserial \
+  -clrext -extfile <(echo "subjectAltName=DNS:localhost") -out expired.pem
 openssl x509 -in trusted.pem -outform der -out trusted.der
 
 next_port

@@ -25,7 +25,8 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
               "\nEXECUTE|$AppPath\\kt-ledger.exe append \"$AppPath\\out\" never|later|MIN"
               "\nEXECUTE|$AppPath\\missing.exe|WAIT|HIDE\nSLEEP|0\nSLEEP|-5\nSLEEP|a while"
               "\nEXECUTE|$AppPath\\kt-ledger.exe stay \"$AppPath\\stay\"|NOWAIT|HIDE"
-              "\nEXECUTE|$AppPath\\kt-ledger.exe append \"$AppPath\\out\" again|WAIT|HIDE"
+              "\nEXECUTE|$AppPath\\kt-ledger.exe append \"$AppPath\\gone\" x|WAIT|HIDE"
+              "\nDELETE|$AppPath\\gone"
               "\nSLEEP|3000\nKILL|KT-LEDGER.EXE"
               "\nREGISTER|$AppPath\\reports.dll\nUNREGISTER|$AppPath\\reports.dll\nEND\nMSG\n");
   EXPECT_TRUE(RunsSilently());
@@ -33,7 +34,7 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
                            {"reports.dll", Shown(component)},
                            {"reports.dll.bak", "old"},
                            {"help/es es/help.txt", "ayuda"},
-                           {"out", "two words\nagain\n"},
+                           {"out", "two words\n"},
                            {"stay", "up\n"},
                            {"component.log", "loaded\nregistered\nloaded\nunregistered\n"},
                            {"kt-app.exe.log", "launched\n"}}));

