@@ -13,6 +13,7 @@
 namespace {
 
 using namespace modPrincipal;
+using Texts = std::vector<std::string>;
 
 TEST(Version, BecomesTheNumberByWhichVersionsCompare) {
   const std::pair<std::int32_t, std::vector<std::string>> cases[] = {
@@ -49,16 +50,6 @@ class Parser : public testing::Test {
   std::string ParseLines(const std::string& lines, const std::string& installed = "2.0.0") {
     return Parse("1.4.2|http://u/\nNAME|Ledger\nNAME|Sample||Ledger\n" + lines, installed);
   }
-
-  /// The recorded rows, one a line.
-  static std::string Table() {
-    std::string table;
-    for (std::size_t i = 0; i < ActionCommand.size(); ++i) {
-      table += ActionCommand[i] + "|" + ActionArg1[i] + "|" + ActionArg2[i] + "|" + ActionArg3[i] +
-               "|" + std::to_string(ActionSize[i]) + "\n";
-    }
-    return table;
-  }
 };
 
 TEST_F(Parser, CutsSignificantLinesIntoFields) {
@@ -76,11 +67,12 @@ TEST_F(Parser, RecordsEveryActionInScriptOrder) {
                        "EXECUTE|C:\\p /x|Wait|MIN\nKILL|ledger.exe\nREGISTER|C:\\r|1\n"
                        "UNREGISTER|C:\\u\nSLEEP|soon\n"),
             "");
-  EXPECT_EQ(Table(),
-            "ADD|C:\\a|||0\nUPDATE|C:\\b|||0\nDELETE|C:\\c|||0\n"
-            "MSG|Hola $winpath||critical|0\n"
-            "EXECUTE|C:\\p /x|Wait|MIN|0\nKILL|ledger.exe|||0\nREGISTER|C:\\r|||0\n"
-            "UNREGISTER|C:\\u|||0\nSLEEP|soon|||0\n");
+  EXPECT_EQ(ActionCommand, (Texts{"ADD", "UPDATE", "DELETE", "MSG", "EXECUTE", "KILL", "REGISTER",
+                                  "UNREGISTER", "SLEEP"}));
+  EXPECT_EQ(ActionArg1, (Texts{"C:\\a", "C:\\b", "C:\\c", "Hola $winpath", "C:\\p /x", "ledger.exe",
+                               "C:\\r", "C:\\u", "soon"}));
+  EXPECT_EQ(ActionArg2, (Texts{"", "", "", "", "Wait", "", "", "", ""}));
+  EXPECT_EQ(ActionArg3, (Texts{"", "", "", "critical", "MIN", "", "", "", ""}));
   EXPECT_EQ(NewUpdaterVersion, 11004002);
   EXPECT_EQ(NewUpdaterUrl, "http://u/");
   EXPECT_EQ(AppDisplayName, "Sample  Ledger");
@@ -103,20 +95,14 @@ TEST_F(Parser, FollowsTheCondition) {
       {"VERSION|=|2\n!\nKILL|a\nVERSION|=|2\n!!KILL|x\nKILL|b", ""},
       {"END\nVERSION|=|2\nKILL|a\n!end|x\nADD\nMSG|malformed", "a"},
       {"!VERSION|=|2\n!NAME|x\nKILL|a\nNAME|y\nKILL|b", "ab"},
+      {"!MSG|no|?\nVERSION|=|2\n!MSG|$AppPath|INFORMATION\nKILL|a\nVERSION|=|3\n!MSG|no|?", "a"},
   };
   for (const auto& [lines, recorded, installed] : cases) {
     ResetActionTable();
     EXPECT_EQ(ParseLines(lines, installed), "") << lines;
     EXPECT_EQ(modFunciones::Join(ActionArg1, ""), recorded) << lines;
   }
-}
-
-TEST_F(Parser, CarriesOutImmediateActionsAsWritten) {
-  EXPECT_EQ(ParseLines("!MSG|no|INFORMATION\nVERSION|=|2\n!MSG|$AppPath|INFORMATION\nMSG|late|x\n"
-                       "VERSION|=|3\n!MSG|no|INFORMATION"),
-            "");
-  EXPECT_EQ(scripted_window::state.messageBoxes, std::vector<std::string>{"64|Ledger|$AppPath"});
-  EXPECT_EQ(Table(), "MSG|late||x|0\n");
+  EXPECT_EQ(scripted_window::state.messageBoxes, Texts{"64|Ledger|$AppPath"}) << "at once";
 }
 
 TEST_F(Parser, RejectsWhatItDoesNotUnderstand) {
@@ -141,7 +127,7 @@ TEST_F(Parser, RejectsWhatItDoesNotUnderstand) {
   EXPECT_EQ(NewUpdaterVersion, 0) << "and their header is not looked at";
 
   EXPECT_EQ(Parse(header + "VERSION|=|2\nKILL|a\nKILL"), ScriptNotUnderstood);
-  EXPECT_EQ(Table(), "KILL|a|||0\n") << "what stood before the failing line stays";
+  EXPECT_EQ(ActionArg1, Texts{"a"}) << "what stood before the failing line stays";
 }
 
 }  // namespace

@@ -103,7 +103,6 @@ TEST_F(Transfer, RecordingAnActionChecksItsFile) {
   EXPECT_EQ(ActionArg1.back(), platform::system::ExecutableFolder() + "\\x");
   EXPECT_EQ(ActionArg2.back(), "a/b:c");
   EXPECT_EQ(ActionArg3.back(), "s");
-  EXPECT_GE(state.yields, 10);
 }
 
 TEST_F(Transfer, DownloadsWholeBodies) {

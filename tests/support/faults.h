@@ -11,7 +11,7 @@ namespace faults {
 std::string Hide(const std::string& path);
 
 /// Keeps a file from being read, deleted or replaced, as another program that has it open would.
-/// Linux: the user and the mode of its folder keep it, and the other files there as well.
+/// Linux: null, since no program does.
 [[nodiscard]] std::shared_ptr<void> Lock(const std::string& path);
 
 /// What this process holds; the numbers stay as they are while nothing is kept, but for those of

@@ -43,10 +43,7 @@ int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view 
                                std::string(text));
   return 1;
 }
-void ProcessPendingEvents() {
-  ++state.yields;
-  state.onYield();
-}
+void ProcessPendingEvents() { state.onYield(); }
 void RunEventLoop() { std::abort(); }
 
 }  // namespace platform::window

@@ -25,7 +25,6 @@ struct State {
   double twipsPerPixel = 15;
   std::vector<std::string> messageBoxes;  // "style|title|text"
   std::vector<std::string> history;       // every text set, as "control:text"
-  int yields = 0;
   std::function<void()> onYield = [] {};
 };
 

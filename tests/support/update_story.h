@@ -22,13 +22,13 @@ class UpdateStory {
   void Prepare(LoopbackServer& server, const Sandbox& sandbox) const {
     sandbox.Fill(Before);
     std::string script = "1.0.3|x\nNAME|x\nVERSION|<|3.0.0";
-    for (const std::string row : {"ADD|a", "ADD|new/b", "UPDATE|c", "UPDATE|d"}) {
+    for (const std::string row : {"ADD|a", "ADD|new/b", "UPDATE|c", "DELETE|e", "UPDATE|d"}) {
       const std::string url = "/" + row.substr(row.size() - 1);
       const auto bar = row.find('|') + 1;
       server.Serve(url, {NewContent(row)});
       script += "\n" + row.substr(0, bar) + sandbox.Path(row.substr(bar)) + "|" + server.Url(url);
     }
-    server.Serve(Script, {.body = script + "\nDELETE|" + sandbox.Path("e")});
+    server.Serve(Script, {.body = script});
   }
 
   /// The files of an update that went well.
