@@ -1,4 +1,4 @@
-// Path macros, file helpers, processes, components and the action executor.
+// File helpers, processes, components and the action executor.
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,6 @@
 #include "install/action_executor.h"
 #include "install/component_registration.h"
 #include "install/file_helpers.h"
-#include "install/path_macros.h"
 #include "install/process_control.h"
 #include "platform/processes.h"
 #include "platform/system.h"
@@ -60,15 +59,6 @@ class Install : public testing::Test {
 
   Sandbox sandbox;
 };
-
-TEST_F(Install, MacrosBecomeFolders) {
-  const std::string windows = GetWindowsDir();
-  EXPECT_FALSE(windows.empty());
-  EXPECT_NE(GetSystemDir(), windows);
-  EXPECT_EQ(ExpandMacros("$WinPath\\n $winpath $WinPath"), windows + "\\n $winpath " + windows);
-  EXPECT_EQ(ExpandMacros("$WinSysPath\\x"), GetSystemDir() + "\\x");
-  EXPECT_EQ(ExpandMacros("$AppPath$AppPath$App"), ownFolder + ownFolder + "$App");
-}
 
 TEST_F(Install, FilesAreReadAndWrittenWhole) {
   for (const auto& content : Texts{std::string("longer\r\n\x1A\0\xFF", 11), "\xFF", ""}) {

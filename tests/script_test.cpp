@@ -52,25 +52,17 @@ class Parser : public testing::Test {
   }
 };
 
-TEST_F(Parser, CutsSignificantLinesIntoFields) {
-  const auto lines = CutScript("\r\n#x\n #y\r\na|\r|b\n\n|\n  \nlast");
-  const std::vector<std::vector<std::string>> expected = {
-      {" #y"}, {"a", "", "b"}, {"", ""}, {"  "}, {"last"}};
-  EXPECT_EQ(lines, expected);
-  EXPECT_TRUE(CutScript("").empty());
-}
-
 TEST_F(Parser, RecordsEveryActionInScriptOrder) {
-  EXPECT_EQ(ParseLines("VERSION|<|3.0.0\n"
-                       "!add|C:\\a|\nUpdate|C:\\b||x\nDELETE|C:\\c|x|y\n"
+  EXPECT_EQ(ParseLines("\r\n\n#x\nVERSION|<|3.0.0\r\n"
+                       "!add|C:\\a|\nUpdate|C:\\b|\r|x\n#DELETE\nDELETE|C:\\c|x|y\n"
                        "MSG|Hola $winpath|critical|z\n"
                        "EXECUTE|C:\\p /x|Wait|MIN\nKILL|ledger.exe\nREGISTER|C:\\r|1\n"
-                       "UNREGISTER|C:\\u\nSLEEP|soon\n"),
+                       "UNREGISTER|C:\\u\nSLEEP| soon"),
             "");
   EXPECT_EQ(ActionCommand, (Texts{"ADD", "UPDATE", "DELETE", "MSG", "EXECUTE", "KILL", "REGISTER",
                                   "UNREGISTER", "SLEEP"}));
   EXPECT_EQ(ActionArg1, (Texts{"C:\\a", "C:\\b", "C:\\c", "Hola $winpath", "C:\\p /x", "ledger.exe",
-                               "C:\\r", "C:\\u", "soon"}));
+                               "C:\\r", "C:\\u", " soon"}));
   EXPECT_EQ(ActionArg2, (Texts{"", "", "", "", "Wait", "", "", "", ""}));
   EXPECT_EQ(ActionArg3, (Texts{"", "", "", "critical", "MIN", "", "", "", ""}));
   EXPECT_EQ(NewUpdaterVersion, 11004002);
@@ -92,6 +84,7 @@ TEST_F(Parser, FollowsTheCondition) {
       {"VERSION|=|2.0.0\nKILL|a\nVERSION|=|2.0.1\nKILL|b", "a"},
       {"VERSION|<|2.0.0\nKILL|a\nVERSION|>|0.0.1\nKILL|b", "a", "unknown"},
       {"VERSION|=|2\nKILL|a\n \nKILL|b\nVERSION|=|2\nKILL|c\nADD |x|y\nKILL|d", "ac"},
+      {"VERSION|=|2\nKILL|a\n #\nKILL|b\nVERSION|=|2\nKILL|c\n|\nKILL|d", "ac"},
       {"VERSION|=|2\n!\nKILL|a\nVERSION|=|2\n!!KILL|x\nKILL|b", ""},
       {"END\nVERSION|=|2\nKILL|a\n!end|x\nADD\nMSG|malformed", "a"},
       {"!VERSION|=|2\n!NAME|x\nKILL|a\nNAME|y\nKILL|b", "ab"},

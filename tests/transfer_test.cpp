@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "install/path_macros.h"
 #include "platform/system.h"
 #include "run/messages.h"
 #include "run/run_state.h"
@@ -94,13 +95,16 @@ TEST_F(Transfer, RecordingAnActionChecksItsFile) {
       {"EXECUTE", "a/b:c", true, 0, 0},
   };
   for (const auto& [command, url, recorded, size, requests] : cases) {
-    EXPECT_EQ(AddAction(command, "$AppPath\\x", url, "s"), recorded) << url;
+    EXPECT_EQ(AddAction(command, "$AppPath\\x$WinPath$WinSysPath$winpath", url, "s"), recorded)
+        << url;
     EXPECT_EQ(ActionSize.back(), size) << url;
     EXPECT_EQ(server.TakeRequests().size(), requests) << url;
   }
   EXPECT_EQ(ActionCommand.size(), std::size(cases)) << "what is not available is recorded as well";
   EXPECT_EQ(ActionCommand.front(), "ADD");
-  EXPECT_EQ(ActionArg1.back(), platform::system::ExecutableFolder() + "\\x");
+  EXPECT_EQ(ActionArg1.back(), platform::system::ExecutableFolder() + "\\x" + GetWindowsDir() +
+                                   GetSystemDir() + "$winpath");
+  EXPECT_NE(GetWindowsDir(), GetSystemDir());
   EXPECT_EQ(ActionArg2.back(), "a/b:c");
   EXPECT_EQ(ActionArg3.back(), "s");
 }

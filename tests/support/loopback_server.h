@@ -38,12 +38,15 @@ class LoopbackServer {
       acceptor.bind({asio::ip::address_v4::loopback(), port}, failure);
     }
     acceptor.listen();
-    AnswerTheNext();
-    for (auto& thread : threads) thread = std::jthread([this] { context.run(); });
+    for (auto& thread : threads) thread = std::jthread([this] { Work(); });
   }
   ~LoopbackServer() {
     Release();
-    context.stop();
+    stopping = true;
+    for (std::size_t i = 0; i < threads.size(); ++i) {
+      asio::error_code ignored;
+      Socket(context).connect(acceptor.local_endpoint(), ignored);  // wakes one up
+    }
   }
   LoopbackServer(const LoopbackServer&) = delete;
   LoopbackServer& operator=(const LoopbackServer&) = delete;
@@ -79,11 +82,16 @@ class LoopbackServer {
  private:
   using Socket = asio::ip::tcp::socket;
 
-  void AnswerTheNext() {
-    acceptor.async_accept([this](asio::error_code failure, Socket socket) {
-      AnswerTheNext();
-      if (!failure) Answer(socket);
-    });
+  Socket NextConnection() {
+    const std::lock_guard lock(accepting);
+    return acceptor.accept();
+  }
+
+  void Work() {
+    while (!stopping) {
+      Socket socket = NextConnection();
+      if (!stopping) Answer(socket);
+    }
   }
 
   Reply ReplyTo(const std::string& request) {
@@ -124,6 +132,8 @@ class LoopbackServer {
   asio::ip::tcp::acceptor acceptor{context};
   std::mutex mutex;
   std::atomic<bool> released = false;
+  std::atomic<bool> stopping = false;
+  std::mutex accepting;
   std::map<std::string, Reply> replies;  // by method and path
   std::vector<std::string> requests;
   std::array<std::jthread, 8> threads;  // as many stalled replies as there may be

@@ -17,11 +17,14 @@ class Program : public testing::Test {
   using Tree = std::map<std::string, std::string>;
 
   void SetUp() override {
-    static const std::string log = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
-    putenv(const_cast<char*>(log.c_str()));
+    putenv(componentLog.data());
     sandbox.Fill({{"Kestrane.exe", kestrane}, {"kt-app.exe", helper}});
   }
-  void TearDown() override { Kill(); }
+  void TearDown() override {
+    Kill();
+    static char noLog[] = "KESTRANE_TEST_LOG=";
+    putenv(noLog);
+  }
 
   /// Starts a program; each argument goes in quotes onto its command line.
   void Run(const std::string& program, const Texts& arguments) {
@@ -76,5 +79,6 @@ class Program : public testing::Test {
   const std::string kestrane = ReadWhole(OwnFolder() / "../Kestrane.exe");
   LoopbackServer server;
   Sandbox sandbox;
+  std::string componentLog = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
   std::optional<platform::processes::StartedProgram> run;
 };
