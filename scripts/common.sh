@@ -92,13 +92,23 @@ port_is_taken() {
   ! port_is_free "$port"
 }
 
+# Lets port be the next one that is free. The updater takes none above 32767.
+port=18079
+next_port() {
+  until port_is_free $((++port)); do :; done
+}
+
 # serve FOLDER SITE LINES: offers SITE with nginx, whose files go into FOLDER and whose block
-# server has LINES. The port is in port. The log tells of every request when it was over and how
-# long it took, in seconds, and its method and path.
+# server has LINES. The port is in port.
 serve() {
-  # The updater takes no port above 32767.
-  port=18080
-  until port_is_free "$port"; do ((++port)); done
+  next_port
+  serve_with "$1" "server { listen 127.0.0.1:$port; root \"$2\"; $3 }"
+}
+
+# serve_with FOLDER SERVERS: the same with these blocks server, one of which listens on port.
+# The log tells of every request when it was over and how long it took, in seconds, and its method
+# and path.
+serve_with() {
   mkdir "$1"
   cat >"$1/nginx.conf" <<END
 daemon off;
@@ -113,14 +123,10 @@ http {
   fastcgi_temp_path fastcgi;
   uwsgi_temp_path uwsgi;
   scgi_temp_path scgi;
-  server {
-    listen 127.0.0.1:$port;
-    root "$2";
-    $3
-  }
+  $2
 }
 END
   PATH=$PATH:/usr/sbin nginx -p "$1" -e error.log -c nginx.conf 2>/dev/null &
   children+=($!)
-  if ! wait_until 5 port_is_taken; then fail "the web server did not start; see $1/error.log"; fi
+  wait_until 5 port_is_taken || fail "the web server did not start: $(<"$1/error.log")"
 }

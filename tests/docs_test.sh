@@ -1,55 +1,23 @@
 #!/bin/bash
-# Runs the examples of docs/. In a page, ```text NAME, ```nginx NAME and ```cpp NAME are files, and
-# ```console is what commands print, in a folder that holds the sample application and those files.
+# Runs the examples of docs/, those in a programming language where there is a compiler for it. In a
+# page, ```text NAME, ```nginx NAME and ```cpp NAME are files, and ```console is what commands print,
+# in a folder that holds the sample application and those files.
 #   docs_test.sh BUILD_FOLDER
 set -euo pipefail
 build=$(realpath "$1")
 . "$(dirname "$0")/../scripts/common.sh"
-docs=$root/docs
 folder=$(mktemp -d)
 trap 'end_children; rm -rf "$folder"' EXIT
 cd "$folder"
-PATH=$build:$PATH:/usr/sbin
+PATH=$build:$PATH
 site=https://updates.example
-
-# Files, and commands with what they print, as page.N.console.
-extract() {
-  awk -v page="$1" '
-    /^```/ && inside { inside = 0; next }
-    /^```/ {
-      inside = 1
-      file = NF > 1 ? $2 : /console/ ? page "." ++count ".console" : "/dev/null"
-      printf "" > file
-      next
-    }
-    inside { print > file }' "$docs/$1"
-}
-
-# The server of the page about hosting, in front of the upload folder.
-serve() {
-  port=18400
-  until port_is_free $port; do ((++port)); done
-  {
-    echo "daemon off; master_process off; pid nginx.pid; events {} http { access_log off;"
-    for kind in client_body proxy fastcgi uwsgi scgi; do echo "${kind}_temp_path $kind;"; done
-    sed "s#listen 80#listen 127.0.0.1:$port#; s#/srv/updates#$folder/www#" server.conf
-    echo "}"
-  } >nginx.conf
-  mkdir www
-  ln -s ../site www/ledger
-  echo updater >www/Kestrane.exe
-  nginx -p "$folder" -e error.log -c nginx.conf &
-  children+=($!)
-  wait_until 5 port_is_taken || fail "the server of hosting.md does not start: $(cat error.log)"
-}
 
 # What the commands of a block print: with a probe, from the server here, sizes as N.
 run_block() {
-  local command address
+  local command address=http://127.0.0.1:$port
   grep '^\$ ' "$1" | while read -r _ command; do
     echo "\$ $command"
     if [[ $command == *--probe* ]]; then
-      address=http://127.0.0.1:$port
       sed -i "s#$site#$address#" site/update.txt
       eval "${command//$site/$address}" 2>&1 | sed -E "s#$address#$site#; s/[0-9,]+ byte/N byte/"
       sed -i "s#$address#$site#" site/update.txt
@@ -62,31 +30,35 @@ run_block() {
 cp -r "$build/examples/2.7.1" ledger-2.7.1
 cp -r "$build/examples/3.2.0" ledger-3.2.0
 cp -r "$build/examples/2.7.1" ledger-2.6.0
-for page in "$docs"/*.md; do extract "$(basename "$page")"; done
-serve
-blocks=0
+# Files, and commands with what they print, as page.md.N.console.
+for page in "$root"/docs/*.md; do
+  awk -v page="${page##*/}" '
+    /^```/ && inside { inside = 0; next }
+    /^```/ {
+      inside = 1
+      file = NF > 1 ? $2 : /console/ ? page "." ++count ".console" : "/dev/null"
+      next
+    }
+    inside { print > file }' "$page"
+done
+
+# The server of the page about hosting, in front of the upload folder.
+mkdir www
+ln -s ../site www/ledger
+echo updater >www/Kestrane.exe
+next_port
+serve_with nginx "$(sed "s#listen 80#listen 127.0.0.1:$port#; s#/srv/updates#$folder/www#" server.conf)"
+
 for block in *.console; do
   diff -u "$block" <(run_block "$block") || fail "this is not what $block prints"
-  ((++blocks))
 done
-((blocks > 0)) || fail "there are no examples"
-
 curl -sI "http://127.0.0.1:$port/ledger/{update.txt,3.2.0/rates.txt}" >headers.txt
 [[ $(grep -c -e no-cache -e immutable headers.txt) == 2 ]] || fail "the files are kept otherwise: $(cat headers.txt)"
 
+# Stand-ins print or write the command line instead of starting anything.
 expected='"2.7.1" "app folder" "'$site'/ledger/update.txt" "app folder\ledger.exe" "NO" "Ledger"'
-
-# example LANGUAGE COMPILER SOURCE COMMAND...: the command prints the command line, which a stand-in writes
-# instead of starting anything.
-example() {
-  local language=$1 compiler=$2 source=$3
-  shift 3
-  if ! command -v "$compiler" >/dev/null; then
-    echo "The $language example was not run: there is no $compiler."
-    return
-  fi
-  "$compiler" "$source" >compiler.log 2>&1 || fail "the $language example: $(<compiler.log)"
-  diff <("$@" | tr / '\\') <(tr / '\\' <<<"$expected") || fail "the $language example starts it otherwise"
+prints_it() { # LANGUAGE COMMAND...
+  diff <("${@:2}" | tr -d '\r' | tr / '\\') <(tr / '\\' <<<"$expected") || fail "the $1 example starts it otherwise"
 }
 cat >caller.cs <<END
 using System; using System.IO;
@@ -101,27 +73,21 @@ begin writeln(arguments); result := 33 end;
 {$I start.inc}
 begin StartUpdate('app folder', '2.7.1') end.
 END
-example "C#" mcs caller.cs mono caller.exe
-example Delphi fpc caller.pas ./caller
-
-if windows_works; then
-  cat >caller.cpp <<'END'
+cat >caller.cpp <<'END'
 #include "start.cpp"
-int main() { return StartUpdate(L"app folder", L"2.7.1") ? 0 : 1; }
-END
-  cat >stand_in.cpp <<'END'
-#include <windows.h>
+#include <cstring>
 #include <fstream>
-int main() { std::ofstream("app folder/started.txt") << GetCommandLineA() << std::endl; }
+int main(int argc, char**) {
+  if (argc == 1) return StartUpdate(L"app folder", L"2.7.1") ? 0 : 1;
+  std::ofstream("started.txt") << std::strstr(GetCommandLineA(), "Kestrane.exe\" ") + 14 << std::endl;
+}
 END
+if command -v mcs; then mcs caller.cs; prints_it "C#" mono caller.exe; fi
+if command -v fpc; then fpc caller.pas; prints_it Delphi ./caller; fi
+if windows_works; then
   mkdir "app folder"
-  i686-w64-mingw32-g++-posix -static -std=c++17 -Wall -Werror caller.cpp -o caller.exe
-  i686-w64-mingw32-g++-posix -static stand_in.cpp -o "app folder/Kestrane.exe"
-  wine caller.exe
-  wait_until 5 test -s "app folder/started.txt" || fail "the C++ example starts nothing"
-  diff - <(tr -d '\r' <"app folder/started.txt") <<<"\"app folder\\Kestrane.exe\" $expected" ||
-    fail "the C++ example starts it otherwise"
-else
-  echo "The C++ example was not run: there is no compiler for Windows, or no Wine prefix."
+  i686-w64-mingw32-g++-posix -static -std=c++17 -Wall -Werror caller.cpp -o "app folder/Kestrane.exe"
+  wine "app folder/Kestrane.exe"
+  wait_until 5 test -s started.txt || fail "the C++ example starts nothing"
+  prints_it "C++" cat started.txt
 fi
-echo "$blocks examples print what the pages say."

@@ -5,66 +5,40 @@
 # FOREIGN (of an authority that nobody trusts) and OTHER_HOST (for another name). "/down" of the
 # secure addresses leads to PLAIN, "/up" of PLAIN to GOOD.
 set -euo pipefail
-
+. "$(dirname "$0")/../scripts/common.sh"
 work=$(mktemp -d)
+trap 'end_children; rm -rf "$work"' EXIT
 mkdir "$work/web"
-server=
-trap '[[ -z $server ]] || { kill $server; wait $server; } || true; rm -rf "$work"' EXIT
+cd "$work"
 
-answers() {
-  (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null
+certificate() { # NAME HOST [AUTHORITY], which is the certificate itself if not given
+  openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -subj "/CN=$2" \
+    -addext "subjectAltName=DNS:$2" ${3:+-CA "$3.pem" -CAkey "$3.key"} -keyout "$1.key" -out "$1.pem"
 }
+certificate trusted authority.example
+certificate unknown another.example
+certificate good localhost trusted
+certificate foreign localhost unknown
+certificate other_host elsewhere.example trusted
+certificate expired localhost
+openssl x509 -in expired.pem -days -1 -CA trusted.pem -CAkey trusted.key -CAcreateserial \
+  -clrext -extfile <(echo "subjectAltName=DNS:localhost") -out expired.pem
+openssl x509 -in trusted.pem -outform der -out trusted.der
 
-quietly() {
-  "$@" 2>>"$work/log" || { cat "$work/log" >&2; exit 1; }
-}
-
-authority() { # NAME
-  quietly openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj "/CN=Authority of a test, $1" \
-    -keyout "$work/$1.key" -out "$work/$1.pem"
-}
-
-certificate() { # NAME HOST DAYS AUTHORITY
-  quietly openssl req -newkey rsa:2048 -nodes -subj "/CN=$2" -keyout "$work/$1.key" \
-    -out "$work/$1.csr"
-  quietly openssl x509 -req -in "$work/$1.csr" -CA "$work/$4.pem" -CAkey "$work/$4.key" \
-    -CAcreateserial -days "$3" -extfile <(echo "subjectAltName=DNS:$2") -out "$work/$1.pem"
-}
-
-authority trusted
-authority unknown
-certificate good localhost 2 trusted
-certificate expired localhost -1 trusted
-certificate foreign localhost 2 unknown
-certificate other_host elsewhere.example 2 trusted
-
-# Five ports side by side, below those that the system gives out.
-plain=21000
-while answers $plain || answers $((plain + 1)); do ((plain += 5)); done
-addresses=("PLAIN=http://localhost:$plain")
-{
-  echo "daemon off; master_process off; pid $work/pid; error_log stderr; events {}
-    http { access_log off; root $work/web; client_body_temp_path $work; proxy_temp_path $work;
-      fastcgi_temp_path $work; uwsgi_temp_path $work; scgi_temp_path $work;
-      server {
-        listen 127.0.0.1:$plain;
-        location = /up { return 302 https://localhost:$((plain + 1))/file; } }"
-  port=$plain
-  for name in good expired foreign other_host; do
-    addresses+=("${name^^}=https://localhost:$((++port))")
-    echo "server {
-        listen 127.0.0.1:$port ssl;
-        ssl_certificate $work/$name.pem; ssl_certificate_key $work/$name.key;
-        location = /down { return 302 http://localhost:$plain/file; } }"
-  done
-  echo "}"
-} >"$work/nginx.conf"
-
-nginx -e stderr -c "$work/nginx.conf" &
-server=$!
-for ((i = 0; i < 100; ++i)); do
-  answers $plain && break
-  sleep 0.05
+next_port
+plain=$port
+addresses=()
+servers=
+for name in good expired foreign other_host; do
+  next_port
+  addresses+=("${name^^}=https://localhost:$port")
+  servers+="server { listen 127.0.0.1:$port ssl; root $work/web;
+    ssl_certificate $work/$name.pem; ssl_certificate_key $work/$name.key;
+    location = /down { return 302 http://localhost:$plain/file; } }"
 done
-env WEB="$work/web" AUTHORITY="$work/trusted.pem" SSL_CERT_FILE="$work/trusted.pem" \
-  no_proxy=localhost,127.0.0.1 "${addresses[@]}" "$@"
+port=$plain
+servers+="server { listen 127.0.0.1:$port; root $work/web;
+  location = /up { return 302 ${addresses[0]#GOOD=}/file; } }"
+serve_with "$work/nginx" "$servers"
+env WEB="$work/web" AUTHORITY="$work/trusted.der" SSL_CERT_FILE="$work/trusted.pem" \
+  no_proxy=localhost,127.0.0.1 PLAIN="http://localhost:$plain" "${addresses[@]}" "$@"

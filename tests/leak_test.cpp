@@ -46,8 +46,6 @@ TEST(Leaks, AThousandTransfersKeepNothing) {
   // Painting may hold some at either moment; one kept in every transfer would be hundreds.
   EXPECT_LT(after.graphicsObjects, before.graphicsObjects + Count / 6);
   EXPECT_LT(after.kilobytes, before.kilobytes + MemoryNoise);
-  std::printf("handles %ld, threads %ld, graphics objects %ld, %+ld KB\n", after.handles,
-              after.threads, after.graphicsObjects, after.kilobytes - before.kilobytes);
 }
 
 }  // namespace

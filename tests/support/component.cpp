@@ -1,6 +1,5 @@
-// A component library that tells the file named by KESTRANE_TEST_LOG when it is registered, and
-// that named by KESTRANE_LOAD_LOG when it is loaded. Built as SLOW it takes longer than anyone
-// waits, and cannot be unregistered.
+// A component library that tells the file named by KESTRANE_TEST_LOG when it is loaded and when it
+// is registered. Built as SLOW it takes longer than anyone waits, and cannot be unregistered.
 
 #include <algorithm>
 #include <chrono>
@@ -9,15 +8,15 @@
 #include <string>
 #include <thread>
 
-static int Tell(const char* text, const char* log = "KESTRANE_TEST_LOG") {
-  if (std::getenv(log) == nullptr) return 0;
-  std::string path = std::getenv(log);
+static int Tell(const char* text) {
+  const char* log = std::getenv("KESTRANE_TEST_LOG");
+  std::string path = log != nullptr ? log : "";
   std::replace(path.begin(), path.end(), '\\', '/');
   std::ofstream(path, std::ios::app | std::ios::binary) << text << '\n';
   return -1;  // what an entry point returns is not looked at
 }
 
-static const int loaded = Tell("loaded", "KESTRANE_LOAD_LOG");
+static const int loaded = Tell("loaded");
 
 // Without parameters every calling convention comes to the same.
 extern "C" {

@@ -2,7 +2,6 @@
 
 // What a test does to files from outside, each in its system's way.
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -12,11 +11,8 @@ namespace faults {
 std::string Hide(const std::string& path);
 
 /// Keeps a file from being read, deleted or replaced, as another program that has it open would.
-/// Linux: the user and the mode of its folder keep it, and the other files there as well.
+/// Linux: null, since no program does.
 [[nodiscard]] std::shared_ptr<void> Lock(const std::string& path);
-
-/// The exit code of a process that was terminated with this one.
-[[nodiscard]] std::uint32_t CodeOfTerminated(std::uint32_t exitCode);
 
 /// What this process holds; the numbers stay as they are while nothing is kept, but for those of
 /// graphics objects and memory, which waver. Linux: handles are file descriptors, and there are no
@@ -32,8 +28,8 @@ struct Resources {
 /// Whether this is Wine in the place of Windows.
 [[nodiscard]] bool OnWine();
 
-/// Makes the certificates that an authority signed good ones for this user's programs. Linux: those
-/// of the environment's SSL_CERT_FILE are so already.
+/// Makes the certificates that an authority signed good ones for this user's programs, until the
+/// result is gone. Linux: those of the environment's SSL_CERT_FILE are so already.
 [[nodiscard]] std::shared_ptr<void> TrustAuthority(const std::string& certificateFile);
 
 }  // namespace faults

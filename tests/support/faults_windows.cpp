@@ -4,23 +4,10 @@
 #include <tlhelp32.h>
 #include <wincrypt.h>
 
-#include <vector>
-
 #include "tests/support/faults.h"
 #include "tests/support/sandbox.h"
 
 namespace faults {
-namespace {
-
-/// Other processes, and this one's HTTP, see the change once the store is closed.
-template <typename Change>
-void ChangeRootStore(Change change) {
-  const HCERTSTORE store = CertOpenSystemStoreA(0, "ROOT");
-  change(store);
-  CertCloseStore(store, 0);
-}
-
-}  // namespace
 
 std::string Hide(const std::string& path) {
   SetFileAttributesA(path.c_str(), FILE_ATTRIBUTE_HIDDEN);
@@ -31,8 +18,6 @@ std::shared_ptr<void> Lock(const std::string& path) {
   return {CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr),
           CloseHandle};
 }
-
-std::uint32_t CodeOfTerminated(std::uint32_t exitCode) { return exitCode; }
 
 Resources ResourcesInUse() {
   PROCESS_MEMORY_COUNTERS memory = {};
@@ -63,22 +48,17 @@ bool OnWine() {
 }
 
 std::shared_ptr<void> TrustAuthority(const std::string& certificateFile) {
-  const std::string text = ReadWhole(certificateFile);
-  std::vector<BYTE> bytes(text.size());
-  DWORD size = static_cast<DWORD>(bytes.size());
-  CryptStringToBinaryA(text.c_str(), 0, CRYPT_STRING_BASE64HEADER, bytes.data(), &size, nullptr,
-                       nullptr);
-  const CERT_CONTEXT* certificate =
-      CertCreateCertificateContext(X509_ASN_ENCODING, bytes.data(), size);
-  ChangeRootStore([certificate](HCERTSTORE store) {
-    CertAddCertificateContextToStore(store, certificate, CERT_STORE_ADD_REPLACE_EXISTING, nullptr);
-  });
-  return {nullptr, [certificate](void*) {
-            ChangeRootStore([certificate](HCERTSTORE store) {
-              CertDeleteCertificateFromStore(CertFindCertificateInStore(
-                  store, X509_ASN_ENCODING, 0, CERT_FIND_EXISTING, certificate, nullptr));
-            });
-            CertFreeCertificateContext(certificate);
+  const std::string bytes = ReadWhole(certificateFile);
+  const HCERTSTORE roots = CertOpenSystemStoreA(0, "ROOT");
+  const CERT_CONTEXT* certificate = nullptr;
+  CertAddEncodedCertificateToStore(
+      roots, X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(bytes.data()),
+      static_cast<DWORD>(bytes.size()), CERT_STORE_ADD_REPLACE_EXISTING, &certificate);
+  // Other processes, and this one's HTTP, see the change once it is committed.
+  CertControlStore(roots, 0, CERT_STORE_CTRL_COMMIT, nullptr);
+  return {roots, [certificate](HCERTSTORE store) {
+            CertDeleteCertificateFromStore(certificate);
+            CertCloseStore(store, 0);
           }};
 }
 

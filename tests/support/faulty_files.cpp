@@ -1,8 +1,11 @@
 #include "tests/support/faulty_files.h"
 
+#include <bit>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <type_traits>
+#include <utility>
 
 #include "platform/files.h"
 #include "real_files.h"
@@ -19,88 +22,71 @@ namespace {
 
 using faulty_files::state;
 
-bool GoesWrong(const std::string& operation, const std::string& path) {
-  state.operations.push_back(operation + ' ' + path.substr(path.find_last_of("\\/") + 1));
-  return state.operations.size() == state.faultAt;
-}
-
-template <typename Result = bool>
-Result Fault() {
+/// Calls a function of the layer, unless it is the one that goes wrong.
+template <typename Result, typename... Parameters>
+Result Do(const char* operation, const std::string& path, Result (*function)(Parameters...),
+          std::type_identity_t<Parameters>... arguments) {
+  const std::string name = path.substr(path.find_last_of("\\/") + 1);
+  state.operations.push_back(std::string(operation) + ' ' + name);
+  if (state.operations.size() != state.faultAt) {
+    return function(std::forward<Parameters>(arguments)...);
+  }
   if (state.dies) std::_Exit(faulty_files::Died);
   return {};
 }
 
-/// A file as the layer's own functions take it.
-class Real {
- public:
-  explicit Real(const File& file) : real(file.get()) {}
-  ~Real() { (void)real.release(); }
-  Real(const Real&) = delete;
-  Real& operator=(const Real&) = delete;
-
-  real_files::File real;
-};
+/// A file here holds the layer's own.
+real_files::File& Real(const File& file) { return *static_cast<real_files::File*>(file.get()); }
 
 File Counted(real_files::File file, const std::string& path) {
-  if (file) ++state.openFiles;
   state.openPath = path;
-  return File(file.release());
+  if (!file) return nullptr;
+  ++state.openFiles;
+  return File(new real_files::File(std::move(file)));
 }
 
 }  // namespace
 
 void CloseFile::operator()(void* file) const {
   --state.openFiles;
-  real_files::CloseFile{}(file);
+  delete static_cast<real_files::File*>(file);
 }
 std::vector<std::string> Find(const std::string& pattern) {
-  if (GoesWrong("Find", pattern)) return Fault<std::vector<std::string>>();
-  return real_files::Find(pattern);
+  return Do("Find", pattern, real_files::Find, pattern);
 }
-bool IsFile(const std::string& path) {
-  return GoesWrong("IsFile", path) ? Fault() : real_files::IsFile(path);
-}
-bool Delete(const std::string& path) {
-  return GoesWrong("Delete", path) ? Fault() : real_files::Delete(path);
-}
+bool IsFile(const std::string& path) { return Do("IsFile", path, real_files::IsFile, path); }
+bool Delete(const std::string& path) { return Do("Delete", path, real_files::Delete, path); }
 bool Rename(const std::string& oldPath, const std::string& newPath) {
-  return GoesWrong("Rename", oldPath) ? Fault() : real_files::Rename(oldPath, newPath);
+  return Do("Rename", oldPath, real_files::Rename, oldPath, newPath);
 }
 bool FolderExists(const std::string& path) {
-  return GoesWrong("FolderExists", path) ? Fault() : real_files::FolderExists(path);
+  return Do("FolderExists", path, real_files::FolderExists, path);
 }
 bool CreateFolder(const std::string& path) {
-  return GoesWrong("CreateFolder", path) ? Fault() : real_files::CreateFolder(path);
+  return Do("CreateFolder", path, real_files::CreateFolder, path);
 }
 File OpenForReading(const std::string& path) {
-  if (GoesWrong("OpenForReading", path)) return Fault<File>();
-  return Counted(real_files::OpenForReading(path), path);
+  return Counted(Do("OpenForReading", path, real_files::OpenForReading, path), path);
 }
 File Create(const std::string& path) {
-  if (GoesWrong("Create", path)) return Fault<File>();
-  return Counted(real_files::Create(path), path);
+  return Counted(Do("Create", path, real_files::Create, path), path);
 }
 std::optional<std::int64_t> Length(const File& file) {
-  if (GoesWrong("Length", state.openPath)) return Fault<std::optional<std::int64_t>>();
-  return real_files::Length(Real(file).real);
+  return Do("Length", state.openPath, real_files::Length, Real(file));
 }
 bool Read(const File& file, std::string& buffer) {
-  return GoesWrong("Read", state.openPath) ? Fault() : real_files::Read(Real(file).real, buffer);
+  return Do("Read", state.openPath, real_files::Read, Real(file), buffer);
 }
 bool Write(const File& file, std::string_view bytes) {
-  if (!GoesWrong("Write", state.openPath)) return real_files::Write(Real(file).real, bytes);
-  (void)real_files::Write(Real(file).real, bytes.substr(0, bytes.size() / 2));
-  return Fault();
+  const bool goesWrong = state.operations.size() + 1 == state.faultAt;
+  if (goesWrong) (void)real_files::Write(Real(file), bytes.substr(0, bytes.size() / 2));
+  return Do("Write", state.openPath, real_files::Write, Real(file), bytes);
 }
 bool Close(File file) {
-  if (GoesWrong("Close", state.openPath)) return Fault();
-  --state.openFiles;
-  return real_files::Close(real_files::File(file.release()));
+  return Do("Close", state.openPath, real_files::Close, std::move(Real(file)));
 }
 DiskSpace QueryDiskSpace(const std::string& root) {
-  if (GoesWrong("QueryDiskSpace", root)) return Fault<DiskSpace>();
-  const auto space = real_files::QueryDiskSpace(root);
-  return {space.sectorsPerCluster, space.bytesPerSector, space.freeClusters, space.totalClusters};
+  return std::bit_cast<DiskSpace>(Do("QueryDiskSpace", root, real_files::QueryDiskSpace, root));
 }
 
 }  // namespace platform::files

@@ -1,14 +1,12 @@
 // A program for tests to start, wait for and end:
 //   helper                    appends "launched" to a log beside itself
-//   helper append FILE TEXT   appends a line to a file
-//   helper exit CODE          ends after a moment with an exit code
-//   helper stay FILE          appends "up" to a file and stays until it is ended or FILE.end is
+//   helper append FILE TEXT   appends a line to a file after a moment, and ends with exit code 259
+//   helper stay FILE          appends "up" to a file and stays until it is ended, FILE.end is
 //   there,
-//                             a minute at most
+//                             or a minute is over
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -23,10 +21,10 @@ int main(int argc, char** argv) {
   std::string file = argc > 2 ? argv[2] : "";
   std::replace(file.begin(), file.end(), '\\', '/');
   if (argc == 1) AppendLine(std::string(argv[0]) + ".log", "launched");
-  if (verb == "append" && argc > 3) AppendLine(file, argv[3]);
-  if (verb == "exit") {
+  if (verb == "append" && argc > 3) {
     std::this_thread::sleep_for(300ms);
-    return std::atoi(argv[2]);
+    AppendLine(file, argv[3]);
+    return 259;  // STILL_ACTIVE, but it is not
   }
   if (verb == "stay") {
     AppendLine(file, "up");

@@ -5,15 +5,16 @@
 
 #include <array>
 #include <atomic>
-#include <condition_variable>
 #include <map>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "asio.hpp"
+#include "transfer/http_probe.h"
 
 /// What a path answers. Content-Length is that of the body unless the test says otherwise.
 struct Reply {
@@ -29,36 +30,111 @@ struct Reply {
 
 class LoopbackServer {
  public:
-  LoopbackServer();
-  ~LoopbackServer();
+  LoopbackServer() {
+    // The program's port is a signed 16-bit number: search below those that the system gives out.
+    asio::error_code failure = asio::error::address_in_use;
+    acceptor.open(asio::ip::tcp::v4());
+    for (unsigned short port = 20000; failure && port < 32000; ++port) {
+      acceptor.bind({asio::ip::address_v4::loopback(), port}, failure);
+    }
+    acceptor.listen();
+    for (auto& thread : threads) thread = std::jthread([this] { Work(); });
+  }
+  ~LoopbackServer() {
+    Release();
+    stopping = true;
+    for (std::size_t i = 0; i < threads.size(); ++i) {
+      asio::error_code ignored;
+      Socket(context).connect(acceptor.local_endpoint(), ignored);  // wakes one up
+    }
+  }
   LoopbackServer(const LoopbackServer&) = delete;
   LoopbackServer& operator=(const LoopbackServer&) = delete;
 
   /// The URL of a path that begins with "/".
-  [[nodiscard]] std::string Url(const std::string& path) const;
-  /// HEAD and GET answer alike, unless ServeHead follows. A path that is not served answers 404.
-  void Serve(const std::string& path, Reply reply);
-  void ServeHead(const std::string& path, Reply reply);
+  [[nodiscard]] std::string Url(const std::string& path) const {
+    return "http://127.0.0.1:" + std::to_string(acceptor.local_endpoint().port()) + path;
+  }
+
+  /// HEAD and GET answer alike, unless ServeHead follows. A path that is not served answers 404, as
+  /// does a request that does not name the program.
+  void Serve(const std::string& path, const Reply& reply) {
+    const std::lock_guard lock(mutex);
+    replies["HEAD " + path] = replies["GET " + path] = reply;
+  }
+  void ServeHead(const std::string& path, const Reply& reply) {
+    const std::lock_guard lock(mutex);
+    replies["HEAD " + path] = reply;
+  }
+
   /// Lets every stalled reply go on.
-  void Release();
+  void Release() {
+    released = true;
+    released.notify_all();
+  }
+
   /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0".
-  [[nodiscard]] std::vector<std::string> TakeRequests();
-  [[nodiscard]] bool SawUserAgent(const std::string& userAgent);
+  [[nodiscard]] std::vector<std::string> TakeRequests() {
+    const std::lock_guard lock(mutex);
+    return std::exchange(requests, {});
+  }
 
  private:
-  asio::ip::tcp::socket NextConnection();
-  void Work();
-  void Answer(asio::ip::tcp::socket socket);
+  using Socket = asio::ip::tcp::socket;
+
+  Socket NextConnection() {
+    const std::lock_guard lock(accepting);
+    return acceptor.accept();
+  }
+
+  void Work() {
+    while (!stopping) {
+      Socket socket = NextConnection();
+      if (!stopping) Answer(socket);
+    }
+  }
+
+  Reply ReplyTo(const std::string& request) {
+    const std::string line = request.substr(0, request.find("\r\n"));
+    const std::lock_guard lock(mutex);
+    requests.push_back(line);
+    const auto found = replies.find(line.substr(0, line.rfind(' ')));
+    const std::string agent = std::string("User-Agent: ") + modFunciones::UserAgentText + "\r\n";
+    const bool isServed = found != replies.end() && request.find(agent) != std::string::npos;
+    return isServed ? found->second : Reply{"", "404 Not Found"};
+  }
+
+  void Answer(Socket& socket) {
+    asio::error_code failure;
+    std::string request;
+    asio::read_until(socket, asio::dynamic_buffer(request), "\r\n\r\n", failure);
+    if (failure) return;
+    const Reply reply = ReplyTo(request);
+    const std::string length = reply.contentLength.value_or(std::to_string(reply.body.size()));
+    const std::string head = "HTTP/1.1 " + reply.status + "\r\nConnection: close\r\n" +
+                             reply.headers +
+                             (length.empty() ? "" : "Content-Length: " + length + "\r\n") + "\r\n";
+    const std::string body = request.starts_with("HEAD") ? "" : reply.body.substr(0, reply.cutAt);
+    const std::size_t half = reply.stalls ? body.size() / 2 : body.size();
+    asio::write(socket, asio::buffer(reply.raw.value_or(head + body.substr(0, half))), failure);
+    if (half < body.size()) {
+      released.wait(false);
+      asio::write(socket, asio::buffer(body.substr(half)), failure);
+    }
+    if (reply.resets) {
+      socket.set_option(asio::socket_base::linger(true, 0), failure);
+    } else {
+      socket.shutdown(Socket::shutdown_both, failure);
+    }
+  }
 
   asio::io_context context;
   asio::ip::tcp::acceptor acceptor{context};
-  std::atomic<bool> stopping = false;
   std::mutex mutex;
-  std::condition_variable changed;
-  bool released = false;
+  std::atomic<bool> released = false;
+  std::atomic<bool> stopping = false;
+  std::mutex accepting;
   std::map<std::string, Reply> replies;  // by method and path
   std::vector<std::string> requests;
-  std::string lastRequest;
-  std::mutex accepting;
-  std::array<std::thread, 8> workers;  // as many stalled replies as there may be
+  std::array<std::jthread, 8> threads;  // as many stalled replies as there may be
 };

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <optional>
 
 #include "platform/processes.h"
@@ -15,8 +16,15 @@ class Program : public testing::Test {
   using Texts = std::vector<std::string>;
   using Tree = std::map<std::string, std::string>;
 
-  void SetUp() override { sandbox.Fill({{"Kestrane.exe", kestrane}, {"kt-app.exe", helper}}); }
-  void TearDown() override { Kill(); }
+  void SetUp() override {
+    putenv(componentLog.data());
+    sandbox.Fill({{"Kestrane.exe", kestrane}, {"kt-app.exe", helper}});
+  }
+  void TearDown() override {
+    Kill();
+    static char noLog[] = "KESTRANE_TEST_LOG=";
+    putenv(noLog);
+  }
 
   /// Starts a program; each argument goes in quotes onto its command line.
   void Run(const std::string& program, const Texts& arguments) {
@@ -71,5 +79,6 @@ class Program : public testing::Test {
   const std::string kestrane = ReadWhole(OwnFolder() / "../Kestrane.exe");
   LoopbackServer server;
   Sandbox sandbox;
+  std::string componentLog = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
   std::optional<platform::processes::StartedProgram> run;
 };

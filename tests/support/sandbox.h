@@ -79,12 +79,12 @@ class Sandbox {
   [[nodiscard]] bool Has(const std::string& name) const {
     return std::filesystem::exists(root / name);
   }
-  /// Every file below the folder with its content as Shown, names with "/".
-  [[nodiscard]] std::map<std::string, std::string> Tree() const {
+  /// Every file below a folder with its content as Shown, names with "/".
+  [[nodiscard]] std::map<std::string, std::string> Tree(const std::string& folder = "") const {
     std::map<std::string, std::string> tree;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root / folder)) {
       if (!entry.is_regular_file()) continue;
-      const std::string name = entry.path().lexically_relative(root).generic_string();
+      const std::string name = entry.path().lexically_relative(root / folder).generic_string();
       tree[name] = Shown(ReadWhole(entry.path()));
     }
     return tree;

@@ -2,8 +2,8 @@
 
 // The window as tests see it: it stands in for the real one and remembers what the program does.
 
-#include <array>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -12,21 +12,19 @@
 
 namespace scripted_window {
 
-inline constexpr std::size_t ControlCount = frmPrincipal::btCancelar + 1;
-
 struct Rectangle {
   double left, top, right, bottom;
+  bool operator==(const Rectangle&) const = default;
 };
 
 struct State {
-  std::array<std::string, ControlCount> text;
-  std::array<std::vector<Rectangle>, ControlCount> drawn;
-  std::array<int, ControlCount> refreshes{};
+  std::map<int, std::string> text;
+  std::map<int, std::vector<Rectangle>> drawn;
+  std::map<int, int> refreshes;
   bool flatLook = false;
   double twipsPerPixel = 15;
   std::vector<std::string> messageBoxes;  // "style|title|text"
   std::vector<std::string> history;       // every text set, as "control:text"
-  int yields = 0;
   std::function<void()> onYield = [] {};
 };
 

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "tests/support/loopback_server.h"
 #include "tests/support/sandbox.h"
 
@@ -20,18 +22,13 @@ class UpdateStory {
   void Prepare(LoopbackServer& server, const Sandbox& sandbox) const {
     sandbox.Fill(Before);
     std::string script = "1.0.3|x\nNAME|x\nVERSION|<|3.0.0";
-    for (const std::string row : {"ADD|a", "ADD|new/b", "UPDATE|c", "UPDATE|d"}) {
-      const std::string name = row.substr(row.size() - 1);
-      const std::string path = row.substr(row.find('|') + 1);
-      server.Serve("/" + name, {.body = NewContent(name)});
-      script += "\n" + row.substr(0, row.find('|')) + "|" + sandbox.Path(path) + "|" +
-                server.Url("/" + name);
+    for (const std::string row : {"ADD|a", "ADD|new/b", "UPDATE|c", "DELETE|e", "UPDATE|d"}) {
+      const std::string url = "/" + row.substr(row.size() - 1);
+      const auto bar = row.find('|') + 1;
+      server.Serve(url, {NewContent(row)});
+      script += "\n" + row.substr(0, bar) + sandbox.Path(row.substr(bar)) + "|" + server.Url(url);
     }
-    server.Serve(Script, {.body = script + "\nDELETE|" + sandbox.Path("e")});
-  }
-
-  [[nodiscard]] std::string NewContent(const std::string& name) const {
-    return "new " + name + filling;
+    server.Serve(Script, {.body = script});
   }
 
   /// The files of an update that went well.
@@ -44,14 +41,12 @@ class UpdateStory {
   /// Of every destination the old or the whole new content is still there.
   void ExpectNothingLost(const Tree& left) const {
     for (const std::string path : {"a", "new/b", "c", "d"}) {
-      const auto holds = [&](const std::string& companion, const std::string& content) {
-        const auto found = left.find(path + companion);
-        return found != left.end() && found->second == content;
-      };
-      const auto before = Before.find(path);
-      const bool old =
-          before == Before.end() || holds("", before->second) || holds(".bak", before->second);
-      EXPECT_TRUE(old || holds("", New(path)) || holds(".tmp", New(path))) << path << " is lost";
+      std::set<std::string> kept;
+      for (const char* companion : {"", ".bak", ".tmp"}) {
+        if (left.contains(path + companion)) kept.insert(left.at(path + companion));
+      }
+      const bool old = !Before.contains(path) || kept.contains(Before.at(path));
+      EXPECT_TRUE(old || kept.contains(New(path))) << path << " is lost";
     }
   }
 
@@ -68,9 +63,11 @@ class UpdateStory {
   const Tree Before = {{"a", "old a"}, {"a.bak", "older a"}, {"c", "old c"}, {"e", "old e"}};
 
  private:
-  [[nodiscard]] std::string New(const std::string& path) const {
-    return Shown(NewContent(path.substr(path.size() - 1)));
+  /// What is downloaded for a path whose last letter is the name of the file.
+  [[nodiscard]] std::string NewContent(const std::string& path) const {
+    return "new " + path.substr(path.size() - 1) + filling;
   }
+  [[nodiscard]] std::string New(const std::string& path) const { return Shown(NewContent(path)); }
 
   std::string filling;
 };
