@@ -172,6 +172,7 @@ TEST_F(Faults, HostileServersEndInTheRightText) {
       {"list of lengths", {.body = body, .contentLength = "5000, 5000"}, "N", "SW"},
       {"shorter than HEAD says", {.body = "short"}, "S", "S"},
       {"longer than HEAD says", {.body = body + body}, "S", "S"},
+      {"partial", {.body = body, .status = "206 Partial Content"}, "N", "S"},
       {"no length", {.body = body, .contentLength = ""}, "N", "S"},
       {"no length, and shorter than HEAD says", {.body = "short", .contentLength = ""}, "N", "W"},
   };
