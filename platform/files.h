@@ -53,8 +53,8 @@ using File = std::unique_ptr<void, CloseFile>;
 /// the system when the file is closed.
 [[nodiscard]] bool Write(const File& file, std::string_view bytes);
 
-/// False when bytes that were written do not reach the system, which the owner's end would not tell.
-/// Windows: never.
+/// False when bytes that were written do not reach the system, which the owner's end would not
+/// tell. Windows: never.
 [[nodiscard]] bool Close(File file);
 
 /// What the system says of a volume; all 0 on failure.

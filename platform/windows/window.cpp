@@ -4,6 +4,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
@@ -266,8 +267,8 @@ void Display(Control& control) {
   control.waits = false;
 }
 
-void DisplayWhenDue(Control& control) {
-  if (!displayMayWait || GetTickCount() - control.displayed >= DisplayInterval) Display(control);
+bool IsDue(const Control& control) {
+  return !displayMayWait || GetTickCount() - control.displayed >= DisplayInterval;
 }
 
 void DisplayWhatWaits() {
@@ -283,9 +284,11 @@ void DispatchMessage(MSG& message) {
 }
 
 void HandleEvents() {
-  for (auto& control : controls) {
-    if (control.waits) DisplayWhenDue(control);
-  }
+  // Together, since they belong together: a file's progress and that of all of them.
+  const bool anyIsDue = std::any_of(controls.begin(), controls.end(), [](const Control& control) {
+    return control.waits && IsDue(control);
+  });
+  if (anyIsDue) DisplayWhatWaits();
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessage(message);
   lastEvents = GetTickCount();
@@ -344,7 +347,7 @@ void SetText(int control, std::string_view value) {
   if (target.text == value) return;
   target.text = value;
   target.waits = true;
-  DisplayWhenDue(target);
+  if (IsDue(target)) Display(target);
 }
 
 std::string Text(int control) { return At(control).text; }
@@ -390,7 +393,7 @@ void DrawFilledRectangle(int control, double left, double top, double right, dou
 void RefreshPictureBox(int control) {
   Control& box = At(control);
   box.waits = box.picture.HasChanged();
-  if (box.waits) DisplayWhenDue(box);
+  if (box.waits && IsDue(box)) Display(box);
 }
 
 void SetMousePointer(MousePointer pointer) {

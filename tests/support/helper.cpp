@@ -1,9 +1,8 @@
 // A program for tests to start, wait for and end:
 //   helper                    appends "launched" to a log beside itself
 //   helper append FILE TEXT   appends a line to a file after a moment, and ends with exit code 259
-//   helper stay FILE          appends "up" to a file and stays until it is ended, FILE.end is
-//   there,
-//                             or a minute is over
+//   helper stay FILE          appends "up" to a file and stays until it is ended, until there is
+//                             FILE.end, or for a minute
 
 #include <algorithm>
 #include <chrono>

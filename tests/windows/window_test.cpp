@@ -282,7 +282,9 @@ TEST_F(ProgramWindow, StartsOnEverySystemFromXpOn) {
     const auto value = RegistryValue("Software\\Wine\\AppDefaults\\Kestrane.exe", "Version", REG_SZ,
                                      version.c_str(), static_cast<DWORD>(version.size() + 1));
     EXPECT_TRUE(RunsSilently()) << version;
-    std::filesystem::remove(sandbox.Folder("kt-app.exe.log"));
+    std::error_code inUse;
+    EXPECT_TRUE(Eventually(
+        [&] { return std::filesystem::remove(sandbox.Folder("kt-app.exe.log"), inUse); }));
   }
 }
 
