@@ -57,11 +57,15 @@ TEST(Https, TakesOnlyWhatAServerWithAGoodCertificateSends) {
 
 TEST_F(Program, RunsOverHttps) {
   const auto trust = faults::TrustAuthority(Address("AUTHORITY"));
+  const std::string newer = ReadWhole(OwnFolder() / "newer/Kestrane.exe");
+  Offer("Kestrane.exe", newer);
   Offer("file", "content");
-  Offer("update.txt", "1.0.3|x\nNAME|x\nVERSION|=|2.7.1\nADD|$AppPath\\f|" + good + "/file\nEND");
-  Run(sandbox.Path("Kestrane.exe"), {"2.7.1", "C:", good + "/update.txt", "none", "NO"});
-  EXPECT_TRUE(Ends());
-  EXPECT_EQ(Files(), (Tree{{"f", "content"}}));
+  Offer("update.txt", "1.0.4|" + good + "/Kestrane.exe\nNAME|x\nVERSION|=|2.7.1\nADD|$AppPath\\f|" +
+                          good + "/file");
+  Run(sandbox.Path("Kestrane.exe"),
+      {"2.7.1", "C:\\Ledger", good + "/update.txt", sandbox.Path("kt-app.exe"), "NO"});
+  EXPECT_TRUE(Launches());
+  EXPECT_EQ(Files(newer), (Tree{{"f", "content"}, {"kt-app.exe.log", "launched\n"}}));
 }
 
 }  // namespace

@@ -62,6 +62,8 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
 TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
   sandbox.Fill({{"old/app.exe", "1"}, {"old/same", "="}, {"old/b c/gone", "1"}, {"old/data", "1"}});
   sandbox.Fill({{"new/app.exe", "2"}, {"new/same", "="}, {"new/d/e/f", "2"}, {"new/data", ""}});
+  sandbox.Write("new/b c/x", "2");
+  std::filesystem::rename(sandbox.Folder("new/b c/x"), sandbox.Folder("new/b c") / u8"ñ #%.txt");
   Run((OwnFolder() / "../kestrane-publish").string(),
       {"make", sandbox.Folder("old").string(), sandbox.Folder("new").string(), "--site",
        sandbox.Folder("site").string(), "--url", server.Url(""), "--from", "2.7.1", "--to", "3.0.0",
@@ -70,6 +72,7 @@ TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
   for (const auto& [name, shown] : sandbox.Tree("site")) {
     server.Serve("/" + name, {sandbox.Read("site/" + name)});
   }
+  server.Serve("/3.0.0/b%20c/%C3%B1%20%23%25.txt", {"2"});
   sandbox.Write("old/Kestrane.exe", kestrane);
   Run(sandbox.Path("old/Kestrane.exe"), {"2.7.1", "C:", server.Url("/update.txt"), "none", "no"});
   ASSERT_TRUE(Ends());

@@ -67,6 +67,8 @@ TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
   } cases[] = {
       {0.5F, 17, 2175},
       {1.0F, 33, 4335},
+      {0.0F, 0, 0},
+      {-1.0F, 0, 0},
       {0.005F, 0, 0},
       {std::numeric_limits<float>::quiet_NaN(), 0, 0},
       {std::numeric_limits<float>::infinity(), 34, 4470},

@@ -4,7 +4,6 @@
 
 #include <commctrl.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
@@ -30,16 +29,17 @@ constexpr DWORD WindowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIM
 /// message is cut off.
 constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 
-// Milliseconds. A download sets texts, draws and yields at every block: what follows this soon on
-// what a control displayed last, or on the last look at the events, waits.
-constexpr DWORD DisplayInterval = 30;
+// Milliseconds. A download sets texts, draws and yields at every block: within a frame a control
+// displays what is set first, and the rest waits for the frame's end; so do events for a look at
+// them.
+constexpr DWORD FrameLength = 30;
 constexpr DWORD EventInterval = 10;
 
 struct Control {
   HWND handle = nullptr;
   ControlLayout layout{};
-  DWORD displayed = 0;  // tick count when its text or picture was brought to the screen last
-  bool waits = false;   // there is a later one
+  unsigned frame = 0;  // in which its text or picture was brought to the screen last
+  bool waits = false;  // there is a later one
   std::string text;
   Picture picture;
 };
@@ -52,6 +52,8 @@ std::array<HFONT, FontSizes.size()> fonts{};
 double twipsPerPixelX = 0;
 double twipsPerPixelY = 0;
 bool resizeEventsOn = false;  // set by the first Show
+unsigned frame = 0;           // counts on when something is displayed after the end of the last one
+DWORD frameStart = 0;         // tick count
 DWORD lastEvents = 0;         // tick count when events were processed last
 bool displayMayWait = true;   // not once the run can no longer be cancelled: what follows may block
 
@@ -257,18 +259,24 @@ void ShowPicture(Control& control) {
   UpdateWindow(control.handle);
 }
 
+bool FrameIsOver() { return GetTickCount() - frameStart >= FrameLength; }
+
 void Display(Control& control) {
   if (control.layout.kind == ControlKind::PictureBox) {
     ShowPicture(control);
   } else {
     ShowText(control);
   }
-  control.displayed = GetTickCount();
+  if (FrameIsOver()) {
+    ++frame;
+    frameStart = GetTickCount();
+  }
+  control.frame = frame;
   control.waits = false;
 }
 
 bool IsDue(const Control& control) {
-  return !displayMayWait || GetTickCount() - control.displayed >= DisplayInterval;
+  return !displayMayWait || control.frame != frame || FrameIsOver();
 }
 
 void DisplayWhatWaits() {
@@ -284,11 +292,7 @@ void DispatchMessage(MSG& message) {
 }
 
 void HandleEvents() {
-  // Together, since they belong together: a file's progress and that of all of them.
-  const bool anyIsDue = std::any_of(controls.begin(), controls.end(), [](const Control& control) {
-    return control.waits && IsDue(control);
-  });
-  if (anyIsDue) DisplayWhatWaits();
+  if (FrameIsOver()) DisplayWhatWaits();
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessage(message);
   lastEvents = GetTickCount();

@@ -187,7 +187,7 @@ TEST_F(ProgramWindow, TellsWhatIsMissing) {
 TEST_F(ProgramWindow, IsCancelledOnlyWhenTheUserMeansIt) {
   StartAndStall({sandbox.Path("none"), "yes", "Libro"});
   EXPECT_EQ(Text(lblMensaje), modPrincipal::DownloadingStatus);
-  EXPECT_EQ(Text(lblTotalProgreso), "3 KB/9 KB");
+  EXPECT_TRUE(WaitForText(lblTotalProgreso, "3 KB/9 KB"));
   EXPECT_EQ(Text(lblFile), modPrincipal::FileCaption);
   EXPECT_EQ(Text(lblTotal), modPrincipal::TotalCaption);
   Click(btCancelar);
