@@ -59,8 +59,12 @@ void ChooseStyle(std::uint32_t& style, std::span<const StyleWord> words,
 
 bool PutInPlace(const std::string& path) { return modFunciones::FileRename(path + ".tmp", path); }
 
+// Where nothing was downloaded, or another program keeps the download from being put in place, both
+// find out before they touch what is there.
+
 bool AddFile(const std::string& path) {
   if (modFunciones::FileExists(path)) {
+    if (!platform::files::CanBeRenamed(path + ".tmp")) return false;
     const std::string backup = path + ".bak";
     (void)modFunciones::FileDelete(backup);  // one that stays makes the rename fail
     if (!modFunciones::FileRename(path, backup)) return false;
@@ -69,8 +73,7 @@ bool AddFile(const std::string& path) {
 }
 
 bool UpdateFile(const std::string& path) {
-  // Nothing was downloaded where the whole update announced no bytes: keep what is there.
-  if (!modFunciones::FileExists(path + ".tmp")) return false;
+  if (!platform::files::CanBeRenamed(path + ".tmp")) return false;
   (void)modFunciones::FileDelete(path);  // one that stays makes the rename fail
   return PutInPlace(path);
 }

@@ -5,6 +5,10 @@
 // end, if not before.
 // Linux: "\" separates names like "/", a drive such as C: is dropped, letter case counts, and a
 // name that starts with a dot is a hidden file.
+// Windows: what another program stands in the way of, since it has the file open, is tried again
+// until it lets go, for 2 seconds at the most. That goes for CanBeRenamed, Delete, Rename,
+// OpenForReading and Create; a file that is missing or read-only and a folder in the way fail at
+// once.
 
 #include <cstdint>
 #include <memory>
@@ -23,7 +27,12 @@ namespace platform::files {
 /// True when the path, taken without wildcards, names anything that is not a folder.
 [[nodiscard]] bool IsFile(const std::string& path);
 
-/// Windows: fails while a program has the file open. Linux: does not.
+/// True when the path, taken without wildcards, names a file, hidden or not, that Rename would
+/// find. Windows: and could rename.
+[[nodiscard]] bool CanBeRenamed(const std::string& path);
+
+/// The name is free afterwards. Windows: fails while another program has the file open, even one
+/// that would let it be deleted. Linux: does not.
 [[nodiscard]] bool Delete(const std::string& path);
 
 /// Renames a file or moves it to another folder; never overwrites.
@@ -37,6 +46,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<void, CloseFile>;
 
+/// Shares the file with every program.
 [[nodiscard]] File OpenForReading(const std::string& path);
 
 /// Creates the file, or empties the one that is there. Linux: as a file that may be executed, since
@@ -54,7 +64,7 @@ using File = std::unique_ptr<void, CloseFile>;
 [[nodiscard]] bool Write(const File& file, std::string_view bytes);
 
 /// False when bytes that were written do not reach the system, which the owner's end would not
-/// tell. Windows: never.
+/// tell. Windows: waits until the disk has them. Linux: does not.
 [[nodiscard]] bool Close(File file);
 
 /// What the system says of a volume; all 0 on failure.

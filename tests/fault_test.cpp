@@ -91,18 +91,19 @@ TEST_F(Faults, FailureOfAnyOperationEndsAsItShould) {
   }
   steps.insert(steps.end(),
                {{"Find a", WriteFailure},
+                {"CanBeRenamed a.tmp", WriteFailure},
                 {"Find a.bak", WriteFailure},
                 {"Delete a.bak", WriteFailure, {{"a.bak", ""}}},
                 {"Rename a", WriteFailure, {{"a", ""}, {"a.bak", "old a"}}},
                 {"Rename a.tmp", WriteFailure, {{"a", "new a"}, {"a.tmp", ""}}},
                 {"Rename b.tmp", WriteFailure, {{"new/b", "new b"}, {"new/b.tmp", ""}}},
-                {"Find c.tmp", WriteFailure},
+                {"CanBeRenamed c.tmp", WriteFailure},
                 {"Find c", WriteFailure},
                 {"Delete c", WriteFailure, {{"c", ""}}},
                 {"Rename c.tmp", WriteFailure, {{"c", "new c"}, {"c.tmp", ""}}},
                 {"Find e", modPrincipal::Success},
                 {"Delete e", modPrincipal::DeleteFailure, {{"e", ""}}},
-                {"Find d.tmp", WriteFailure},
+                {"CanBeRenamed d.tmp", WriteFailure},
                 {"Rename d.tmp", WriteFailure, {{"d", "new d"}, {"d.tmp", ""}}}});
 
   Prepare();

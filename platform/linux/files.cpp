@@ -149,6 +149,8 @@ bool IsFile(const std::string& path) {
   return kind != 0 && kind != S_IFDIR;
 }
 
+bool CanBeRenamed(const std::string& path) { return IsFile(path); }
+
 bool Delete(const std::string& path) { return unlink(ToSystemPath(path).c_str()) == 0; }
 
 bool Rename(const std::string& oldPath, const std::string& newPath) {

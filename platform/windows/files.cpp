@@ -7,13 +7,74 @@ namespace {
 
 constexpr DWORD NotPlain = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
 
-File Open(const std::string& path, DWORD access, DWORD disposition) {
-  const HANDLE file = CreateFileA(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
+constexpr DWORD Refused = NotPlain | FILE_ATTRIBUTE_READONLY;  // for good, by some calls
+constexpr DWORD ShareWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// Milliseconds. A virus scanner or an indexer looks at a new file for less than a second.
+constexpr DWORD LongestHold = 2000;
+constexpr DWORD HoldPoll = 20;
+
+DWORD AttributesOf(const std::string& path) { return GetFileAttributesA(path.c_str()); }
+
+bool HasAttributes(const std::string& path, DWORD wanted) {
+  const DWORD attributes = AttributesOf(path);
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & wanted) != 0;
+}
+
+File Open(const std::string& path, DWORD access, DWORD sharing, DWORD disposition, DWORD flags) {
+  const HANDLE file =
+      CreateFileA(path.c_str(), access, sharing, nullptr, disposition, flags, nullptr);
   return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
 }
 
-DWORD AttributesOf(const std::string& path) { return GetFileAttributesA(path.c_str()); }
+/// A file that is deleted keeps its name until the last program that has it open closes it.
+bool IsBeingDeleted(const std::string& path) {
+  return !Open(path, FILE_READ_ATTRIBUTES, ShareWithAll, OPEN_EXISTING, 0) &&
+         GetLastError() == ERROR_ACCESS_DENIED && !HasAttributes(path, FILE_ATTRIBUTE_DIRECTORY);
+}
+
+/// Whether what the system refused with this error may go well once other programs let go of the
+/// files.
+bool MayPass(DWORD error, const std::string& path, const std::string& newPath) {
+  switch (error) {
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      return true;
+    case ERROR_ACCESS_DENIED:
+      return !HasAttributes(path, Refused) && !HasAttributes(newPath, Refused);
+    case ERROR_ALREADY_EXISTS:
+      return IsBeingDeleted(newPath);
+    default:
+      return false;
+  }
+}
+
+/// Calls an operation until it succeeds, fails for good, or the files have been held for too long;
+/// returns its last result.
+template <typename Operation>
+auto OnceLetGo(const std::string& path, const std::string& newPath, Operation operation) {
+  const DWORD start = GetTickCount();
+  while (true) {
+    auto result = operation();
+    if (result || !MayPass(GetLastError(), path, newPath) ||
+        GetTickCount() - start >= LongestHold) {
+      return result;
+    }
+    Sleep(HoldPoll);
+  }
+}
+
+/// For as long as another program has the file open, it is not deleted at all: its name would stay
+/// taken, and its content would be lost all the same.
+bool DeleteAlone(const std::string& path) {
+  return Open(path, DELETE, 0, OPEN_EXISTING,
+              FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT) != nullptr;
+}
+
+/// A scanner inside the system may still have the file open.
+bool NameIsFree(const std::string& path) {
+  return AttributesOf(path) == INVALID_FILE_ATTRIBUTES && GetLastError() != ERROR_ACCESS_DENIED;
+}
 
 }  // namespace
 
@@ -44,24 +105,41 @@ bool IsFile(const std::string& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
 }
 
-bool Delete(const std::string& path) { return DeleteFileA(path.c_str()) != FALSE; }
+bool CanBeRenamed(const std::string& path) {
+  return OnceLetGo(path, path, [&] {
+    return Open(path, DELETE, ShareWithAll, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT) != nullptr;
+  });
+}
+
+bool Delete(const std::string& path) {
+  bool deleted = false;
+  return OnceLetGo(path, path, [&] {
+    deleted = deleted || DeleteAlone(path);
+    return deleted && NameIsFree(path);
+  });
+}
 
 bool Rename(const std::string& oldPath, const std::string& newPath) {
-  return MoveFileA(oldPath.c_str(), newPath.c_str()) != FALSE;
+  return OnceLetGo(oldPath, newPath,
+                   [&] { return MoveFileA(oldPath.c_str(), newPath.c_str()) != FALSE; });
 }
 
-bool FolderExists(const std::string& path) {
-  const DWORD attributes = AttributesOf(path);
-  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-}
+bool FolderExists(const std::string& path) { return HasAttributes(path, FILE_ATTRIBUTE_DIRECTORY); }
 
 bool CreateFolder(const std::string& path) {
   return CreateDirectoryA(path.c_str(), nullptr) != FALSE;
 }
 
-File OpenForReading(const std::string& path) { return Open(path, GENERIC_READ, OPEN_EXISTING); }
+File OpenForReading(const std::string& path) {
+  return OnceLetGo(path, path,
+                   [&] { return Open(path, GENERIC_READ, ShareWithAll, OPEN_EXISTING, 0); });
+}
 
-File Create(const std::string& path) { return Open(path, GENERIC_WRITE, CREATE_ALWAYS); }
+File Create(const std::string& path) {
+  return OnceLetGo(path, path, [&] {
+    return Open(path, GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL);
+  });
+}
 
 std::optional<std::int64_t> Length(const File& file) {
   LARGE_INTEGER length;
@@ -83,10 +161,7 @@ bool Write(const File& file, std::string_view bytes) {
          count == bytes.size();
 }
 
-bool Close(File file) {
-  file.reset();
-  return true;
-}
+bool Close(File file) { return FlushFileBuffers(file.get()) != FALSE; }
 
 DiskSpace QueryDiskSpace(const std::string& root) {
   DWORD sectorsPerCluster = 0;

@@ -55,6 +55,9 @@ std::vector<std::string> Find(const std::string& pattern) {
   return Do("Find", pattern, real_files::Find, pattern);
 }
 bool IsFile(const std::string& path) { return Do("IsFile", path, real_files::IsFile, path); }
+bool CanBeRenamed(const std::string& path) {
+  return Do("CanBeRenamed", path, real_files::CanBeRenamed, path);
+}
 bool Delete(const std::string& path) { return Do("Delete", path, real_files::Delete, path); }
 bool Rename(const std::string& oldPath, const std::string& newPath) {
   return Do("Rename", oldPath, real_files::Rename, oldPath, newPath);
