@@ -10,7 +10,6 @@
 #include <charconv>
 #include <cstdint>
 #include <memory>
-#include <vector>
 
 #include "platform/windows/background.h"
 #include "platform/windows/libraries.h"
@@ -32,6 +31,7 @@ struct WinInet {
   WININET_FUNCTION(HttpSendRequestA);
   WININET_FUNCTION(HttpQueryInfoA);
   WININET_FUNCTION(InternetOpenUrlA);
+  WININET_FUNCTION(InternetQueryDataAvailable);
   WININET_FUNCTION(InternetReadFile);
   WININET_FUNCTION(InternetQueryOptionA);
   WININET_FUNCTION(InternetCloseHandle);
@@ -47,22 +47,25 @@ const char* NullWhenEmpty(const std::string& value) {
   return value.empty() ? nullptr : value.c_str();
 }
 
-constexpr std::size_t SmallestChunk = 1024;  // bytes
-constexpr std::size_t LargestFirstChunk = 8 * 1024;
-constexpr std::size_t LargestChunk = 128 * 1024;
-constexpr std::size_t SlowRead = 100;  // milliseconds
-constexpr std::size_t GoodRead = 25;
+/// Signing on at a company's proxy takes several requests over one connection.
+constexpr DWORD SignOnFlag = INTERNET_FLAG_KEEP_CONNECTION;
+
+constexpr DWORD LargestChunk = 128 * 1024;  // bytes
+constexpr double Sample = 256 * 1024;       // bytes from which the speed is told
+constexpr double Unwatchable = 20'000'000;  // bytes a second
 
 /// A part of a body that was read, or is being read, in one call.
 struct Chunk {
-  std::vector<char> bytes = {};
+  std::unique_ptr<char[]> bytes = std::make_unique_for_overwrite<char[]>(LargestChunk);
+  DWORD count = 0;
   bool read = false;
-  std::size_t duration = 0;  // milliseconds
+  double seconds = 0;  // that it took
 };
 
-/// A read costs much the same whatever its size, and returns when all of it is there: so the body
-/// is fetched in chunks as large as arrive before anyone would miss the progress, and one ahead of
-/// the one that is handed out.
+/// A body is fetched one chunk ahead of the one that is handed out. A chunk is what has arrived, so
+/// that the user sees all of it, even when the server then falls silent. But asking costs as much
+/// as reading, and a read costs much the same whatever its size: so a body that arrives faster than
+/// anyone can watch is read in large chunks, each of which returns when all of it is there.
 struct OpenBody {
   explicit OpenBody(HINTERNET opened) : url(opened) {}
   ~OpenBody() { windows::AbandonBackgroundCall(); }
@@ -72,53 +75,67 @@ struct OpenBody {
   Handle url;
   std::optional<std::int64_t> announced;  // length of the body
   std::int64_t received = 0;
+  double sampledBytes = 0;
+  double sampledSeconds = 0;
+  bool isFast = false;  // as far as the last sample tells
   std::shared_ptr<Chunk> chunk = std::make_shared<Chunk>();
   std::shared_ptr<Chunk> next;  // being read, and shared with the call that reads it
-  std::size_t taken = 0;        // bytes of the chunk that were handed out
+  DWORD taken = 0;              // bytes of the chunk that were handed out
 };
 
-void ReadChunk(HINTERNET url, Chunk& chunk) {
-  DWORD count = 0;
-  const DWORD start = GetTickCount();
-  chunk.read = Library().InternetReadFile(url, chunk.bytes.data(),
-                                          static_cast<DWORD>(chunk.bytes.size()), &count) != FALSE;
-  chunk.bytes.resize(chunk.read ? count : 0);
-  chunk.duration = GetTickCount() - start;
+/// From some moment on.
+double Seconds() {
+  LARGE_INTEGER ticks;
+  LARGE_INTEGER ticksPerSecond;
+  QueryPerformanceCounter(&ticks);
+  QueryPerformanceFrequency(&ticksPerSecond);
+  return static_cast<double>(ticks.QuadPart) / static_cast<double>(ticksPerSecond.QuadPart);
 }
 
-// Bytes that arrive as fast as wanted, as far as the bodies up to now tell. The next one may come
-// from a slower server: it begins with less.
-std::size_t chunkSize = SmallestChunk;
+/// Waits until something has arrived. At the end of the body, or of the connection, nothing has:
+/// the read that follows tells which.
+DWORD ArrivedBytes(HINTERNET url) {
+  DWORD arrived = 0;
+  Library().InternetQueryDataAvailable(url, &arrived, 0, 0);
+  return std::clamp<DWORD>(arrived, 1, LargestChunk);
+}
 
-void LearnFrom(const Chunk& chunk) {
-  const bool full = chunk.bytes.size() == chunkSize;
-  if (full && chunk.duration < GoodRead) chunkSize = std::min(chunkSize * 2, LargestChunk);
-  if (chunk.duration > SlowRead) {
-    chunkSize = std::max(chunk.bytes.size() / chunk.duration * GoodRead, SmallestChunk);
-  }
+void ReadChunk(HINTERNET url, bool isFast, Chunk& chunk) {
+  const double start = Seconds();
+  const DWORD wanted = isFast ? LargestChunk : ArrivedBytes(url);
+  chunk.read = Library().InternetReadFile(url, chunk.bytes.get(), wanted, &chunk.count) != FALSE;
+  chunk.seconds = Seconds() - start;
+}
+
+void LearnFrom(const Chunk& chunk, OpenBody& body) {
+  body.sampledBytes += chunk.count;
+  body.sampledSeconds += chunk.seconds;
+  if (body.sampledBytes < Sample && !body.isFast) return;
+  body.isFast = body.sampledBytes > body.sampledSeconds * Unwatchable;
+  body.sampledBytes = body.sampledSeconds = 0;
 }
 
 void StartReading(OpenBody& body) {
   body.next = std::make_shared<Chunk>();
-  body.next->bytes.resize(chunkSize);
-  windows::StartBackgroundCall(
-      [url = body.url.get(), chunk = body.next] { ReadChunk(url, *chunk); });
+  windows::StartBackgroundCall([url = body.url.get(), isFast = body.isFast, chunk = body.next] {
+    ReadChunk(url, isFast, *chunk);
+  });
 }
 
 /// An empty chunk is the end of the body.
 bool FetchChunk(OpenBody& body) {
   body.taken = 0;
   if (body.received >= body.announced.value_or(INT64_MAX)) {
-    body.chunk->bytes.clear();
+    body.chunk->count = 0;
     return true;
   }
   if (!body.next) StartReading(body);
   windows::FinishBackgroundCall();
   body.chunk = std::move(body.next);
-  LearnFrom(*body.chunk);
-  body.received += static_cast<std::int64_t>(body.chunk->bytes.size());
+  LearnFrom(*body.chunk, body);
+  body.received += body.chunk->count;
   const bool more = body.received < body.announced.value_or(INT64_MAX);
-  if (more && !body.chunk->bytes.empty()) StartReading(body);
+  if (more && body.chunk->count > 0) StartReading(body);
   return body.chunk->read;
 }
 
@@ -176,7 +193,7 @@ Handle OpenRequest(const Handle& connection, const std::string& verb, const std:
                    const std::string& version, const std::string& referrer, bool secure) {
   return Handle(Library().HttpOpenRequestA(
       connection.get(), verb.c_str(), NullWhenEmpty(objectName), version.c_str(),
-      NullWhenEmpty(referrer), nullptr, secure ? INTERNET_FLAG_SECURE : 0, 0));
+      NullWhenEmpty(referrer), nullptr, secure ? INTERNET_FLAG_SECURE | SignOnFlag : 0, 0));
 }
 
 bool AddRequestHeaders(const Handle& request, const std::string& headers) {
@@ -210,12 +227,12 @@ bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buff
 void CloseBody::operator()(void* body) const { delete static_cast<OpenBody*>(body); }
 
 Body OpenUrl(const Handle& root, const std::string& url) {
+  const DWORD flags = _strnicmp(url.c_str(), "https:", 6) == 0 ? SignOnFlag : 0;
   HINTERNET opened = nullptr;
   RunInBackground(
-      [&] { opened = Library().InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, 0, 0); });
+      [&] { opened = Library().InternetOpenUrlA(root.get(), url.c_str(), nullptr, 0, flags, 0); });
   if (opened == nullptr) return nullptr;
   auto body = std::make_unique<OpenBody>(opened);
-  chunkSize = std::min(chunkSize, LargestFirstChunk);
   if (!HasStatus(opened)) return nullptr;
   body->announced = LengthOf(opened);
   return Body(body.release());
@@ -232,10 +249,9 @@ std::optional<std::int64_t> AnnouncedLength(const Body& body) {
 bool Read(const Body& body, char* buffer, std::uint32_t size, std::uint32_t& bytesRead) {
   auto& open = *static_cast<OpenBody*>(body.get());
   bytesRead = 0;
-  if (open.taken == open.chunk->bytes.size() && !FetchChunk(open)) return false;
-  const auto available = static_cast<std::uint32_t>(open.chunk->bytes.size() - open.taken);
-  bytesRead = std::min(size, available);
-  std::copy_n(open.chunk->bytes.data() + open.taken, bytesRead, buffer);
+  if (open.taken == open.chunk->count && !FetchChunk(open)) return false;
+  bytesRead = std::min<std::uint32_t>(size, open.chunk->count - open.taken);
+  std::copy_n(open.chunk->bytes.get() + open.taken, bytesRead, buffer);
   open.taken += bytesRead;
   return true;
 }
