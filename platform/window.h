@@ -3,6 +3,10 @@
 // The program's one window, its controls, message boxes and events. Everything belongs to the one
 // user-interface thread. Positions and sizes are in twips (1/1,440 inch); controls are named by
 // their index in the layout. Nothing here fails visibly: what the system refuses is left undone.
+//
+// What is set and drawn while the button can be pressed is displayed by the next yield, or by what
+// else lets the user look: Show, SetEnabled and ShowMessageBox. While the button is disabled, and
+// yields are rare, it is displayed at once.
 
 #include <cstdint>
 #include <span>
@@ -78,7 +82,7 @@ void ErasePictureBox(int control);
 /// Corners inside the borders, the lower right one not included.
 void DrawFilledRectangle(int control, double left, double top, double right, double bottom,
                          std::uint32_t colour);
-/// Brings to the screen what was drawn; nothing when the screen shows it already.
+/// What was drawn is to be displayed; nothing when the screen shows it already.
 void RefreshPictureBox(int control);
 
 enum class MousePointer { Default = 0, Hourglass = 11 };
@@ -88,8 +92,12 @@ void SetMousePointer(MousePointer pointer);
 /// those of MB_OK or MB_YESNO.
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title);
 
-/// Yields: handles the events that are waiting, and returns.
+/// Yields: displays and paints what waits, handles the events that are waiting, and returns.
 void ProcessPendingEvents();
+
+/// Yields in a loop that does so at every block it reads: the same, as often as a user can tell
+/// (see platform/pace.h).
+void ProcessPendingEventsInLoop();
 
 /// Handles events until the process ends.
 [[noreturn]] void RunEventLoop();

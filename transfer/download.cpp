@@ -75,7 +75,7 @@ bool ReadBody(const platform::http::Body& body, Store store) {
   std::int64_t received = 0;
   std::uint32_t bytesRead = 0;
   do {
-    platform::window::ProcessPendingEvents();
+    platform::window::ProcessPendingEventsInLoop();
     if (!platform::http::Read(body, buffer.data(), TransferBlockSize, bytesRead)) return false;
     received += bytesRead;
     if (TransferProgressOn) {

@@ -170,7 +170,7 @@ void Advance(Transfer& transfer) {
   while (const CURLMsg* message = curl_multi_info_read(multi, &count)) {
     if (message->easy_handle == transfer.easy.get()) transfer.result = message->data.result;
   }
-  window::ProcessPendingEvents();
+  window::ProcessPendingEventsInLoop();
 }
 
 std::optional<std::string> Header(CURL* easy, const char* name) {

@@ -16,6 +16,7 @@
 #include "platform/linux/paths.h"
 #include "platform/linux/text.h"
 #include "platform/linux/widgets.h"
+#include "platform/pace.h"
 
 namespace platform::window {
 namespace {
@@ -34,20 +35,18 @@ constexpr double ShowingPoll = 0.05;        // seconds
 constexpr int MostShowingPolls = 20;
 constexpr const char* WindowClass = "Kestrane";
 
-/// Milliseconds. A download sets texts and yields at every block: what follows this soon on the
-/// last text of a label, or on the last look at the events, waits.
-constexpr std::int64_t DisplayInterval = 10;
-
 // Written by Create, and where not by the procedures that change the thing in question.
 Handlers handlers{};
 Scale scale;
 bool resizeEventsOn = false;  // set by the first Show
-std::int64_t lastEvents = 0;  // tick count when events were processed last
+bool displayMayWait = true;   // not while the button is disabled: what follows may block
+Pace pace;
 
 /// Milliseconds, from some moment on.
-std::int64_t TickCount() {
+std::uint32_t TickCount() {
   using namespace std::chrono;
-  return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+  const auto now = steady_clock::now().time_since_epoch();
+  return static_cast<std::uint32_t>(duration_cast<milliseconds>(now).count());
 }
 
 std::uint32_t ValueOf(Fl_Color colour) {
@@ -87,8 +86,7 @@ struct Control {
   Fl_Widget* widget;  // owned by the window
   ControlLayout layout;
   std::string text = {};
-  std::int64_t textShown = 0;  // tick count when a text was brought to the screen last
-  bool textWaits = false;
+  bool waits = false;  // the screen shows an older text or picture
 };
 
 MainWindow* mainWindow = nullptr;  // lives as long as the process
@@ -105,20 +103,32 @@ void ShowText(Control& control) {
   } else {
     static_cast<LabelWidget&>(*control.widget).SetText(text);
   }
-  control.textShown = TickCount();
-  control.textWaits = false;
 }
 
-void ShowWaitingTexts() {
+void Display(Control& control) {
+  control.waits = false;
+  if (control.layout.kind != ControlKind::PictureBox) return ShowText(control);
+  static_cast<PictureWidget&>(*control.widget).picture.Show();
+  control.widget->redraw();
+}
+
+void DisplayWhatWaits() {
   for (auto& control : controls) {
-    if (control.textWaits) ShowText(control);
+    if (control.waits) Display(control);
   }
+  pace.Displayed(TickCount());
+}
+
+void DisplaySoon(Control& control) {
+  control.waits = true;
+  if (displayMayWait) return;
+  Display(control);
+  Fl::flush();
 }
 
 void HandleEvents() {
-  ShowWaitingTexts();
   Fl::check();
-  lastEvents = TickCount();
+  pace.EventsHandled(TickCount());
 }
 
 Fl_Widget* Button() {
@@ -215,7 +225,7 @@ void Create(const Layout& layout, const Handlers& callbacks) {
 }
 
 void Show() {
-  ShowWaitingTexts();
+  DisplayWhatWaits();
   mainWindow->show();
   mainWindow->WaitUntilDrawn();
   Button()->take_focus();
@@ -242,8 +252,7 @@ void SetText(int control, std::string_view value) {
   Control& target = At(control);
   if (target.text == value) return;
   target.text = value;
-  target.textWaits = true;
-  if (TickCount() - target.textShown >= DisplayInterval) ShowText(target);
+  DisplaySoon(target);
 }
 
 std::string Text(int control) { return At(control).text; }
@@ -257,17 +266,19 @@ void SetVisible(int control, bool visible) {
 }
 
 void SetEnabled(int control, bool enabled) {
-  ShowWaitingTexts();
+  DisplayWhatWaits();
   Fl_Widget& widget = *At(control).widget;
   if (!enabled) {
     // The release of a button that is held down would not come any more.
     if (At(control).layout.kind == ControlKind::Button) static_cast<Fl_Button&>(widget).value(0);
-    return widget.deactivate();
+    widget.deactivate();
+  } else {
+    // What was pressed while the control was disabled must not reach it when it is enabled.
+    if (!IsEnabled(control)) HandleEvents();
+    widget.activate();
+    Button()->take_focus();
   }
-  // What was pressed while the control was disabled must not reach it when it is enabled.
-  if (!IsEnabled(control)) HandleEvents();
-  widget.activate();
-  Button()->take_focus();
+  displayMayWait = Button()->active() != 0;
 }
 
 bool IsEnabled(int control) { return At(control).widget->active() != 0; }
@@ -294,11 +305,12 @@ void DrawFilledRectangle(int control, double left, double top, double right, dou
 }
 
 void RefreshPictureBox(int control) {
-  PictureWidget& box = PictureAt(control);
-  if (!box.picture.HasChanged()) return;
-  box.picture.Show();
-  box.redraw();
-  Fl::flush();
+  Control& box = At(control);
+  if (PictureAt(control).picture.HasChanged()) {
+    DisplaySoon(box);
+  } else {
+    box.waits = false;
+  }
 }
 
 void SetMousePointer(MousePointer pointer) {
@@ -307,13 +319,19 @@ void SetMousePointer(MousePointer pointer) {
 }
 
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {
-  ShowWaitingTexts();
+  DisplayWhatWaits();
   return linux_layer::RunMessageBox(ToUtf8(text), style, ToUtf8(title),
                                     scale.PixelsY(linux_layer::LargestFont));
 }
 
 void ProcessPendingEvents() {
-  if (TickCount() - lastEvents >= DisplayInterval) HandleEvents();
+  DisplayWhatWaits();
+  HandleEvents();
+}
+
+void ProcessPendingEventsInLoop() {
+  if (pace.FrameIsOver(TickCount())) DisplayWhatWaits();
+  if (pace.EventsAreDue(TickCount())) HandleEvents();
 }
 
 void RunEventLoop() {

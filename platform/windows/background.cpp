@@ -11,10 +11,9 @@ namespace platform::windows {
 namespace {
 
 // Milliseconds. Most calls are over before anything else is to be done. Otherwise events are
-// handled as they come, and what waits to be displayed is so after the first rest.
+// handled as they come.
 constexpr DWORD ShortCall = 10;
-constexpr DWORD FirstRest = 30;
-constexpr DWORD LaterRest = 100;
+constexpr DWORD Rest = 100;
 
 /// One thread for all calls, since creating one costs more than most calls take.
 struct Worker {
@@ -70,10 +69,9 @@ void StartBackgroundCall(std::function<void()> call) {
 
 void FinishBackgroundCall() {
   if (!isAtWork) return;
-  for (DWORD rest = FirstRest; WaitForSingleObject(theWorker->done, ShortCall) == WAIT_TIMEOUT;
-       rest = LaterRest) {
+  while (WaitForSingleObject(theWorker->done, ShortCall) == WAIT_TIMEOUT) {
     window::ProcessPendingEvents();
-    MsgWaitForMultipleObjectsEx(1, &theWorker->done, rest, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+    MsgWaitForMultipleObjectsEx(1, &theWorker->done, Rest, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
   }
   isAtWork = false;
 }

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <vector>
 
+#include "platform/pace.h"
 #include "platform/picture.h"
 #include "platform/windows/resources.h"
 #include "platform/windows/text.h"
@@ -29,17 +30,10 @@ constexpr DWORD WindowStyle = WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_MINIM
 /// message is cut off.
 constexpr std::array<int, 4> FontSizes = {160, 150, 140, 130};
 
-// Milliseconds. A download sets texts, draws and yields at every block: within a frame a control
-// displays what is set first, and the rest waits for the frame's end; so do events for a look at
-// them.
-constexpr DWORD FrameLength = 30;
-constexpr DWORD EventInterval = 10;
-
 struct Control {
   HWND handle = nullptr;
   ControlLayout layout{};
-  unsigned frame = 0;  // in which its text or picture was brought to the screen last
-  bool waits = false;  // there is a later one
+  bool waits = false;  // the screen shows an older text or picture
   std::string text;
   Picture picture;
 };
@@ -52,10 +46,8 @@ std::array<HFONT, FontSizes.size()> fonts{};
 double twipsPerPixelX = 0;
 double twipsPerPixelY = 0;
 bool resizeEventsOn = false;  // set by the first Show
-unsigned frame = 0;           // counts on when something is displayed after the end of the last one
-DWORD frameStart = 0;         // tick count
-DWORD lastEvents = 0;         // tick count when events were processed last
-bool displayMayWait = true;   // not once the run can no longer be cancelled: what follows may block
+bool displayMayWait = true;   // not while the button is disabled: what follows may block
+Pace pace;
 
 HINSTANCE Instance() { return GetModuleHandleW(nullptr); }
 
@@ -140,6 +132,8 @@ LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
     case WM_CLOSE:
       if (TakesInput()) handlers.closing();
       return 0;
+    case WM_QUERYENDSESSION:  // whoever logs off has to wait until no file is half replaced
+      return IsWindowEnabled(Button());
     case WM_SETFOCUS:
       SetFocus(Button());
       return 0;
@@ -253,36 +247,34 @@ void ShowText(Control& control) {
   SetWindowTextW(control.handle, text.c_str());
 }
 
-void ShowPicture(Control& control) {
+void Display(Control& control) {
+  control.waits = false;
+  if (control.layout.kind != ControlKind::PictureBox) return ShowText(control);
   control.picture.Show();
   InvalidateRect(control.handle, nullptr, FALSE);
-  UpdateWindow(control.handle);
-}
-
-bool FrameIsOver() { return GetTickCount() - frameStart >= FrameLength; }
-
-void Display(Control& control) {
-  if (control.layout.kind == ControlKind::PictureBox) {
-    ShowPicture(control);
-  } else {
-    ShowText(control);
-  }
-  if (FrameIsOver()) {
-    ++frame;
-    frameStart = GetTickCount();
-  }
-  control.frame = frame;
-  control.waits = false;
-}
-
-bool IsDue(const Control& control) {
-  return !displayMayWait || control.frame != frame || FrameIsOver();
 }
 
 void DisplayWhatWaits() {
   for (auto& control : controls) {
     if (control.waits) Display(control);
   }
+  pace.Displayed(GetTickCount());
+}
+
+/// Paints without looking at other events. (Wine brings to the screen what was painted when a
+/// program looks for messages and finds none.)
+void Paint() {
+  MSG message;
+  while (PeekMessageW(&message, nullptr, WM_PAINT, WM_PAINT, PM_REMOVE) != FALSE) {
+    DispatchMessageW(&message);
+  }
+}
+
+void DisplaySoon(Control& control) {
+  control.waits = true;
+  if (displayMayWait) return;
+  Display(control);
+  Paint();
 }
 
 void DispatchMessage(MSG& message) {
@@ -292,10 +284,9 @@ void DispatchMessage(MSG& message) {
 }
 
 void HandleEvents() {
-  if (FrameIsOver()) DisplayWhatWaits();
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessage(message);
-  lastEvents = GetTickCount();
+  pace.EventsHandled(GetTickCount());
 }
 
 }  // namespace
@@ -350,8 +341,7 @@ void SetText(int control, std::string_view value) {
   Control& target = At(control);
   if (target.text == value) return;
   target.text = value;
-  target.waits = true;
-  if (IsDue(target)) Display(target);
+  DisplaySoon(target);
 }
 
 std::string Text(int control) { return At(control).text; }
@@ -396,8 +386,11 @@ void DrawFilledRectangle(int control, double left, double top, double right, dou
 
 void RefreshPictureBox(int control) {
   Control& box = At(control);
-  box.waits = box.picture.HasChanged();
-  if (box.waits && IsDue(box)) Display(box);
+  if (box.picture.HasChanged()) {
+    DisplaySoon(box);
+  } else {
+    box.waits = false;
+  }
 }
 
 void SetMousePointer(MousePointer pointer) {
@@ -410,7 +403,13 @@ int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view 
 }
 
 void ProcessPendingEvents() {
-  if (GetTickCount() - lastEvents >= EventInterval) HandleEvents();
+  DisplayWhatWaits();
+  HandleEvents();
+}
+
+void ProcessPendingEventsInLoop() {
+  if (pace.FrameIsOver(GetTickCount())) DisplayWhatWaits();
+  if (pace.EventsAreDue(GetTickCount())) HandleEvents();
 }
 
 void RunEventLoop() {

@@ -44,6 +44,7 @@ int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view 
   return 1;
 }
 void ProcessPendingEvents() { state.onYield(); }
+void ProcessPendingEventsInLoop() { state.onYield(); }
 void RunEventLoop() { std::abort(); }
 
 }  // namespace platform::window
