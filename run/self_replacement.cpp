@@ -7,13 +7,23 @@
 #include "run/launch.h"
 #include "run/messages.h"
 #include "run/run_state.h"
+#include "script/replace.h"
 
 namespace modPrincipal {
 namespace {
 
-void AppendQuoted(std::string& parameters, const std::string& value) {
+/// The value as SplitCommandLine reads it: a backslash in front of a quote makes it a literal one,
+/// so those at the end go behind the closing quote.
+std::string Quoted(const std::string& value) {
+  const auto end = value.find_last_not_of('\\') + 1;
+  if (end == 0) return value;
+  return '"' + modFunciones::ReplaceAll(value.substr(0, end), "\"", "\\\"") + '"' +
+         value.substr(end);
+}
+
+void Append(std::string& parameters, const std::string& value) {
   if (!parameters.empty()) parameters += ' ';
-  parameters += '"' + value + '"';
+  parameters += Quoted(value);
 }
 
 /// Writes a program into the own folder, starts it and ends this process; returns when it could not
@@ -38,13 +48,13 @@ std::string InOwnFolder(std::string_view fileName) {
 
 std::string RelaunchParameters() {
   std::string parameters;
-  AppendQuoted(parameters, AppVersion);
-  AppendQuoted(parameters, AppDiskPath);
-  AppendQuoted(parameters, UpdateInfoUrl);
-  if (!LaunchOnFinish.empty()) AppendQuoted(parameters, LaunchOnFinish);
-  if (!ShowSuccessScreen.empty()) AppendQuoted(parameters, ShowSuccessScreen);
-  if (!AppTitle.empty() && AppTitle != ProgramName) AppendQuoted(parameters, AppTitle);
-  if (!AppIconFile.empty()) AppendQuoted(parameters, AppIconFile);
+  Append(parameters, AppVersion);
+  Append(parameters, AppDiskPath);
+  Append(parameters, UpdateInfoUrl);
+  if (!LaunchOnFinish.empty()) Append(parameters, LaunchOnFinish);
+  if (!ShowSuccessScreen.empty()) Append(parameters, ShowSuccessScreen);
+  if (!AppTitle.empty() && AppTitle != ProgramName) Append(parameters, AppTitle);
+  if (!AppIconFile.empty()) Append(parameters, AppIconFile);
   return parameters;
 }
 
@@ -52,7 +62,9 @@ void RemoveTemporaryCopy() { EndAndDelete(TempUpdaterName); }
 
 void HandOverToNewUpdater(const std::string& program) {
   RemoveTemporaryCopy();
-  if (!program.empty()) WriteAndSwitchTo(TempUpdaterName, program);
+  // A script that promises a newer program than there is must not end in replacements for ever.
+  const bool isNew = program != modFunciones::FileReadAll(InOwnFolder(UpdaterName));
+  if (!program.empty() && isNew) WriteAndSwitchTo(TempUpdaterName, program);
 }
 
 void ReplaceUpdater() {

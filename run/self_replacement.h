@@ -15,15 +15,15 @@ inline constexpr auto UpdaterName = "Kestrane.exe";
 /// Path of a file in the own folder.
 [[nodiscard]] std::string InOwnFolder(std::string_view fileName);
 
-/// The arguments of this process as the command line of its successor, each in quotes. A value that
-/// is not set is left out.
+/// The arguments of this process as the command line of its successor, each in quotes, such that
+/// SplitCommandLine gives them back. A value that is not set is left out.
 [[nodiscard]] std::string RelaunchParameters();
 
 /// Ends every temporary copy that still runs and deletes its file, if it can.
 void RemoveTemporaryCopy();
 
 /// First stage: writes the downloaded program as the temporary copy, hands over to it and ends the
-/// process. Returns when there is nothing to write or it cannot be written.
+/// process. Returns when there is nothing to write, it is this very program, or it cannot be written.
 void HandOverToNewUpdater(const std::string& program);
 
 /// Second stage, run by the temporary copy: puts the file KestraneTmp.exe in the updater's place,

@@ -42,6 +42,12 @@ std::string FetchIntoMemory(const std::string& url) {
                                    modFunciones::PreconfiguredAccess, "");
 }
 
+/// For the message, when memory ran out.
+void FreeMemory() {
+  ResetScript();
+  ResetActionTable();
+}
+
 bool OffersNewerUpdater() {
   return modFunciones::ElementCount(ScriptLines) >= 2 &&
          NewUpdaterVersion > VersionToNumber(modFunciones::OwnVersion());
@@ -65,14 +71,15 @@ std::string ReplaceOutdatedUpdater() {
   window::ProcessPendingEvents();
 
   TransferProgressOn = true;
-  const std::string program = FetchIntoMemory(NewUpdaterUrl);
+  std::string program = FetchIntoMemory(NewUpdaterUrl);
   TransferProgressOn = false;
+  // Of another length it is something else, the page of an error for example.
+  if (program.size() != static_cast<std::size_t>(*length)) program.clear();
   HandOverToNewUpdater(program);
   return "";
 }
 
-/// Returns "" when both phases went well, or the failure message to show.
-std::string RunPhases() {
+std::string RunBothPhases() {
   window::SetText(frmPrincipal::lblNombreAplicacion, AppDisplayName);
   window::SetText(frmPrincipal::lblMensaje, DownloadingStatus);
   const std::string failure = DownloadFiles();
@@ -81,6 +88,16 @@ std::string RunPhases() {
   window::SetText(frmPrincipal::lblMensaje, InstallingStatus);
   window::SetEnabled(frmPrincipal::btCancelar, false);
   return RunActions();
+}
+
+/// Returns "" when both phases went well, or the failure message to show.
+std::string RunPhases() {
+  try {
+    return RunBothPhases();
+  } catch (const std::exception&) {
+    FreeMemory();
+    return std::string(WriteFailure);
+  }
 }
 
 void RunSequence() {
@@ -108,9 +125,8 @@ void CheckForUpdate() {
   try {
     RunSequence();
   } catch (const std::exception&) {
-    // Memory ran out, and only the script can ask for that much.
-    ResetScript();
-    ResetActionTable();
+    // Memory ran out, and before the phases only the script can ask for that much.
+    FreeMemory();
     FailWithMessage(ScriptNotUnderstood);
   }
 }

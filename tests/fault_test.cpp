@@ -220,18 +220,28 @@ TEST_F(Faults, AMissingUpdaterIsToldBeforeAScriptThatOnlyItUnderstands) {
   EXPECT_EQ(Update(server.Url("/info.txt")), modPrincipal::UpdaterNotAvailable);
 }
 
-TEST_F(Faults, RunningOutOfMemoryIsAFailedDownload) {
+TEST_F(Faults, RunningOutOfMemoryIsTheFailureOfWhatAskedForIt) {
+  using namespace modPrincipal;
   Prepare();
   std::string lines;
   for (int i = 0; i < 150'000; ++i) lines += "x\n";
   std::string name = "1.0.3|x\nNAME";  // put together at the cost of twice its length
   for (int i = 0; i < 5; ++i) name += '|' + std::string(104'000, 'x');
   name += "\nVERSION|<|3.0.0\nDELETE|" + sandbox->Path("e");
-  for (const auto& script : {std::string(3'000'000, 'x'), lines, name}) {
+  // The path is put together with ".tmp".
+  const std::string path =
+      "1.0.3|x\nNAME|x\nVERSION|<|3.0.0\nADD|" + std::string(390'000, 'x') + "|" + server.Url("/a");
+  const std::pair<std::string, std::string_view> cases[] = {
+      {std::string(3'000'000, 'x'), ScriptNotUnderstood},
+      {lines, ScriptNotUnderstood},
+      {name, ScriptNotUnderstood},
+      {path, WriteFailure},
+  };
+  for (const auto& [script, message] : cases) {
     server.Serve(UpdateStory::Script, {script});
     const std::string url = Script();
-    faulty_files::largestAllocation = 800'000;
-    EXPECT_EQ(Update(url), modPrincipal::ScriptNotUnderstood);
+    faulty_files::largestAllocation = 700'000;
+    EXPECT_EQ(Update(url), message) << script.substr(0, 50);
     faulty_files::largestAllocation = SIZE_MAX;
   }
   EXPECT_EQ(sandbox->Tree(), story.Before);

@@ -70,8 +70,37 @@ TEST_F(Install, FilesAreReadAndWrittenWhole) {
   sandbox.Write("f", "old");
   if (const auto lock = faults::Lock(sandbox.Path("f"))) {
     EXPECT_FALSE(FileWriteAll(sandbox.Path("f"), "new"));
-    EXPECT_FALSE(FileRename(sandbox.Path("f"), sandbox.Path("g")));
     EXPECT_EQ(FileReadAll(sandbox.Path("f")), "");
+  }
+}
+
+TEST_F(Install, WaitsForOtherProgramsToLetGoOfAFile) {
+  const struct {
+    std::string row;
+    std::string held;
+    bool shared;
+    bool forGood;
+    std::string left;
+  } cases[] = {
+      {"UPDATE", "a", false, false, "new"},     {"UPDATE", "a", true, false, "new"},
+      {"UPDATE", "a.tmp", false, false, "new"}, {"ADD", "a", false, false, "new"},
+      {"ADD", "a.tmp", false, false, "new"},    {"UPDATE", "a", true, true, "old"},
+      {"UPDATE", "a.tmp", false, true, "old"},  {"ADD", "a.tmp", false, true, "old"},
+  };
+  for (const auto& [row, held, shared, forGood, left] : cases) {
+    SCOPED_TRACE(row + " with " + held);
+    sandbox.Fill({{"a", "old"}, {"a.tmp", "new"}, {"a.bak", "older"}});
+    auto lock = faults::Lock(sandbox.Path(held), shared);
+    if (!lock) GTEST_SKIP() << "no program stands in the way of another on this system";
+    std::jthread other([&] {
+      if (forGood) return;
+      std::this_thread::sleep_for(std::chrono::milliseconds(300));
+      lock.reset();
+    });
+    EXPECT_EQ(CarryOut(row + "|@a|"), forGood ? WriteFailure : "");
+    other.join();
+    lock.reset();
+    EXPECT_EQ(sandbox.Read("a"), left);
   }
 }
 
@@ -147,8 +176,12 @@ TEST_F(Install, OnlyRowsPutFilesInPlace) {
   EXPECT_EQ(sandbox.Read("a"), "old");
   EXPECT_EQ(CarryOut("UPDATE|@a|\nDELETE|@b\nDELETE|@b"), "");
   EXPECT_EQ(sandbox.Tree(), (Tree{{"a", "new"}}));
-  EXPECT_EQ(state.refreshes[frmPrincipal::picTotal], 3);
-  EXPECT_EQ(state.drawn[frmPrincipal::picTotal].size(), 33U);
+  sandbox.Fill({{"a.bak", "older"}, {".h.tmp", "new"}});
+  (void)faults::Hide(sandbox.Path(".h.tmp"));
+  EXPECT_EQ(CarryOut("UPDATE|@.h|\nADD|@a|"), WriteFailure) << "nothing was downloaded for a";
+  EXPECT_EQ(sandbox.Tree(), (Tree{{"a", "new"}, {"a.bak", "older"}, {".h", "new"}}));
+  EXPECT_EQ(state.refreshes[frmPrincipal::picTotal], 4);
+  EXPECT_EQ(state.drawn[frmPrincipal::picTotal].size(), 17U);
 }
 
 TEST_F(Install, UnknownStylesKeepTheLastOneOfThePhase) {

@@ -57,6 +57,16 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
             (Texts{"HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1",
                    "HEAD /updater HTTP/1.0", "HEAD /updater HTTP/1.0", "GET /updater HTTP/1.1",
                    "HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1"}));
+
+  // What a header calls newer and is this very program, or something else altogether, is given up.
+  for (const auto& program : {newer, std::string("an error")}) {
+    server.Serve("/updater", {program});
+    server.ServeHead("/updater", {newer});
+    ServeScript("DELETE|$AppPath\\old.txt", "999.0.0|" + server.Url("/updater"));
+    EXPECT_TRUE(RunsSilently());
+    EXPECT_EQ(Files(newer), (Tree{{"kt-app.exe.log", "launched\n"}}));
+    EXPECT_EQ(server.TakeRequests().size(), 5U);
+  }
 }
 
 TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "platform/pace.h"
 #include "platform/text.h"
 #include "run/command_line.h"
 #include "run/progress_bar.h"
@@ -55,6 +56,19 @@ TEST(RelaunchParameters, CarryWhatIsSet) {
   ShowSuccessScreen = "NO";
   AppTitle = "kestrane";
   EXPECT_TRUE(RelaunchParameters().ends_with(R"(" "NO" "kestrane" "l.ico")"));
+
+  const std::vector<std::string> odd = {R"(C:\Ledger\)", R"(")", R"(\\)", R"(a\" \"b ")",
+                                        R"("x\)",        "b ",   R"(\"\)"};
+  AppVersion = odd[0];
+  AppDiskPath = odd[1];
+  UpdateInfoUrl = odd[2];
+  LaunchOnFinish = odd[3];
+  ShowSuccessScreen = odd[4];
+  AppTitle = odd[5];
+  AppIconFile = odd[6];
+  auto read = modFunciones::SplitArguments("own", RelaunchParameters());
+  read.erase(read.begin());
+  EXPECT_EQ(read, odd);
 }
 
 TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
@@ -91,6 +105,16 @@ TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
     const double bottom = 255 - pixel * (flat ? 4 : 6);
     EXPECT_EQ(drawn.front(), (Rectangle{pixel, pixel, 7 * pixel, bottom}));
     EXPECT_EQ(drawn.back(), (Rectangle{lastLeft, pixel, lastLeft + 6 * pixel, bottom}));
+  }
+}
+
+TEST(Pace, LooksAtTheWindowAsOftenAsAUserCanTell) {
+  platform::Pace pace;
+  for (const std::uint32_t now : {1000U, UINT32_MAX - 5}) {
+    pace.Displayed(now);
+    pace.EventsHandled(now);
+    EXPECT_FALSE(pace.FrameIsOver(now + 29) || pace.EventsAreDue(now + 9));
+    EXPECT_TRUE(pace.FrameIsOver(now + 30) && pace.EventsAreDue(now + 10));
   }
 }
 

@@ -268,17 +268,17 @@ void SetVisible(int control, bool visible) {
 void SetEnabled(int control, bool enabled) {
   DisplayWhatWaits();
   Fl_Widget& widget = *At(control).widget;
+  const bool isButton = At(control).layout.kind == ControlKind::Button;
+  if (isButton) displayMayWait = enabled;
   if (!enabled) {
     // The release of a button that is held down would not come any more.
-    if (At(control).layout.kind == ControlKind::Button) static_cast<Fl_Button&>(widget).value(0);
-    widget.deactivate();
-  } else {
-    // What was pressed while the control was disabled must not reach it when it is enabled.
-    if (!IsEnabled(control)) HandleEvents();
-    widget.activate();
-    Button()->take_focus();
+    if (isButton) static_cast<Fl_Button&>(widget).value(0);
+    return widget.deactivate();
   }
-  displayMayWait = Button()->active() != 0;
+  // What was pressed while the control was disabled must not reach it when it is enabled.
+  if (!IsEnabled(control)) HandleEvents();
+  widget.activate();
+  Button()->take_focus();
 }
 
 bool IsEnabled(int control) { return At(control).widget->active() != 0; }

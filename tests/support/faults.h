@@ -10,9 +10,9 @@ namespace faults {
 /// Makes a file a hidden one and returns its path.
 std::string Hide(const std::string& path);
 
-/// Keeps a file from being read, deleted or replaced, as another program that has it open would.
-/// Linux: null, since no program does.
-[[nodiscard]] std::shared_ptr<void> Lock(const std::string& path);
+/// Has a file open, as another program would that shares it with nobody, or with everybody.
+/// Linux: null, since no program stands in the way of another.
+[[nodiscard]] std::shared_ptr<void> Lock(const std::string& path, bool shares = false);
 
 /// What this process holds; the numbers stay as they are while nothing is kept, but for those of
 /// graphics objects and memory, which waver. Linux: handles are file descriptors, and there are no

@@ -13,7 +13,7 @@ std::string Hide(const std::string& path) {
   return path;  // its name starts with a dot
 }
 
-std::shared_ptr<void> Lock(const std::string& /*path*/) { return nullptr; }
+std::shared_ptr<void> Lock(const std::string& /*path*/, bool /*shares*/) { return nullptr; }
 
 Resources ResourcesInUse() {
   const auto entries = [](const char* folder) {

@@ -14,8 +14,9 @@ std::string Hide(const std::string& path) {
   return path;
 }
 
-std::shared_ptr<void> Lock(const std::string& path) {
-  return {CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr),
+std::shared_ptr<void> Lock(const std::string& path, bool shares) {
+  const DWORD sharing = shares ? FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE : 0;
+  return {CreateFileA(path.c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING, 0, nullptr),
           CloseHandle};
 }
 

@@ -54,6 +54,9 @@ class Program : public testing::Test {
   }
   /// A whole run without a final screen.
   [[nodiscard]] bool RunsSilently() {
+    const auto log = sandbox.Folder("kt-app.exe.log");
+    std::error_code inUse;
+    EXPECT_TRUE(Eventually([&] { return !std::filesystem::remove(log, inUse) && !inUse; }));
     Start({sandbox.Path("kt-app.exe"), "no"});
     return Ends() && Launches();
   }

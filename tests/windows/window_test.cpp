@@ -60,6 +60,15 @@ std::string Place(Control control) {
          std::to_string(area.right - area.left) + "," + std::to_string(area.bottom - area.top);
 }
 
+/// The colour on the screen where the first segment of a bar is.
+COLORREF FirstSegment(Control picture) {
+  POINT place = {4, 4};
+  ClientToScreen(At(picture), &place);
+  const std::shared_ptr<void> screen(
+      GetDC(nullptr), [](void* context) { ReleaseDC(nullptr, static_cast<HDC>(context)); });
+  return GetPixel(static_cast<HDC>(screen.get()), place.x, place.y);
+}
+
 /// The open message box that the window owns, or null.
 HWND Box() {
   for (HWND box = nullptr; (box = FindWindowExW(nullptr, box, L"#32770", nullptr)) != nullptr;) {
@@ -97,7 +106,7 @@ class ProgramWindow : public Program {
     server.Serve("/f", {.body = body, .stalls = true});
     ServeScript("ADD|$AppPath\\f|" + server.Url("/f"));
     Start(further);
-    ASSERT_TRUE(WaitForText(lblFileProgreso, "3 KB/9 KB"));
+    ASSERT_TRUE(WaitForText(lblFileProgreso, "4 KB/9 KB"));
   }
 
   /// A value below the current user's key for as long as the object lives.
@@ -160,6 +169,24 @@ TEST_F(ProgramWindow, KeepsToItsLayout) {
   }
 }
 
+TEST_F(ProgramWindow, PaintsWhatItIsDoingBeforeItStandsStill) {
+  server.Serve("/f", {.body = body});
+  ServeScript("ADD|$AppPath\\f|" + server.Url("/f") + "\nSLEEP|2500\nDELETE|$AppPath\\x");
+  for (const DWORD dotsPerInch : {96U, 120U}) {
+    const auto value = RegistryValue("Control Panel\\Desktop", "LogPixels", REG_DWORD, &dotsPerInch,
+                                     sizeof dotsPerInch);
+    sandbox.Write("x", "");
+    Start();
+    ASSERT_TRUE(WaitForText(lblMensaje, modPrincipal::InstallingStatus));
+    EXPECT_TRUE(Eventually([] {
+      return FirstSegment(picTotal) == GetSysColor(COLOR_HIGHLIGHT) &&
+             FirstSegment(picFile) == GetSysColor(COLOR_WINDOW);
+    })) << dotsPerInch;
+    EXPECT_TRUE(sandbox.Has("x")) << "later than the row that blocks";
+    Kill();
+  }
+}
+
 TEST_F(ProgramWindow, LaunchesTheApplicationUnlessTheUpdateFailed) {
   ServeScript("MSG|x\n");
   Start({sandbox.Path("kt-app.exe"), "yes"});
@@ -186,8 +213,9 @@ TEST_F(ProgramWindow, TellsWhatIsMissing) {
 
 TEST_F(ProgramWindow, IsCancelledOnlyWhenTheUserMeansIt) {
   StartAndStall({sandbox.Path("none"), "yes", "Libro"});
+  EXPECT_NE(SendMessageW(Window(), WM_QUERYENDSESSION, 0, 0), 0);
   EXPECT_EQ(Text(lblMensaje), modPrincipal::DownloadingStatus);
-  EXPECT_TRUE(WaitForText(lblTotalProgreso, "3 KB/9 KB"));
+  EXPECT_TRUE(WaitForText(lblTotalProgreso, "4 KB/9 KB"));
   EXPECT_EQ(Text(lblFile), modPrincipal::FileCaption);
   EXPECT_EQ(Text(lblTotal), modPrincipal::TotalCaption);
   Click(btCancelar);
@@ -214,7 +242,7 @@ TEST_F(ProgramWindow, LeavesWhatIsThereWhenItIsCancelled) {
   EXPECT_EQ(BoxText(), "|¿Desea cancelar la instalación de la actualización?"_ansi);
   AnswerBox(IDYES);
   EXPECT_TRUE(Ends());
-  EXPECT_EQ(Files(), (Tree{{"f", "old"}, {"f.tmp", Shown(body.substr(0, 3072))}}));
+  EXPECT_EQ(Files(), (Tree{{"f", "old"}, {"f.tmp", Shown(body.substr(0, 4500))}}));
 }
 
 TEST_F(ProgramWindow, CannotBeCancelledWhileItInstalls) {
@@ -227,6 +255,7 @@ TEST_F(ProgramWindow, CannotBeCancelledWhileItInstalls) {
   DWORD_PTR ignored = 0;
   EXPECT_NE(SendMessageTimeoutW(Window(), WM_NULL, 0, 0, SMTO_NORMAL, 5000, &ignored), 0)
       << "the window answers while the program is waited for";
+  EXPECT_EQ(SendMessageW(Window(), WM_QUERYENDSESSION, 0, 0), 0) << "nor by logging off";
   EXPECT_EQ(Box(), nullptr);
   EXPECT_FALSE(HasEnded());
   sandbox.Write("up.end", "");
@@ -282,9 +311,6 @@ TEST_F(ProgramWindow, StartsOnEverySystemFromXpOn) {
     const auto value = RegistryValue("Software\\Wine\\AppDefaults\\Kestrane.exe", "Version", REG_SZ,
                                      version.c_str(), static_cast<DWORD>(version.size() + 1));
     EXPECT_TRUE(RunsSilently()) << version;
-    std::error_code inUse;
-    EXPECT_TRUE(Eventually(
-        [&] { return std::filesystem::remove(sandbox.Folder("kt-app.exe.log"), inUse); }));
   }
 }
 
