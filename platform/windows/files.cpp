@@ -10,7 +10,8 @@ constexpr DWORD NotPlain = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FI
 File Open(const std::string& path, DWORD access, DWORD disposition) {
   const HANDLE file = CreateFileA(path.c_str(), access, FILE_SHARE_READ, nullptr, disposition,
                                   FILE_ATTRIBUTE_NORMAL, nullptr);
-  return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
+  if (file == INVALID_HANDLE_VALUE) return nullptr;
+  return File(file);
 }
 
 DWORD AttributesOf(const std::string& path) { return GetFileAttributesA(path.c_str()); }
