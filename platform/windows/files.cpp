@@ -6,7 +6,6 @@ namespace platform::files {
 namespace {
 
 constexpr DWORD NotPlain = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-
 constexpr DWORD Refused = NotPlain | FILE_ATTRIBUTE_READONLY;  // for good, by some calls
 constexpr DWORD ShareWithAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
@@ -24,7 +23,8 @@ bool HasAttributes(const std::string& path, DWORD wanted) {
 File Open(const std::string& path, DWORD access, DWORD sharing, DWORD disposition, DWORD flags) {
   const HANDLE file =
       CreateFileA(path.c_str(), access, sharing, nullptr, disposition, flags, nullptr);
-  return File(file == INVALID_HANDLE_VALUE ? nullptr : file);
+  if (file == INVALID_HANDLE_VALUE) return nullptr;
+  return File(file);
 }
 
 /// A file that is deleted keeps its name until the last program that has it open closes it.

@@ -23,6 +23,7 @@ using windows::RunInBackground;
 /// The functions of the system's HTTP library, under their own names.
 struct WinInet {
   HMODULE library = windows::LoadSystemLibrary("wininet.dll");
+// NOLINTNEXTLINE(bugprone-macro-parentheses): the name that a member is declared with takes none
 #define WININET_FUNCTION(name) decltype(&::name) name = FunctionOf<decltype(::name)>(library, #name)
   WININET_FUNCTION(InternetOpenA);
   WININET_FUNCTION(InternetConnectA);
@@ -217,7 +218,7 @@ bool IsSecure(const Handle& request) { return AnsweredSecurely(request.get()); }
 
 bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                std::int32_t& length) {
-  DWORD size = static_cast<DWORD>(length);
+  auto size = static_cast<DWORD>(length);
   const bool found =
       Library().HttpQueryInfoA(request.get(), infoLevel, buffer.data(), &size, nullptr) != FALSE;
   length = static_cast<std::int32_t>(size);

@@ -11,7 +11,7 @@ constexpr DWORD SystemFolderOnly = 0x800;  // LOAD_LIBRARY_SEARCH_SYSTEM32
 /// Libraries that the system's own ones load later come from the system folder as well. A system
 /// that cannot be told so (XP, and Vista and 7 without their updates) leaves at least the current
 /// folder out.
-bool SearchSystemFolderOnly() {
+bool SearchSystemFolderOnly() noexcept {
   const auto setFolders =
       FunctionOf<SetDefaultFolders>(GetModuleHandleA("kernel32.dll"), "SetDefaultDllDirectories");
   if (setFolders != nullptr && setFolders(SystemFolderOnly) != FALSE) return true;

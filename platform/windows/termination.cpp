@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): names of the runtime's own
 namespace __gnu_cxx {
 
 [[noreturn]] void __verbose_terminate_handler();
@@ -13,3 +14,4 @@ void __verbose_terminate_handler() {
 }
 
 }  // namespace __gnu_cxx
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)

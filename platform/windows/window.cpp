@@ -201,11 +201,12 @@ SystemControl SystemControlOf(ControlKind kind) {
 
 void CreateControl(const ControlLayout& layout) {
   const SystemControl control = SystemControlOf(layout.kind);
-  const auto id = static_cast<INT_PTR>(FirstControlId + controls.size());
-  const HWND handle = CreateWindowExW(
-      control.extendedStyle, control.className, L"", WS_CHILD | WS_VISIBLE | control.style,
-      PixelsX(layout.left), PixelsY(layout.top), PixelsX(layout.width), PixelsY(layout.height),
-      mainWindow, reinterpret_cast<HMENU>(id), Instance(), nullptr);
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the system takes the id in the place of a menu
+  const auto id = reinterpret_cast<HMENU>(FirstControlId + controls.size());
+  const HWND handle = CreateWindowExW(control.extendedStyle, control.className, L"",
+                                      WS_CHILD | WS_VISIBLE | control.style, PixelsX(layout.left),
+                                      PixelsY(layout.top), PixelsX(layout.width),
+                                      PixelsY(layout.height), mainWindow, id, Instance(), nullptr);
   SendMessageW(handle, WM_SETFONT, reinterpret_cast<WPARAM>(fonts.front()), FALSE);
   if (layout.kind == ControlKind::ProgramIcon) {
     const HICON icon = BuiltInIcon(MulDiv(UnscaledIconSize, DotsPerInch(), UnscaledDotsPerInch));
@@ -277,7 +278,7 @@ void DisplaySoon(Control& control) {
   Paint();
 }
 
-void DispatchMessage(MSG& message) {
+void Dispatch(MSG& message) {
   if (IsDialogMessageW(mainWindow, &message) != FALSE) return;
   TranslateMessage(&message);
   DispatchMessageW(&message);
@@ -285,7 +286,7 @@ void DispatchMessage(MSG& message) {
 
 void HandleEvents() {
   MSG message;
-  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) DispatchMessage(message);
+  while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) Dispatch(message);
   pace.EventsHandled(GetTickCount());
 }
 
@@ -415,7 +416,7 @@ void ProcessPendingEventsInLoop() {
 void RunEventLoop() {
   MSG message;
   while (true) {
-    if (GetMessageW(&message, nullptr, 0, 0) > 0) DispatchMessage(message);
+    if (GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
   }
 }
 

@@ -1,5 +1,6 @@
-// The real window of the native program, of which only the size is looked at.
+// The real window of the native program, of which only the size is looked at, and its icon.
 
+#include "platform/linux/icon_file.h"
 #include "tests/support/program_fixture.h"
 
 namespace {
@@ -27,6 +28,15 @@ TEST_F(Program, EndsOnItsFinalScreenWhenADownloadBreaks) {
   (void)AskWindow(title, "windowfocus key Return");  // "Finalizar"
   EXPECT_TRUE(Ends());
   EXPECT_EQ(Files(), (Tree{{"a.exe", "old"}, {"a.exe.tmp", "longer"}}));
+}
+
+TEST(BuiltInIcon, HasBitmapsBesideItsLargestPicture) {
+  for (const auto& [asked, found] : {std::pair{16, 16}, {32, 32}, {48, 48}, {64, 48}, {256, 48}}) {
+    const auto icon =
+        platform::linux_layer::ReadIcon(platform::linux_layer::BuiltInIconFile(), asked);
+    ASSERT_TRUE(icon) << asked;
+    EXPECT_EQ(icon->w(), found);
+  }
 }
 
 }  // namespace
