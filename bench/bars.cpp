@@ -15,7 +15,7 @@ namespace {
 
 void DrawBars(int count) {
   for (int i = 1; i <= count; ++i) {
-    platform::window::ProcessPendingEvents();
+    platform::window::ProcessPendingEventsInLoop();
     modFunciones::DrawProgressBar(frmPrincipal::picTotal,
                                   static_cast<float>(i) / static_cast<float>(count));
   }

@@ -44,6 +44,7 @@ bool WaitForEnd(const Worker&, std::uint32_t) { return false; }
 namespace platform::files {
 std::vector<std::string> Find(const std::string&) { return {}; }
 bool IsFile(const std::string& path) { return path == machine.onlyFile; }
+bool CanBeRenamed(const std::string&) { return false; }
 bool Delete(const std::string&) { return false; }
 bool Rename(const std::string&, const std::string&) { return false; }
 bool FolderExists(const std::string& path) { return machine.folders.contains(path); }

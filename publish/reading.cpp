@@ -32,6 +32,7 @@ std::string RunAction(std::string_view /*command*/, const std::string& arg1,
 namespace platform::window {
 
 void ProcessPendingEvents() { publish::ShowProgress(modPrincipal::ActionCommand.size()); }
+void ProcessPendingEventsInLoop() { ProcessPendingEvents(); }
 
 }  // namespace platform::window
 
