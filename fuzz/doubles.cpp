@@ -35,6 +35,7 @@ namespace platform::components {
 void FreeComponent::operator()(void*) const {}
 void CloseWorker::operator()(void*) const {}
 Library Load(const std::string&) { return {}; }
+void LeaveBehind(Library) {}
 EntryPoint FindEntryPoint(const Library&, const std::string&) { return {}; }
 Worker StartWorker(EntryPoint) { return {}; }
 bool WaitForEnd(const Worker&, std::uint32_t) { return false; }
@@ -90,6 +91,7 @@ void CloseSystemHandle::operator()(void*) const {}
 Snapshot TakeSnapshot(std::uint32_t) { return Snapshot(&object); }
 bool FirstEntry(const Snapshot&, Entry&) { return false; }
 bool NextEntry(const Snapshot&, Entry&) { return false; }
+std::uint32_t OwnId() { return 0; }
 std::int32_t SystemVersion() { return 0; }
 Token OpenOwnToken(std::uint32_t) { return {}; }
 std::optional<PrivilegeId> LookUpPrivilege(const std::string&) { return {}; }
@@ -98,7 +100,7 @@ Process Open(std::uint32_t, std::uint32_t) { return {}; }
 bool Terminate(const Process&, std::uint32_t) { return false; }
 bool ExitCode(const Process&, std::uint32_t&) { return false; }
 bool HasEnded(const Process&) { return true; }
-std::optional<StartedProgram> Start(const std::string&, int) { return StartedProgram{}; }
+Process Start(const std::string&, int) { return {}; }
 void Sleep(std::uint32_t) {}
 }  // namespace platform::processes
 

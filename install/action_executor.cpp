@@ -1,5 +1,6 @@
 #include "install/action_executor.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -83,7 +84,7 @@ void Execute(const Action& action, std::uint32_t windowStyle) {
   if (waitWord != "WAIT" && waitWord != "NOWAIT") return;
   const auto program = platform::processes::Start(modFunciones::QuoteProgram(action.arg1),
                                                   static_cast<int>(windowStyle));
-  if (program && waitWord == "WAIT") modFunciones::WaitForProcess(program->id);
+  if (program && waitWord == "WAIT") modFunciones::WaitForProcess(program);
 }
 
 void Pause(const std::string& milliseconds) {
@@ -149,6 +150,29 @@ std::string RunAction(std::string_view command, const std::string& arg1, const s
 }  // namespace modPrincipal
 
 namespace modFunciones {
+namespace {
+
+/// Whether a path is taken as it is written. Windows cuts dots and blanks off the ends of its names
+/// and takes ".." away with the name before it, before it looks whether there is such a folder.
+bool IsTakenAsWritten(const std::string& path) {
+  for (std::size_t start = 0, end = 0; end < path.size(); start = end + 1) {
+    end = std::min(path.find_first_of("\\/", start), path.size());
+    const std::string name = path.substr(start, end - start);
+    if (name == ".." && start > 0 && !platform::files::FolderExists(path.substr(0, start))) {
+      return false;
+    }
+    const bool isStep = (name == "." || name == "..") && end < path.size();
+    if (!isStep && (name.ends_with('.') || name.ends_with(' '))) return false;
+  }
+  return true;
+}
+
+bool IsProgram(const std::string& path) {
+  return IsTakenAsWritten(path) &&
+         (platform::files::IsFile(path) || platform::files::IsFile(path + ".exe"));
+}
+
+}  // namespace
 
 std::string QuoteProgram(const std::string& commandLine) {
   constexpr const char* Blanks = " \t";
@@ -156,9 +180,7 @@ std::string QuoteProgram(const std::string& commandLine) {
   auto last = commandLine.find_last_not_of(Blanks);
   while (last != std::string::npos) {
     const std::string program = commandLine.substr(0, last + 1);
-    if (platform::files::IsFile(program) || platform::files::IsFile(program + ".exe")) {
-      return '"' + program + '"' + commandLine.substr(last + 1);
-    }
+    if (IsProgram(program)) return '"' + program + '"' + commandLine.substr(last + 1);
     const auto blank = commandLine.find_last_of(Blanks, last);
     last = blank == std::string::npos ? blank : commandLine.find_last_not_of(Blanks, blank);
   }

@@ -1,5 +1,7 @@
 #include "install/component_registration.h"
 
+#include <utility>
+
 #include "install/file_helpers.h"
 #include "platform/components.h"
 #include "platform/window.h"
@@ -37,8 +39,7 @@ bool RegisterOcxDll(const std::string& path, std::int32_t mode) {
   const components::Worker worker = components::StartWorker(entryPoint);
   if (!worker) return false;
   const bool ended = components::WaitForEnd(worker, TimeLimit);
-  // A worker that is still running needs its library: both are left alone.
-  if (!ended) (void)library.release();
+  if (!ended) components::LeaveBehind(std::move(library));
   return ended;
 }
 

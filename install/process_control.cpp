@@ -31,6 +31,7 @@ bool KillApp(std::string_view name) {
   processes::Entry entry;
   for (bool more = snapshot && processes::FirstEntry(snapshot, entry); more;
        more = processes::NextEntry(snapshot, entry)) {
+    if (entry.id == processes::OwnId()) continue;
     if (platform::text::LowerCase(entry.fileName).ends_with(ending)) {
       matched = true;
       (void)KillProcess(entry.id, 0);  // one that cannot be ended is passed over
@@ -64,14 +65,12 @@ bool KillProcess(std::uint32_t id, std::uint32_t exitCode) {
 namespace modFunciones {
 namespace {
 
-constexpr std::uint32_t AccessForWaiting = 0x100400;  // PROCESS_QUERY_INFORMATION | SYNCHRONIZE
-constexpr std::uint32_t StillActive = 259;            // STILL_ACTIVE
-constexpr std::uint32_t PollInterval = 100;           // milliseconds
+constexpr std::uint32_t StillActive = 259;   // STILL_ACTIVE
+constexpr std::uint32_t PollInterval = 100;  // milliseconds
 
 }  // namespace
 
-void WaitForProcess(std::uint32_t id) {
-  const processes::Process process = processes::Open(AccessForWaiting, id);
+void WaitForProcess(const processes::Process& process) {
   std::uint32_t exitCode = 0;
   bool running = true;
   do {

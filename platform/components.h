@@ -24,12 +24,18 @@ using Worker = std::unique_ptr<void, CloseWorker>;
 /// object.
 using EntryPoint = void*;
 
+/// Windows: until it is freed or left behind, the folders of the component, of the program and of
+/// PATH are searched for libraries as well as the system's. Fails after 10 seconds when a component
+/// that was left behind keeps libraries from being loaded.
 [[nodiscard]] Library Load(const std::string& path);
+
+/// Keeps the library loaded for good, for a worker that still runs in it.
+void LeaveBehind(Library library);
 
 /// Null when the library has no such entry.
 [[nodiscard]] EntryPoint FindEntryPoint(const Library& library, const std::string& name);
 
-/// Starts a thread that runs the entry point once.
+/// Starts a thread that runs the entry point once. Windows: with COM prepared.
 [[nodiscard]] Worker StartWorker(EntryPoint entryPoint);
 
 /// Blocks until the worker has ended, at most for that long; true when it has ended.

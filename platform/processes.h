@@ -30,6 +30,9 @@ struct Entry {
 [[nodiscard]] bool FirstEntry(const Snapshot& snapshot, Entry& entry);
 [[nodiscard]] bool NextEntry(const Snapshot& snapshot, Entry& entry);
 
+/// Id of this process.
+[[nodiscard]] std::uint32_t OwnId();
+
 /// GetVersion as a signed number: negative on systems that are not of the NT family. Linux: 10.
 [[nodiscard]] std::int32_t SystemVersion();
 
@@ -59,16 +62,12 @@ using PrivilegeId = std::uint64_t;
 /// (SYNCHRONIZE).
 [[nodiscard]] bool HasEnded(const Process& process);
 
-/// A program that was started. Its id is not given to another process while this object lives.
-struct StartedProgram {
-  Process process;
-  std::uint32_t id = 0;
-};
-
 /// Starts a program with its parameters; showValue is a SW_ value of ShowWindow.
+/// Windows: one that needs more rights is started through the shell, and the system asks the user,
+/// whose refusal is a failure.
 /// Linux: showValue is not obeyed; a bare name is looked for in the own folder, the working folder
 /// and PATH; "\" stays as it is in parameters.
-[[nodiscard]] std::optional<StartedProgram> Start(const std::string& commandLine, int showValue);
+[[nodiscard]] Process Start(const std::string& commandLine, int showValue);
 
 /// Blocks the thread.
 void Sleep(std::uint32_t milliseconds);

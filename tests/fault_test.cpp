@@ -57,8 +57,8 @@ TEST_F(Faults, DeathAnywhereLosesNothingAndTheNextRunCompletesTheUpdate) {
                                                       std::to_string(++deaths),
                                                   1);
     ASSERT_TRUE(child);
-    ASSERT_TRUE(Eventually([&] { return platform::processes::HasEnded(child->process); }));
-    ASSERT_TRUE(platform::processes::ExitCode(child->process, exitCode));
+    ASSERT_TRUE(Eventually([&] { return platform::processes::HasEnded(child); }));
+    ASSERT_TRUE(platform::processes::ExitCode(child, exitCode));
     SCOPED_TRACE("operation " + std::to_string(deaths));
     EXPECT_TRUE(exitCode == 0 || exitCode == faulty_files::Died) << exitCode;
     const Tree left = sandbox->Tree();

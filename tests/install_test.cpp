@@ -11,6 +11,7 @@
 #include "install/process_control.h"
 #include "platform/processes.h"
 #include "platform/system.h"
+#include "run/launch.h"
 #include "run/messages.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
@@ -48,13 +49,22 @@ class Install : public testing::Test {
   }
 
   /// Starts a helper that stays, and returns once it is up.
-  platform::processes::StartedProgram StartHelper(const std::string& name) const {
+  platform::processes::Process StartHelper(const std::string& name) const {
     const std::string sign = sandbox.Path(name + ".up");
     sandbox.Write(name, FileReadAll(ownFolder + "\\helper.exe"));
     auto started =
         platform::processes::Start(QuoteProgram(sandbox.Path(name)) + " stay \"" + sign + "\"", 0);
     EXPECT_TRUE(Eventually([&] { return !FileReadAll(sign).empty(); }));
-    return std::move(*started);
+    return started;
+  }
+
+  static std::uint32_t IdOf(const std::string& name) {
+    const auto snapshot = platform::processes::TakeSnapshot(2);
+    platform::processes::Entry entry;
+    for (bool more = FirstEntry(snapshot, entry); more && entry.fileName != name;
+         more = NextEntry(snapshot, entry)) {
+    }
+    return entry.id;
   }
 
   Sandbox sandbox;
@@ -132,13 +142,13 @@ TEST_F(Install, ProcessesAreEndedByTheEndOfTheirName) {
   EXPECT_FALSE(modKillApp::KillApp("kt-nobody.exe"));
   EXPECT_FALSE(modKillApp::KillApp(""));
   EXPECT_TRUE(modKillApp::KillApp("PAD.exe"));
-  EXPECT_TRUE(platform::processes::HasEnded(first.process));
-  EXPECT_TRUE(platform::processes::HasEnded(second.process));
-  EXPECT_FALSE(platform::processes::HasEnded(other.process));
+  EXPECT_TRUE(platform::processes::HasEnded(first));
+  EXPECT_TRUE(platform::processes::HasEnded(second));
+  EXPECT_FALSE(platform::processes::HasEnded(other));
   EXPECT_TRUE(FileWriteAll(sandbox.Path("kt-pad.exe"), "replaced"));
-  EXPECT_TRUE(modKillApp::KillProcess(other.id, 7));
+  EXPECT_TRUE(modKillApp::KillProcess(IdOf("kt-pad.exe-ding.exe"), 7));
   std::uint32_t exitCode = 0;
-  EXPECT_TRUE(platform::processes::ExitCode(other.process, exitCode));
+  EXPECT_TRUE(platform::processes::ExitCode(other, exitCode));
   EXPECT_TRUE(exitCode == 7 || exitCode == 128 + 9) << exitCode;  // the signal, on Linux
   EXPECT_FALSE(modKillApp::KillProcess(0, 0));
 }
@@ -156,6 +166,11 @@ TEST_F(Install, ComponentsAreLeftBehindWhenTheyHang) {
   EXPECT_FALSE(RegisterOcxDll(slow, 0));
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(9'900));
   EXPECT_EQ(state.history, (Texts{"hourglass", "arrow", "hourglass", "arrow"}));
+  // It keeps others from loading libraries, for 15 seconds in all.
+  sandbox.Write("app.exe", FileReadAll(ownFolder + "\\helper.exe"));
+  EXPECT_GT(LaunchFile(sandbox.Path("app.exe"), ""), 32);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(14'000));
+  EXPECT_TRUE(Eventually([&] { return sandbox.Has("app.exe.log"); }));
 }
 
 TEST_F(Install, AProgramWithBlanksInItsPathIsTheLongestFile) {
@@ -163,7 +178,11 @@ TEST_F(Install, AProgramWithBlanksInItsPathIsTheLongestFile) {
   sandbox.Fill({{"My Tool.exe", ""}, {"My.exe", "bait"}});
   const std::string withoutExtension = tool.substr(0, tool.size() - 4);
   EXPECT_EQ(QuoteProgram(tool), '"' + tool + '"');
-  EXPECT_EQ(QuoteProgram(tool + " /x y"), '"' + tool + "\" /x y");
+  sandbox.Write("data.txt", "");
+  for (const auto& parameters :
+       Texts{"/x y", ".", "a\\..\\data.txt", "a/../data.txt", "x\\.\\..\\..\\data.txt"}) {
+    EXPECT_EQ(QuoteProgram(tool + ' ' + parameters), '"' + tool + "\" " + parameters);
+  }
   EXPECT_EQ(QuoteProgram(withoutExtension + " /x"), '"' + withoutExtension + "\" /x");
   for (const auto& line : Texts{'"' + tool + "\" /x", "missing.exe /x", "notepad x", "", " "}) {
     EXPECT_EQ(QuoteProgram(line), line);

@@ -45,6 +45,8 @@ Library Load(const std::string& path) {
   return Library(failure ? nullptr : dlopen(absolute.c_str(), RTLD_NOW | RTLD_LOCAL));
 }
 
+void LeaveBehind(Library library) { (void)library.release(); }
+
 EntryPoint FindEntryPoint(const Library& library, const std::string& name) {
   return dlsym(library.get(), name.c_str());
 }

@@ -128,6 +128,8 @@ bool NextEntry(const Snapshot& snapshot, Entry& entry) {
   return true;
 }
 
+std::uint32_t OwnId() { return static_cast<std::uint32_t>(getpid()); }
+
 std::int32_t SystemVersion() { return NewestVersion; }
 
 Token OpenOwnToken(std::uint32_t /*access*/) { return Token(new SystemObject); }
@@ -166,23 +168,22 @@ bool ExitCode(const Process& process, std::uint32_t& exitCode) {
 
 bool HasEnded(const Process& process) { return EndsWithin(process, 0); }
 
-std::optional<StartedProgram> Start(const std::string& commandLine, int /*showValue*/) {
+Process Start(const std::string& commandLine, int /*showValue*/) {
   std::vector<std::string> elements = linux_layer::SplitCommandLine(commandLine);
-  if (elements.empty()) return std::nullopt;
+  if (elements.empty()) return nullptr;
   const std::string program = linux_layer::FindProgram(elements.front());
-  if (program.empty()) return std::nullopt;
+  if (program.empty()) return nullptr;
   elements.erase(elements.begin());
   const auto child = linux_layer::Spawn(program, elements, "");
-  if (!child) return std::nullopt;
+  if (!child) return nullptr;
 
-  const auto id = static_cast<std::uint32_t>(*child);
-  Process process = Open(0, id);
-  if (!process) {
+  Process process = Open(0, static_cast<std::uint32_t>(*child));
+  if (process) {
+    As<ProcessObject>(process.get()).child = *child;
+  } else {
     linux_layer::Abandon(*child);
-    return std::nullopt;
   }
-  As<ProcessObject>(process.get()).child = *child;
-  return StartedProgram{std::move(process), id};
+  return process;
 }
 
 void Sleep(std::uint32_t milliseconds) {

@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <string>
+#include <vector>
+
 namespace platform::windows {
 
 /// Loads a library of the operating system, such as "wininet.dll", by its full path in the system
@@ -14,5 +17,28 @@ template <typename Function>
 [[nodiscard]] Function* FunctionOf(HMODULE library, const char* name) {
   return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library, name)));
 }
+
+/// Whether the system's loader can be called, or becomes free within that time. A component that
+/// was left behind may hold its lock for ever; whoever then loads, frees or looks into a library
+/// waits with it.
+[[nodiscard]] bool LoaderIsFree(DWORD milliseconds);
+
+/// How long a user who opens something waits for the loader, in milliseconds.
+inline constexpr DWORD LongestOpening = 1000;
+
+/// As long as it lives, libraries are looked for in a component's folder, the program's and those
+/// of PATH as well as in the system folder. Its end does not need the loader.
+class WiderSearch {
+ public:
+  explicit WiderSearch(const std::string& componentFolder);
+  ~WiderSearch();
+  WiderSearch(const WiderSearch&) = delete;
+  WiderSearch& operator=(const WiderSearch&) = delete;
+
+ private:
+  using RemoveFolder = BOOL WINAPI(void*);
+  RemoveFolder* removeFolder = nullptr;  // null on systems that know one more folder only
+  std::vector<void*> added;
+};
 
 }  // namespace platform::windows

@@ -4,6 +4,8 @@
 
 #include <tlhelp32.h>
 
+#include "platform/windows/programs.h"
+
 namespace platform::processes {
 namespace {
 
@@ -38,6 +40,8 @@ bool FirstEntry(const Snapshot& snapshot, Entry& entry) {
 bool NextEntry(const Snapshot& snapshot, Entry& entry) {
   return TakeEntry(Process32Next, snapshot, entry);
 }
+
+std::uint32_t OwnId() { return GetCurrentProcessId(); }
 
 std::int32_t SystemVersion() { return static_cast<std::int32_t>(GetVersion()); }
 
@@ -84,19 +88,8 @@ bool HasEnded(const Process& process) {
   return WaitForSingleObject(process.get(), 0) == WAIT_OBJECT_0;
 }
 
-std::optional<StartedProgram> Start(const std::string& commandLine, int showValue) {
-  STARTUPINFOA startup = {};
-  startup.cb = sizeof startup;
-  startup.dwFlags = STARTF_USESHOWWINDOW;
-  startup.wShowWindow = static_cast<WORD>(showValue);
-  PROCESS_INFORMATION started;
-  std::string writableLine = commandLine;
-  if (CreateProcessA(nullptr, writableLine.data(), nullptr, nullptr, FALSE,
-                     CREATE_DEFAULT_ERROR_MODE, nullptr, nullptr, &startup, &started) == FALSE) {
-    return std::nullopt;
-  }
-  CloseHandle(started.hThread);
-  return StartedProgram{Process(started.hProcess), started.dwProcessId};
+Process Start(const std::string& commandLine, int showValue) {
+  return windows::StartProgram(commandLine, nullptr, showValue);
 }
 
 void Sleep(std::uint32_t milliseconds) { ::Sleep(milliseconds); }

@@ -2,13 +2,16 @@
 
 #include <windows.h>
 
-#include <objbase.h>
 #include <shellapi.h>
 
+#include "platform/text.h"
 #include "platform/windows/libraries.h"
+#include "platform/windows/programs.h"
 
 namespace platform::system {
 namespace {
+
+constexpr std::int32_t Opened = 33;
 
 std::string ExecutablePath() {
   std::string path(MAX_PATH, '\0');
@@ -70,13 +73,13 @@ std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder,
                            int showValue) {
   if (file.size() > MAX_PATH) return SE_ERR_FNF;  // a shell may not be made for more
+  if (text::LowerCase(file).ends_with(".exe") && !windows::LoaderIsFree(windows::LongestOpening)) {
+    const std::string commandLine = '"' + file + "\" " + parameters;
+    return windows::StartProgram(commandLine, folder.c_str(), showValue) ? Opened : SE_ERR_FNF;
+  }
   // Loaded here, at the end of a run, for the window to be on the screen the sooner.
-  const HMODULE com = windows::LoadSystemLibrary("ole32.dll");
-  const HMODULE shell = windows::LoadSystemLibrary("shell32.dll");
-  const auto initialize = windows::FunctionOf<decltype(CoInitializeEx)>(com, "CoInitializeEx");
-  const auto execute = windows::FunctionOf<decltype(ShellExecuteA)>(shell, "ShellExecuteA");
-  // Shortcuts and documents may be opened through COM.
-  initialize(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+  const auto execute =
+      windows::FunctionOf<decltype(ShellExecuteA)>(windows::LoadShell(), "ShellExecuteA");
   const HINSTANCE code = execute(GetDesktopWindow(), verb.c_str(), file.c_str(),
                                  NullWhenEmpty(parameters), folder.c_str(), showValue);
   return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(code));

@@ -395,7 +395,10 @@ void RefreshPictureBox(int control) {
 }
 
 void SetMousePointer(MousePointer pointer) {
-  SetCursor(LoadCursorW(nullptr, pointer == MousePointer::Hourglass ? IDC_WAIT : IDC_ARROW));
+  // Both at the first call: later a component may keep the system from loading anything.
+  static const HCURSOR hourglass = LoadCursorW(nullptr, IDC_WAIT);
+  static const HCURSOR arrow = LoadCursorW(nullptr, IDC_ARROW);
+  SetCursor(pointer == MousePointer::Hourglass ? hourglass : arrow);
 }
 
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title) {

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <optional>
 
 #include "platform/processes.h"
 #include "tests/support/loopback_server.h"
@@ -42,10 +41,10 @@ class Program : public testing::Test {
   }
   /// Ends the process, if it has not ended by itself.
   void Kill() {
-    if (run) (void)platform::processes::Terminate(run->process, 1);
+    if (run) (void)platform::processes::Terminate(run, 1);
     run.reset();
   }
-  [[nodiscard]] bool HasEnded() const { return platform::processes::HasEnded(run->process); }
+  [[nodiscard]] bool HasEnded() const { return platform::processes::HasEnded(run); }
   [[nodiscard]] bool Ends() const {
     return Eventually([this] { return HasEnded(); });
   }
@@ -83,5 +82,5 @@ class Program : public testing::Test {
   LoopbackServer server;
   Sandbox sandbox;
   std::string componentLog = "KESTRANE_TEST_LOG=" + sandbox.Path("component.log");
-  std::optional<platform::processes::StartedProgram> run;
+  platform::processes::Process run;
 };

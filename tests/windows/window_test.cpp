@@ -299,9 +299,16 @@ TEST_F(ProgramWindow, LoadsNoLibraryFromItsOwnFolder) {
   EXPECT_TRUE(RunsSilently());
   EXPECT_FALSE(sandbox.Has("component.log"));
 
-  ServeScript("REGISTER|$AppPath\\url.dll");
+  // A component may need its neighbours, those of the program and those on the way of PATH.
+  for (const std::string name : {"sub/c", "sub/kt-beside", "kt-own", "on path/kt-path"}) {
+    sandbox.Write(name + ".dll", component);
+  }
+  const std::string formerPath = std::string("PATH=") + std::getenv("PATH");
+  putenv((formerPath + ';' + sandbox.Path("on path")).c_str());
+  ServeScript("REGISTER|$AppPath\\sub\\c.dll");
   EXPECT_TRUE(RunsSilently());
-  EXPECT_EQ(sandbox.Read("component.log"), "loaded\nregistered\n") << "it can tell";
+  putenv(formerPath.c_str());
+  EXPECT_EQ(sandbox.Read("component.log"), "loaded\nloaded\nloaded\nloaded\nregistered\n");
 }
 
 TEST_F(ProgramWindow, StartsOnEverySystemFromXpOn) {
