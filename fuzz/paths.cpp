@@ -1,6 +1,7 @@
 // The name of the one file that is there; and a path, or a command line, that may hold macros.
 
 #include <algorithm>
+#include <regex>
 
 #include "fuzz/fuzz.h"
 #include "install/action_executor.h"
@@ -10,6 +11,8 @@ namespace {
 
 using namespace modFunciones;
 
+const std::regex climb(R"([\\/]\.\.[\\/])");
+
 /// The command line with its longest beginning of whole words that names the file in quotes.
 std::string Quoted(const std::string& line) {
   const auto isBlank = [&](std::size_t i) { return line[i] == ' ' || line[i] == '\t'; };
@@ -17,7 +20,9 @@ std::string Quoted(const std::string& line) {
     if (isBlank(end - 1) || (end < line.size() && !isBlank(end))) continue;
     const std::string program = line.substr(0, end);
     const bool isThere = program == machine.onlyFile || program + ".exe" == machine.onlyFile;
-    if (isThere) return '"' + program + '"' + line.substr(end);
+    // Windows would take these for the names of other files; there are no folders.
+    const bool isBent = program.ends_with('.') || std::regex_search(program, climb);
+    if (isThere && !isBent) return '"' + program + '"' + line.substr(end);
   }
   return line;
 }

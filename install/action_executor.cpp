@@ -1,6 +1,5 @@
 #include "install/action_executor.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -152,19 +151,17 @@ std::string RunAction(std::string_view command, const std::string& arg1, const s
 namespace modFunciones {
 namespace {
 
-/// Whether a path is taken as it is written. Windows cuts dots and blanks off the ends of its names
-/// and takes ".." away with the name before it, before it looks whether there is such a folder.
+/// Whether a path is taken as it is written. Windows cuts dots off its end, and takes ".." away
+/// with the name before it, before it looks whether there is such a folder.
 bool IsTakenAsWritten(const std::string& path) {
-  for (std::size_t start = 0, end = 0; end < path.size(); start = end + 1) {
-    end = std::min(path.find_first_of("\\/", start), path.size());
-    const std::string name = path.substr(start, end - start);
-    if (name == ".." && start > 0 && !platform::files::FolderExists(path.substr(0, start))) {
-      return false;
-    }
-    const bool isStep = (name == "." || name == "..") && end < path.size();
-    if (!isStep && (name.ends_with('.') || name.ends_with(' '))) return false;
+  constexpr const char* Separators = "\\/";
+  for (auto at = path.find_first_of(Separators); at != std::string::npos;) {
+    const auto next = path.find_first_of(Separators, at + 1);
+    const bool climbs = next == at + 3 && path.compare(at + 1, 2, "..") == 0;
+    if (climbs && !platform::files::FolderExists(path.substr(0, at))) return false;
+    at = next;
   }
-  return true;
+  return !path.ends_with('.');
 }
 
 bool IsProgram(const std::string& path) {

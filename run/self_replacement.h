@@ -23,7 +23,8 @@ inline constexpr auto UpdaterName = "Kestrane.exe";
 void RemoveTemporaryCopy();
 
 /// First stage: writes the downloaded program as the temporary copy, hands over to it and ends the
-/// process. Returns when there is nothing to write, it is this very program, or it cannot be written.
+/// process. Returns when there is nothing to write, it is this very program, or it cannot be
+/// written.
 void HandOverToNewUpdater(const std::string& program);
 
 /// Second stage, run by the temporary copy: puts the file KestraneTmp.exe in the updater's place,

@@ -102,8 +102,8 @@ TEST_F(Install, WaitsForOtherProgramsToLetGoOfAFile) {
     sandbox.Fill({{"a", "old"}, {"a.tmp", "new"}, {"a.bak", "older"}});
     auto lock = faults::Lock(sandbox.Path(held), shared);
     if (!lock) GTEST_SKIP() << "no program stands in the way of another on this system";
-    std::jthread other([&] {
-      if (forGood) return;
+    std::jthread other([&lock, stays = forGood] {
+      if (stays) return;
       std::this_thread::sleep_for(std::chrono::milliseconds(300));
       lock.reset();
     });
