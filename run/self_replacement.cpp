@@ -15,10 +15,10 @@ namespace {
 /// The value as SplitCommandLine reads it: a backslash in front of a quote makes it a literal one,
 /// so those at the end go behind the closing quote.
 std::string Quoted(const std::string& value) {
-  const auto end = value.find_last_not_of('\\') + 1;
-  if (end == 0) return value;
-  return '"' + modFunciones::ReplaceAll(value.substr(0, end), "\"", "\\\"") + '"' +
-         value.substr(end);
+  const auto last = value.find_last_not_of('\\');
+  if (last == std::string::npos) return value;
+  return '"' + modFunciones::ReplaceAll(value.substr(0, last + 1), "\"", "\\\"") + '"' +
+         value.substr(last + 1);
 }
 
 void Append(std::string& parameters, const std::string& value) {

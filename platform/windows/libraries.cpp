@@ -1,6 +1,7 @@
 #include "platform/windows/libraries.h"
 
 #include <cstdlib>
+#include <ranges>
 
 #include "platform/system.h"
 
@@ -75,8 +76,8 @@ WiderSearch::WiderSearch(const std::string& componentFolder) {
     folders.push_back(path.substr(start, end - start));
   }
   // The order is not promised; the one added last is searched first.
-  for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder) {
-    if (void* const cookie = addFolder(ToWide(*folder).c_str())) added.push_back(cookie);
+  for (const auto& folder : std::ranges::reverse_view(folders)) {
+    if (void* const cookie = addFolder(ToWide(folder).c_str())) added.push_back(cookie);
   }
 }
 
