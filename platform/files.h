@@ -31,8 +31,8 @@ namespace platform::files {
 /// find. Windows: and could rename.
 [[nodiscard]] bool CanBeRenamed(const std::string& path);
 
-/// The name is free afterwards. Windows: fails while another program has the file open, even one
-/// that would let it be deleted. Linux: does not.
+/// The name is free afterwards. Windows: fails while another program has the file open, before
+/// Windows 10 even one that would let it be deleted. Linux: does not.
 [[nodiscard]] bool Delete(const std::string& path);
 
 /// Renames a file or moves it to another folder; never overwrites.
@@ -64,7 +64,7 @@ using File = std::unique_ptr<void, CloseFile>;
 [[nodiscard]] bool Write(const File& file, std::string_view bytes);
 
 /// False when bytes that were written do not reach the system, which the owner's end would not
-/// tell. Windows: waits until the disk has them. Linux: does not.
+/// tell. Windows: waits until the disk has them; events are handled meanwhile. Linux: does not.
 [[nodiscard]] bool Close(File file);
 
 /// What the system says of a volume; all 0 on failure.

@@ -42,7 +42,7 @@ std::string FetchIntoMemory(const std::string& url) {
                                    modFunciones::PreconfiguredAccess, "");
 }
 
-/// For the message, when memory ran out.
+/// For the message, where memory ran out.
 void FreeMemory() {
   ResetScript();
   ResetActionTable();

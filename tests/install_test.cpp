@@ -111,6 +111,7 @@ TEST_F(Install, WaitsForOtherProgramsToLetGoOfAFile) {
     other.join();
     lock.reset();
     EXPECT_EQ(sandbox.Read("a"), left);
+    EXPECT_EQ(sandbox.Read("a.bak"), row == "ADD" && !forGood ? "old" : "older");
   }
 }
 

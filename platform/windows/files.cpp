@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include "platform/windows/background.h"
+#include "platform/windows/libraries.h"
+
 namespace platform::files {
 namespace {
 
@@ -27,6 +30,12 @@ File Open(const std::string& path, DWORD access, DWORD sharing, DWORD dispositio
   return File(file);
 }
 
+/// A scanner inside the system may still have a file open that was deleted.
+bool NameIsFree(const std::string& path) {
+  SetLastError(ERROR_SUCCESS);
+  return AttributesOf(path) == INVALID_FILE_ATTRIBUTES && GetLastError() != ERROR_ACCESS_DENIED;
+}
+
 /// A file that is deleted keeps its name until the last program that has it open closes it.
 bool IsBeingDeleted(const std::string& path) {
   return !Open(path, FILE_READ_ATTRIBUTES, ShareWithAll, OPEN_EXISTING, 0) &&
@@ -40,8 +49,8 @@ bool MayPass(DWORD error, const std::string& path, const std::string& newPath) {
     case ERROR_SHARING_VIOLATION:
     case ERROR_LOCK_VIOLATION:
       return true;
-    case ERROR_ACCESS_DENIED:
-      return !HasAttributes(path, Refused) && !HasAttributes(newPath, Refused);
+    case ERROR_ACCESS_DENIED:  // where there is nothing, it is for lack of rights
+      return !NameIsFree(path) && !HasAttributes(path, Refused) && !HasAttributes(newPath, Refused);
     case ERROR_ALREADY_EXISTS:
       return IsBeingDeleted(newPath);
     default:
@@ -64,16 +73,38 @@ auto OnceLetGo(const std::string& path, const std::string& newPath, Operation op
   }
 }
 
-/// For as long as another program has the file open, it is not deleted at all: its name would stay
-/// taken, and its content would be lost all the same.
-bool DeleteAlone(const std::string& path) {
-  return Open(path, DELETE, 0, OPEN_EXISTING,
-              FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT) != nullptr;
+/// From Windows 10 on a name can be freed while other programs, which share the file's deletion,
+/// keep the content that they have open.
+bool DeleteName(const std::string& path) {
+  using SetInformation = BOOL WINAPI(HANDLE file, int kind, void* information, DWORD size);
+  constexpr int FileDispositionInfoEx = 21;  // numbers of winbase.h and winnt.h
+  DWORD deleteAsPosixDoes = 3;
+  static const auto setInformation = windows::FunctionOf<SetInformation>(
+      GetModuleHandleA("kernel32.dll"), "SetFileInformationByHandle");
+  if (setInformation == nullptr) return false;
+  const File file = Open(path, DELETE, ShareWithAll, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT);
+  return file && setInformation(file.get(), FileDispositionInfoEx, &deleteAsPosixDoes,
+                                sizeof deleteAsPosixDoes) != FALSE;
 }
 
-/// A scanner inside the system may still have the file open.
-bool NameIsFree(const std::string& path) {
-  return AttributesOf(path) == INVALID_FILE_ATTRIBUTES && GetLastError() != ERROR_ACCESS_DENIED;
+/// Elsewhere a file that another program has open is not deleted at all: its name would stay taken,
+/// and its content would be lost all the same.
+bool DeleteAlone(const std::string& path) {
+  if (Open(path, DELETE, 0, OPEN_EXISTING,
+           FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT)) {
+    return true;
+  }
+  if (GetLastError() != ERROR_SHARING_VIOLATION) return false;
+  if (DeleteName(path)) return true;
+  SetLastError(ERROR_SHARING_VIOLATION);
+  return false;
+}
+
+/// Some file systems cannot be told to store, and keep nothing back.
+bool Store(HANDLE file) {
+  if (FlushFileBuffers(file) != FALSE) return true;
+  const DWORD error = GetLastError();
+  return error == ERROR_INVALID_FUNCTION || error == ERROR_NOT_SUPPORTED;
 }
 
 }  // namespace
@@ -161,7 +192,11 @@ bool Write(const File& file, std::string_view bytes) {
          count == bytes.size();
 }
 
-bool Close(File file) { return FlushFileBuffers(file.get()) != FALSE; }
+bool Close(File file) {
+  bool stored = false;
+  windows::RunInBackground([&] { stored = Store(file.get()); });  // a slow disk takes seconds
+  return stored;
+}
 
 DiskSpace QueryDiskSpace(const std::string& root) {
   DWORD sectorsPerCluster = 0;

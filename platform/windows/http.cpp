@@ -93,18 +93,19 @@ double Seconds() {
   return static_cast<double>(ticks.QuadPart) / static_cast<double>(ticksPerSecond.QuadPart);
 }
 
-/// Waits until something has arrived. At the end of the body, or of the connection, nothing has:
-/// the read that follows tells which.
-DWORD ArrivedBytes(HINTERNET url) {
+/// Waits until something has arrived; nothing when the connection broke. At the end of the body
+/// nothing has: the read that follows tells so.
+std::optional<DWORD> ArrivedBytes(HINTERNET url) {
   DWORD arrived = 0;
-  Library().InternetQueryDataAvailable(url, &arrived, 0, 0);
+  if (Library().InternetQueryDataAvailable(url, &arrived, 0, 0) == FALSE) return std::nullopt;
   return std::clamp<DWORD>(arrived, 1, LargestChunk);
 }
 
 void ReadChunk(HINTERNET url, bool isFast, Chunk& chunk) {
   const double start = Seconds();
-  const DWORD wanted = isFast ? LargestChunk : ArrivedBytes(url);
-  chunk.read = Library().InternetReadFile(url, chunk.bytes.get(), wanted, &chunk.count) != FALSE;
+  const auto wanted = isFast ? LargestChunk : ArrivedBytes(url);
+  chunk.read =
+      wanted && Library().InternetReadFile(url, chunk.bytes.get(), *wanted, &chunk.count) != FALSE;
   chunk.seconds = Seconds() - start;
 }
 

@@ -171,7 +171,7 @@ TEST_F(ProgramWindow, KeepsToItsLayout) {
 
 TEST_F(ProgramWindow, PaintsWhatItIsDoingBeforeItStandsStill) {
   server.Serve("/f", {.body = body});
-  ServeScript("ADD|$AppPath\\f|" + server.Url("/f") + "\nSLEEP|2500\nDELETE|$AppPath\\x");
+  ServeScript("ADD|$AppPath\\f|" + server.Url("/f") + "\nSLEEP|60000\nDELETE|$AppPath\\x");
   for (const DWORD dotsPerInch : {96U, 120U}) {
     const auto value = RegistryValue("Control Panel\\Desktop", "LogPixels", REG_DWORD, &dotsPerInch,
                                      sizeof dotsPerInch);
