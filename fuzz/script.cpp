@@ -2,12 +2,12 @@
 
 #include <sstream>
 
+#include "base/arrays.h"
+#include "base/text.h"
 #include "fuzz/fuzz.h"
-#include "platform/text.h"
 #include "run/messages.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
 #include "script/parser.h"
 
 namespace {
@@ -57,7 +57,7 @@ void Fuzz(const std::string& firstLine, const std::string& rest) {
 
   const std::string outcome = Parse(lines);
   const std::string table = Table();
-  Require(table.empty() || platform::text::UpperCase(text).find("VERSION") != std::string::npos);
+  Require(table.empty() || modFunciones::UpperCase(text).find("VERSION") != std::string::npos);
   if (outcome != ScriptNotUnderstood) {
     Require(lines.size() >= 4 && NewUpdaterVersion != 0 && !NewUpdaterUrl.empty());
     Require(outcome.empty() || (outcome == FilesNotAvailable && ActionSize.back() == 0));

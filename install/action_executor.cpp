@@ -4,20 +4,20 @@
 #include <cstdint>
 #include <span>
 
+#include "base/arrays.h"
+#include "base/decimal.h"
+#include "base/text.h"
 #include "install/component_registration.h"
 #include "install/file_helpers.h"
 #include "install/process_control.h"
 #include "platform/files.h"
 #include "platform/processes.h"
-#include "platform/text.h"
 #include "platform/window.h"
 #include "run/messages.h"
 #include "run/progress_bar.h"
 #include "run/progress_window.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
-#include "script/decimal.h"
 
 namespace modPrincipal {
 namespace {
@@ -51,7 +51,7 @@ struct Styles {
 
 void ChooseStyle(std::uint32_t& style, std::span<const StyleWord> words,
                  const std::string& wanted) {
-  const std::string word = platform::text::UpperCase(wanted);
+  const std::string word = modFunciones::UpperCase(wanted);
   for (const auto& known : words) {
     if (known.word == word) style = known.value;
   }
@@ -76,7 +76,7 @@ bool UpdateFile(const std::string& path) {
 }
 
 void Execute(const Action& action, std::uint32_t windowStyle) {
-  const std::string waitWord = platform::text::UpperCase(action.arg2);
+  const std::string waitWord = modFunciones::UpperCase(action.arg2);
   if (waitWord != "WAIT" && waitWord != "NOWAIT") return;
   const auto program = platform::processes::Start(modFunciones::QuoteProgram(action.arg1),
                                                   static_cast<int>(windowStyle));

@@ -2,9 +2,9 @@
 
 #include <cstddef>
 
+#include "base/replace.h"
 #include "platform/files.h"
 #include "platform/system.h"
-#include "script/replace.h"
 
 namespace modFunciones {
 namespace {
@@ -24,6 +24,7 @@ std::string GetWindowsDir() { return QueryFolder(platform::system::WindowsDirect
 std::string GetSystemDir() { return QueryFolder(platform::system::SystemDirectory); }
 
 std::string ExpandMacros(std::string_view value) {
+  if (value.find('$') == std::string_view::npos) return std::string(value);
   std::string expanded = ReplaceAll(value, "$WinPath", GetWindowsDir());
   expanded = ReplaceAll(expanded, "$WinSysPath", GetSystemDir());
   return ReplaceAll(expanded, "$AppPath", platform::system::ExecutableFolder());

@@ -4,7 +4,7 @@
 #include <map>
 #include <set>
 
-#include "platform/text.h"
+#include "base/text.h"
 #include "publish/reading.h"
 #include "publish/versions.h"
 #include "publish/vocabulary.h"
@@ -12,7 +12,7 @@
 namespace publish {
 namespace {
 
-using platform::text::LowerCase;
+using modFunciones::LowerCase;
 
 /// One reading of the script and where to put what is found in it.
 struct Run {

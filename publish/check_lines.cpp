@@ -4,21 +4,20 @@
 #include <iterator>
 #include <sstream>
 
-#include "platform/text.h"
-#include "publish/encoding.h"
+#include "base/decimal.h"
+#include "base/replace.h"
+#include "base/text.h"
 #include "publish/reading.h"
 #include "publish/source.h"
 #include "publish/vocabulary.h"
-#include "script/decimal.h"
-#include "script/replace.h"
 #include "script/version.h"
 #include "transfer/url.h"
 
 namespace publish {
 namespace {
 
-using platform::text::LowerCase;
-using platform::text::UpperCase;
+using modFunciones::LowerCase;
+using modFunciones::UpperCase;
 
 /// A line with what the rules ask of it.
 struct Line {
@@ -259,6 +258,19 @@ Remark BlanksAroundThePath(const Line& line) {
 }
 
 bool IsAccented(char character) { return static_cast<unsigned char>(character) > '~'; }
+
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    if (!modFunciones::TakeCodePoint(text)) return false;
+  }
+  return true;
+}
+
+/// True for a byte that no character of the code page has.
+bool IsUnassigned(char byte) {
+  const char16_t codePoint = modFunciones::CodePointOf(byte);
+  return codePoint >= 0x80 && codePoint < 0xA0;
+}
 
 Remark OddCharacters(const Line& line) {
   for (const auto& field : line.fields) {

@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "publish/check.h"
-#include "publish/encoding.h"
 #include "publish/report.h"
 #include "publish/simulate.h"
 #include "publish/source.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/arrays.h"
+#include "base/replace.h"
 #include "publish/reading.h"
-#include "script/arrays.h"
-#include "script/replace.h"
 
 namespace publish {
 namespace {

@@ -5,9 +5,10 @@
 #include <exception>
 #include <iostream>
 
+#include "base/text.h"
 #include "publish/commands.h"
 #include "publish/console.h"
-#include "publish/encoding.h"
+#include "publish/source.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ void DefineMake(CLI::App& app, MakeArguments& arguments) {
 
 /// A text that goes into the script.
 std::string TextOf(const std::string& utf8) {
-  const auto text = publish::FromUtf8(utf8);
+  const auto text = modFunciones::FromUtf8(utf8);
   if (!text) throw CLI::ValidationError(utf8, "has characters that Windows-1252 lacks");
   return *text;
 }

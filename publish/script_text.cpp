@@ -1,7 +1,7 @@
 #include "publish/script_text.h"
 
-#include "platform/text.h"
-#include "script/arrays.h"
+#include "base/arrays.h"
+#include "base/text.h"
 #include "script/parser.h"
 
 namespace publish {
@@ -19,7 +19,7 @@ Script CutWithNumbers(std::string text) {
 }
 
 std::string CommandWord(const Fields& fields) {
-  return platform::text::UpperCase(FieldAt(fields, 0).substr(HasMarker(fields) ? 1 : 0));
+  return modFunciones::UpperCase(FieldAt(fields, 0).substr(HasMarker(fields) ? 1 : 0));
 }
 
 bool HasMarker(const Fields& fields) { return FieldAt(fields, 0).starts_with('!'); }

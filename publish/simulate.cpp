@@ -6,7 +6,6 @@
 #include "publish/versions.h"
 #include "run/messages.h"
 #include "transfer/http_probe.h"
-#include "transfer/url.h"
 
 namespace publish {
 namespace {
@@ -33,8 +32,7 @@ Offer SimulateOffer(const Script& script, bool probe) {
   const Fields& header = script.lines.front().fields;
   Offer offer = {header[0], header[1], "", 0};
   if (!probe) return offer;
-  modFunciones::UrlParts = modFunciones::SplitUrl(offer.url);
-  const auto bytes = modFunciones::AvailableLength();
+  const auto bytes = modFunciones::AvailableLength(offer.url);
   offer.bytes = bytes.value_or(0);
   if (!bytes) offer.failure = modPrincipal::UpdaterNotAvailable;
   return offer;

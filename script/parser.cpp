@@ -2,12 +2,12 @@
 
 #include <algorithm>
 
+#include "base/arrays.h"
+#include "base/text.h"
 #include "install/action_executor.h"
-#include "platform/text.h"
 #include "run/messages.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
 #include "script/version.h"
 #include "transfer/availability.h"
 
@@ -100,7 +100,7 @@ bool TakeImmediateMarker(std::string& commandWord) {
 
 Reading ReadLine(Fields& line, bool& conditionActive) {
   const bool runNow = TakeImmediateMarker(line[0]);
-  const std::string command = platform::text::UpperCase(line[0]);
+  const std::string command = modFunciones::UpperCase(line[0]);
   if (command == "NAME") return ReadName(line);
   if (command == "VERSION") return ReadVersion(line, conditionActive);
   if (command == "END") return conditionActive ? Reading::Ended : Reading::GoesOn;

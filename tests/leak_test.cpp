@@ -31,8 +31,7 @@ TEST(Leaks, AThousandTransfersKeepNothing) {
   faults::Resources before;
   for (int i = 0; i < WarmUp + Count; ++i) {
     if (i == WarmUp) before = faults::ResourcesInUse();
-    UrlParts = SplitUrl(server.Url(i % 100 == 0 ? "/missing" : "/f"));
-    (void)IsAvailable();
+    (void)IsAvailable(server.Url(i % 100 == 0 ? "/missing" : "/f"));
     modPrincipal::FileBytesDone = modPrincipal::TotalBytesDone = 0;
     const std::string target = sandbox.Path("f");
     ASSERT_EQ(DownloadUrl(server.Url("/f"), target, UserAgentText, PreconfiguredAccess, ""),

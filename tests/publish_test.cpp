@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include "base/text.h"
 #include "publish/check.h"
-#include "publish/encoding.h"
 #include "publish/make.h"
 #include "publish/simulate.h"
 #include "publish/source.h"
@@ -16,6 +16,8 @@ namespace {
 
 using namespace publish;
 using namespace testing;
+using modFunciones::FromUtf8;
+using modFunciones::ToUtf8;
 using Texts = std::vector<std::string>;
 
 const std::string header = "1.0.3|https://u/Kestrane.exe\nNAME|Ledger\n";

@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "base/arrays.h"
+#include "base/rounding.h"
 #include "install/path_macros.h"
 #include "platform/files.h"
 #include "platform/window.h"
 #include "run/messages.h"
 #include "run/progress_bar.h"
 #include "run/progress_window.h"
-#include "run/rounding.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
 #include "transfer/download.h"
 #include "transfer/http_probe.h"
 

@@ -8,8 +8,8 @@
 
 namespace modFunciones {
 
-/// The pieces of the URL split last, as SplitUrl returns them. Written by the update sequence and
-/// by AddAction; a probe is sent right after it was written.
+/// The pieces of the URL split last, as SplitUrl returns them. Written by each probe, and by
+/// AddAction where it sends none.
 extern std::vector<std::string> UrlParts;
 
 /// True for a URL that begins with "https://", in any letter case.

@@ -10,13 +10,17 @@
 namespace platform::system {
 namespace {
 
-std::string ExecutablePath() {
-  std::string path(MAX_PATH, '\0');
-  while (true) {
-    const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    if (length < path.size()) return path.substr(0, length);
-    path.resize(path.size() * 2);
-  }
+const std::string& ExecutablePath() {
+  static const std::string own = [] {
+    std::string path(MAX_PATH, '\0');
+    while (true) {
+      const DWORD length =
+          GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
+      if (length < path.size()) return path.substr(0, length);
+      path.resize(path.size() * 2);
+    }
+  }();
+  return own;
 }
 
 const char* NullWhenEmpty(const std::string& value) {
@@ -36,7 +40,7 @@ std::string CommandLineText() {
 }
 
 std::string ExecutableFolder() {
-  const std::string path = ExecutablePath();
+  const std::string& path = ExecutablePath();
   const auto separator = path.find_last_of('\\');
   if (separator == std::string::npos) return "";
   const bool isRoot = separator > 0 && path[separator - 1] == ':';
@@ -44,7 +48,7 @@ std::string ExecutableFolder() {
 }
 
 std::string ExecutableBaseName() {
-  const std::string path = ExecutablePath();
+  const std::string& path = ExecutablePath();
   const std::string name = path.substr(path.find_last_of('\\') + 1);
   return name.substr(0, name.find_last_of('.'));
 }
