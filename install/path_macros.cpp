@@ -5,6 +5,7 @@
 #include "base/replace.h"
 #include "platform/files.h"
 #include "platform/system.h"
+#include "script/commands.h"
 
 namespace modFunciones {
 namespace {
@@ -25,9 +26,9 @@ std::string GetSystemDir() { return QueryFolder(platform::system::SystemDirector
 
 std::string ExpandMacros(std::string_view value) {
   if (value.find('$') == std::string_view::npos) return std::string(value);
-  std::string expanded = ReplaceAll(value, "$WinPath", GetWindowsDir());
-  expanded = ReplaceAll(expanded, "$WinSysPath", GetSystemDir());
-  return ReplaceAll(expanded, "$AppPath", platform::system::ExecutableFolder());
+  std::string expanded = ReplaceAll(value, modPrincipal::WindowsMacro, GetWindowsDir());
+  expanded = ReplaceAll(expanded, modPrincipal::SystemMacro, GetSystemDir());
+  return ReplaceAll(expanded, modPrincipal::OwnFolderMacro, platform::system::ExecutableFolder());
 }
 
 void CreateFolderPath(const std::string& path) {

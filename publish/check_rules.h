@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "publish/audience.h"
 #include "publish/script_text.h"
 
 namespace publish {
@@ -22,8 +23,9 @@ using Findings = std::vector<Finding>;
 /// What each line tells by itself.
 void CheckLines(const Script& script, Findings& findings);
 
-/// What the lines of a script do together, for every installed version that it tells apart. The
-/// parser must not refuse it. newest: the newest release of the application, or "".
-void CheckFlow(const Script& script, const std::string& newest, Findings& findings);
+/// What the lines of a script do together, for every installed version that it tells apart. Nobody
+/// must refuse it. newest: the newest release of the application, or "".
+void CheckFlow(const Script& script, const ReadingOfAll& reading, const std::string& newest,
+               Findings& findings);
 
 }  // namespace publish

@@ -4,7 +4,7 @@
 
 #include "base/text.h"
 #include "publish/source.h"
-#include "publish/vocabulary.h"
+#include "script/commands.h"
 
 namespace publish {
 namespace {
@@ -25,7 +25,7 @@ std::string WhyUnusable(const std::string& utf8Name) {
   if (utf8Name.ends_with(' ') || utf8Name.ends_with('.')) {
     return "ends with a blank or a full stop, which Windows takes away";
   }
-  for (const auto& macro : Macros) {
+  for (const auto& macro : modPrincipal::Macros) {
     if (utf8Name.find(macro) != std::string::npos) return "holds a macro of the script";
   }
   return "";

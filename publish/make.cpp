@@ -5,8 +5,8 @@
 
 #include "base/text.h"
 #include "publish/check.h"
-#include "publish/console.h"
 #include "publish/history.h"
+#include "publish/progress.h"
 #include "publish/script_text.h"
 #include "publish/source.h"
 #include "publish/versions.h"
@@ -115,7 +115,7 @@ void PlanHeader(Plan& plan, Problems& problems) {
     return;
   }
   const Script history = CutWithNumbers(plan.script);
-  const std::string offered = history.lines.empty() ? "" : FieldAt(history.lines[0].fields, 0);
+  const std::string offered = history.lines.empty() ? "" : FieldAt(history.lines[0], 0);
   const fs::path updater = order.newFolder / UpdaterName;
   const std::string version = RecordedVersion(ReadFile(updater).value_or(""));
   if (VersionToNumber(version) > VersionToNumber(offered)) {

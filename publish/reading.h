@@ -1,7 +1,6 @@
 #pragma once
 
-// A script as the program's own parser reads it for an installed version. Nothing of it is carried
-// out: the part of the program that carries actions out is no part of this tool.
+// A script as the program reads it for an installed version. Nothing of it is carried out.
 
 #include <cstddef>
 #include <cstdint>
@@ -14,10 +13,11 @@ namespace publish {
 
 /// An action line that takes effect.
 struct TakenAction {
-  std::size_t line = 0;    // index into Script::lines
-  bool immediate = false;  // carried out while the script is read
-  std::int32_t size = 0;   // bytes to download, where the server was asked
-  bool missing = false;    // the server does not offer the file, and the script is refused for it
+  std::size_t line = 0;     // index into Script::lines
+  std::size_t opening = 0;  // index of the VERSION line of its block
+  bool immediate = false;   // carried out while the script is read
+  std::int32_t size = 0;    // bytes to download, where the server was asked
+  bool missing = false;     // the server does not offer the file, and the script is refused for it
 };
 
 struct Reading {
@@ -27,11 +27,8 @@ struct Reading {
   std::vector<TakenAction> actions;  // in the order in which they are carried out
 };
 
-/// What the parser makes of the script. probe: ask the server for every file, with two HEAD
+/// What the program makes of the script. probe: ask the server for every file, with two HEAD
 /// requests each, as the program does; otherwise every file counts as available.
 [[nodiscard]] Reading ReadFor(const Script& script, const std::string& installed, bool probe);
-
-/// True when the parser refuses a script for the sake of this line, the header or a command.
-[[nodiscard]] bool IsRefused(const Fields& line, bool isHeader);
 
 }  // namespace publish

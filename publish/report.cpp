@@ -6,7 +6,7 @@
 
 #include "base/arrays.h"
 #include "base/text.h"
-#include "publish/console.h"
+#include "platform/console.h"
 #include "publish/versions.h"
 #include "run/messages.h"
 
@@ -24,7 +24,7 @@ constexpr SeverityLook Looks[] = {{"error", "\033[31m"}, {"warning", "\033[33m"}
 const SeverityLook& LookOf(Severity severity) { return Looks[static_cast<std::size_t>(severity)]; }
 
 std::string Coloured(const std::string& text, const char* colour) {
-  static const bool inColour = IsTerminal(Stream::Output);
+  static const bool inColour = platform::console::IsTerminal(platform::console::Stream::Output);
   return inColour ? colour + text + "\033[0m" : text;
 }
 
@@ -54,13 +54,15 @@ std::string InstalledText(const Outcome& outcome) {
 }
 
 /// The marker stands apart, so that the command word is always found in the same place.
-Json AsJson(const TakenAction& action, const ScriptLine& line, bool probed) {
+Json AsJson(const TakenAction& action, const Script& script, bool probed) {
+  const Fields& line = script.lines[action.line];
   Json arguments = Json::array();
-  for (std::size_t i = 1; i < line.fields.size(); ++i)
-    arguments.push_back(modFunciones::ToUtf8(line.fields[i]));
-  Json json = {{"line", line.number},
+  for (std::size_t i = 1; i < line.size(); ++i) {
+    arguments.push_back(modFunciones::ToUtf8(line[i]));
+  }
+  Json json = {{"line", script.numbers[action.line]},
                {"immediate", action.immediate},
-               {"command", modFunciones::ToUtf8(CommandWord(line.fields))},
+               {"command", modFunciones::ToUtf8(modPrincipal::CommandWord(line))},
                {"arguments", arguments}};
   if (probed) json["bytes"] = action.size;
   if (action.missing) json["missing"] = true;
@@ -79,7 +81,7 @@ Json AsJson(const Offer& offer, bool probed) {
 Json AsJson(const Script& script, const Outcome& outcome, bool probed) {
   Json actions = Json::array();
   for (const auto& action : outcome.reading.actions) {
-    actions.push_back(AsJson(action, script.lines[action.line], probed));
+    actions.push_back(AsJson(action, script, probed));
   }
   Json json = {{"from", modFunciones::ToUtf8(outcome.first)},
                {"to", modFunciones::ToUtf8(outcome.last)},
@@ -91,12 +93,12 @@ Json AsJson(const Script& script, const Outcome& outcome, bool probed) {
   return json;
 }
 
-void PrintAction(const TakenAction& action, const ScriptLine& line, bool probed) {
-  const std::string number = std::to_string(line.number);
+void PrintAction(const TakenAction& action, const Script& script, bool probed) {
+  const std::string number = std::to_string(script.numbers[action.line]);
   std::cout << "  line " << std::string(number.size() < 4 ? 4 - number.size() : 0, ' ') << number
             << (action.immediate ? "  at once  " : "           ");
-  Fields shown = line.fields;
-  shown[0] = CommandWord(line.fields);
+  Fields shown = script.lines[action.line];
+  shown[0] = modPrincipal::CommandWord(shown);
   std::cout << modFunciones::ToUtf8(modFunciones::Join(shown, "  "));
   if (probed && action.size > 0) std::cout << "  (" << Number(action.size, "byte") << ")";
   if (action.missing) std::cout << "  (not available)";
@@ -122,7 +124,7 @@ void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   if (isUpdate)
     std::cout << "  in the window: " << modFunciones::ToUtf8(outcome.reading.name) << "\n";
   for (const auto& action : outcome.reading.actions) {
-    PrintAction(action, script.lines[action.line], probed);
+    PrintAction(action, script, probed);
   }
   if (probed && isUpdate) std::cout << "  in all " << Number(outcome.bytes, "byte") << "\n";
   std::cout << "  final screen: " << modFunciones::ToUtf8(outcome.finalScreen) << "\n\n";

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "publish/console.h"
+#include "publish/progress.h"
 #include "publish/versions.h"
 #include "run/messages.h"
 #include "transfer/http_probe.h"
@@ -29,7 +29,7 @@ bool AreAlike(const Outcome& a, const Outcome& b) {
 
 Offer SimulateOffer(const Script& script, bool probe) {
   if (!ReadFor(script, "", false).offersUpdater) return {};
-  const Fields& header = script.lines.front().fields;
+  const Fields& header = script.lines.front();
   Offer offer = {header[0], header[1], "", 0};
   if (!probe) return offer;
   const auto bytes = modFunciones::AvailableLength(offer.url);

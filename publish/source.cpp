@@ -3,7 +3,6 @@
 #include <array>
 #include <fstream>
 
-#include "base/text.h"
 #include "platform/http.h"
 #include "transfer/http_probe.h"
 #include "transfer/url.h"
@@ -34,8 +33,7 @@ std::optional<std::string> Download(const std::string& url) {
 }  // namespace
 
 bool IsUrl(const std::string& text) {
-  const std::string lower = modFunciones::LowerCase(text);
-  return lower.starts_with("http://") || lower.starts_with("https://");
+  return modFunciones::IsPlainUrl(text) || modFunciones::IsSecureUrl(text);
 }
 
 std::optional<std::string> Fetch(const std::string& fileOrUrl) {

@@ -27,9 +27,10 @@ std::string VersionOf(std::int64_t number) {
          WithoutZeros(digits.substr(minor + 3));
 }
 
-std::int64_t NumberOfLine(const ScriptLine& line) {
-  const bool isVersion = CommandWord(line.fields) == "VERSION";
-  return isVersion ? modPrincipal::VersionToNumber(FieldAt(line.fields, 2)) : 0;
+std::int64_t NumberOfLine(const Fields& line) {
+  const auto* const command = CommandOf(line);
+  const bool isVersion = command != nullptr && command->verb == modPrincipal::Verb::Version;
+  return isVersion ? modPrincipal::VersionToNumber(FieldAt(line, 2)) : 0;
 }
 
 // VS_FIXEDFILEINFO of verrsrc.h: its signature, and where the parts of the version stand.
@@ -64,9 +65,10 @@ std::string GreatestNamed(const Script& script) {
   std::int64_t greatest = 0;
   std::string version;
   for (const auto& line : script.lines) {
-    if (NumberOfLine(line) <= greatest) continue;
-    greatest = NumberOfLine(line);
-    version = FieldAt(line.fields, 2);
+    const std::int64_t number = NumberOfLine(line);
+    if (number <= greatest) continue;
+    greatest = number;
+    version = FieldAt(line, 2);
   }
   return version;
 }

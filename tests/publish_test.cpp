@@ -2,12 +2,16 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
+
 #include "base/text.h"
+#include "publish/audience.h"
 #include "publish/check.h"
 #include "publish/make.h"
+#include "publish/reading.h"
 #include "publish/simulate.h"
 #include "publish/source.h"
-#include "publish/vocabulary.h"
+#include "publish/versions.h"
 #include "run/messages.h"
 #include "tests/support/loopback_server.h"
 #include "tests/support/sandbox.h"
@@ -119,22 +123,26 @@ TEST(Check, TellsWhatIsWrong) {
   }
 }
 
-TEST(Check, ExplainsWhatTheParserDecides) {
-  for (const std::string word : {"NAME", "VERSION", "ADD", "UPDATE", "DELETE", "MSG", "EXECUTE",
-                                 "KILL", "REGISTER", "UNREGISTER", "SLEEP", "END"}) {
-    const Command* const command = FindCommand(word);
-    ASSERT_NE(command, nullptr);
-    Fields line = {word, "=", "1", "x"};
-    line.resize(command->leastFields);
-    EXPECT_FALSE(IsRefused(line, false)) << word;
-    line.pop_back();
-    EXPECT_TRUE(word == "END" || IsRefused(line, false)) << word;
-
-    const Reading reading =
-        ReadFor(CutWithNumbers(header + "VERSION|=|2\n!" + word + "|=|1|x"), "2", false);
-    ASSERT_EQ(reading.actions.size(), command->isAction ? 1U : 0U) << word;
-    if (command->isAction) {
-      EXPECT_EQ(reading.actions[0].immediate, command->markerWorks) << word;
+TEST(Check, ReadsForEverybodyAsForEachAlone) {
+  const Texts lines = {"VERSION|<|2",     "VERSION|<=|2.0.1", "VERSION|=|3", "VERSION|>=|2.0.1",
+                       "VERSION|>|1.0.0", "VERSION|=|1.0.0",  "END",         "!KILL|a",
+                       "SLEEP|1",         "KILL|a",           "unknown"};
+  std::minstd_rand random;
+  for (int i = 0; i < 500; ++i) {
+    std::string text = header;
+    for (int count = 30; count > 0; --count) text += lines[random() % lines.size()] + "\n";
+    const Script script = CutWithNumbers(text);
+    const ReadingOfAll all = ReadForAll(script);
+    for (std::size_t k = 0; k < all.versions.size(); ++k) {
+      std::vector<std::size_t> shared;
+      for (const auto& action : all.actions) {
+        if (all.blocks[action.block].audience.Overlaps({k, k + 1})) shared.push_back(action.line);
+      }
+      std::vector<std::size_t> own;
+      const std::string version = VersionsToldApart(script)[k];
+      for (const auto& action : ReadFor(script, version, false).actions) own.push_back(action.line);
+      std::sort(own.begin(), own.end());  // those carried out at once come first
+      EXPECT_EQ(shared, own) << version << "\n" << text;
     }
   }
 }
@@ -152,8 +160,8 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
   Texts met;  // by each range: lines, "!" when immediate, with their bytes; the final screen
   for (const auto& [first, last, reading, finalScreen, bytes] : SimulateAll(script, true)) {
     std::string actions;
-    for (const auto& [line, immediate, size, missing] : reading.actions) {
-      actions += " " + std::to_string(script.lines[line].number) +
+    for (const auto& [line, opening, immediate, size, missing] : reading.actions) {
+      actions += " " + std::to_string(script.numbers[line]) +
                  (immediate ? "!" : ":" + (missing ? "missing" : std::to_string(size)));
     }
     met.push_back(first + "-" + last + actions + " " + std::to_string(bytes) + finalScreen);

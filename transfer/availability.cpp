@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "install/path_macros.h"
 #include "script/action_table.h"
+#include "script/commands.h"
 #include "transfer/http_probe.h"
 #include "transfer/url.h"
 
@@ -16,8 +17,7 @@ bool AddAction(const std::string& command, const std::string& arg1, const std::s
   ActionArg3.push_back(arg3);
   ActionSize.push_back(0);
 
-  const bool isDownload = ActionCommand.back() == "ADD" || ActionCommand.back() == "UPDATE";
-  if (!isDownload || arg2.empty()) {
+  if (!IsDownload(ActionCommand.back()) || arg2.empty()) {
     modFunciones::UrlParts = modFunciones::SplitUrl(arg2);
     return true;
   }

@@ -31,6 +31,8 @@ std::vector<std::string> SplitWithoutScheme(std::string rest, const char* defaul
 
 std::vector<std::string> UrlParts;
 
+bool IsPlainUrl(std::string_view url) { return HasScheme(url, PlainScheme); }
+
 bool IsSecureUrl(std::string_view url) { return HasScheme(url, SecureScheme); }
 
 std::vector<std::string> SplitUrl(std::string_view url) {
@@ -40,7 +42,7 @@ std::vector<std::string> SplitUrl(std::string_view url) {
     if (!parts.empty()) parts.emplace_back(SecureMark);
     return parts;
   }
-  if (HasScheme(url, PlainScheme)) url.remove_prefix(PlainScheme.size());
+  if (IsPlainUrl(url)) url.remove_prefix(PlainScheme.size());
   return SplitWithoutScheme(ReplaceAll(url, PlainScheme, ""), PlainPort);
 }
 

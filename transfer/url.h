@@ -12,7 +12,8 @@ namespace modFunciones {
 /// AddAction where it sends none.
 extern std::vector<std::string> UrlParts;
 
-/// True for a URL that begins with "https://", in any letter case.
+/// True for a URL that begins with "http://", or with "https://", in any letter case.
+[[nodiscard]] bool IsPlainUrl(std::string_view url);
 [[nodiscard]] bool IsSecureUrl(std::string_view url);
 
 /// Cuts a URL (its scheme in any letter case, "http://" when it is missing) into host, port text

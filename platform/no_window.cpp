@@ -1,0 +1,9 @@
+// For programs without a window: there are no events.
+
+#include "platform/window.h"
+
+namespace platform::window {
+
+void ProcessPendingEvents() {}
+
+}  // namespace platform::window
