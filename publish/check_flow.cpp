@@ -56,6 +56,7 @@ const SharedAction* FirstMet(const Flow& flow, const Actions& actions, const Sha
 
 void FindDestinationsGivenTwice(Flow& flow) {
   const auto any = [](const SharedAction& /*put*/) { return true; };
+  flow.puts.reserve(flow.reading.actions.size());
   for (const auto& action : flow.reading.actions) {
     if (!PutsAFile(action)) continue;
     Actions& puts = flow.puts[flow.TextOf(action)];

@@ -5,7 +5,6 @@
 #include <span>
 
 #include "base/decimal.h"
-#include "base/replace.h"
 #include "base/text.h"
 #include "publish/nearest_command.h"
 #include "publish/source.h"
@@ -134,13 +133,18 @@ Remark MacroInImmediateAction(const Line& line) {
   return {};
 }
 
+/// Whether a text begins with a macro, in any letter case.
+bool BeginsWith(std::string_view text, std::string_view macro) {
+  return LowerCase(text.substr(0, macro.size())) == LowerCase(macro);
+}
+
 Remark MacroInWrongCase(const Line& line) {
   if (line.command == nullptr || !line.command->IsAction()) return {};
-  std::string rest = FieldAt(line.fields, 1);
-  if (rest.find('$') == std::string::npos) return {};
-  for (const auto& macro : Macros) rest = modFunciones::ReplaceAll(rest, macro, "");
-  for (const auto& macro : Macros) {
-    if (LowerCase(rest).find(LowerCase(macro)) != std::string::npos) {
+  const std::string_view text = FieldAt(line.fields, 1);
+  for (auto at = text.find('$'); at != std::string_view::npos; at = text.find('$', at + 1)) {
+    const std::string_view rest = text.substr(at);
+    for (const auto& macro : Macros) {
+      if (rest.starts_with(macro) || !BeginsWith(rest, macro)) continue;
       return {Severity::Error,
               std::string(macro) + " is written in other letter case and is not replaced."};
     }
@@ -244,10 +248,10 @@ Remark MissingArgument(const Line& line, const Argument& argument, const std::st
 }
 
 /// What a path begins with that is no macro, or no whole one.
-Remark BeginningOfPath(const std::string& path) {
+Remark BeginningOfPath(std::string_view path) {
   if (path.starts_with('$')) {
     for (const auto& macro : Macros) {
-      if (!LowerCase(path).starts_with(LowerCase(macro))) continue;
+      if (!BeginsWith(path, macro)) continue;
       if (!path.starts_with(macro)) return {};  // MacroInWrongCase tells
       if (path.substr(macro.size()).starts_with('\\')) return {};
       return {Severity::Error, "There is no backslash behind " + std::string(macro) + "."};
