@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <functional>
 #include <optional>
+#include <span>
 #include <unordered_map>
 
 #include "base/text.h"
@@ -15,18 +17,25 @@ using modFunciones::LowerCase;
 using modPrincipal::Effect;
 using modPrincipal::Verb;
 
-using Actions = std::vector<const SharedAction*>;
+/// An action that puts a file in place, found again by the hash of its path: there may be a
+/// million.
+struct Put {
+  std::size_t hash;
+  const SharedAction* action;
+};
+using Puts = std::span<const Put>;
 
-/// Actions by their path or name in lower case, in script order, the first of each block.
-using ActionsByText = std::unordered_map<std::string, Actions>;
+/// KILLs by their name in lower case: the first of each block, and the first that is carried out at
+/// once.
+using Kills = std::unordered_map<std::string, std::vector<const SharedAction*>>;
 
 /// What all installations meet, and where to put what is found in it.
 struct Flow {
   const Script& script;
   const ReadingOfAll& reading;
   Findings& findings;
-  ActionsByText puts = {};   // ADD and UPDATE
-  ActionsByText kills = {};  // and the first of each block that is carried out at once
+  std::vector<Put> puts = {};  // by hash, then in script order
+  Kills kills = {};
 
   [[nodiscard]] int NumberOf(const SharedAction& action) const {
     return script.numbers[action.line];
@@ -42,31 +51,44 @@ struct Flow {
 
 bool PutsAFile(const SharedAction& action) { return action.command->effect == Effect::Download; }
 
-/// The first of some actions that somebody meets who meets another one as well; null when there is
-/// none.
-template <typename Condition>
-const SharedAction* FirstMet(const Flow& flow, const Actions& actions, const SharedAction& other,
-                             Condition condition) {
-  const auto isMet = [&](const SharedAction* action) {
-    return condition(*action) && flow.AudienceOf(*action).Overlaps(flow.AudienceOf(other));
-  };
-  const auto met = std::find_if(actions.begin(), actions.end(), isMet);
-  return met == actions.end() ? nullptr : *met;
+std::size_t HashOf(const std::string& path) { return std::hash<std::string>()(path); }
+
+bool ByHash(const Put& a, const Put& b) { return a.hash < b.hash; }
+
+void CollectPuts(Flow& flow) {
+  for (const auto& action : flow.reading.actions) {
+    if (PutsAFile(action)) flow.puts.push_back({HashOf(flow.TextOf(action)), &action});
+  }
+  std::stable_sort(flow.puts.begin(), flow.puts.end(), ByHash);
 }
 
-void FindDestinationsGivenTwice(Flow& flow) {
+/// The first that puts the file of a path in place and that somebody meets who meets another action
+/// as well; null when there is none.
+template <typename Condition>
+const SharedAction* FirstMet(const Flow& flow, Puts puts, const std::string& path,
+                             const SharedAction& other, Condition condition) {
+  const auto isMet = [&](const Put& put) {
+    return flow.AudienceOf(*put.action).Overlaps(flow.AudienceOf(other)) &&
+           condition(*put.action) && flow.TextOf(*put.action) == path;
+  };
+  const auto met = std::find_if(puts.begin(), puts.end(), isMet);
+  return met == puts.end() ? nullptr : met->action;
+}
+
+void FindDestinationsGivenTwice(const Flow& flow) {
   const auto any = [](const SharedAction& /*put*/) { return true; };
-  flow.puts.reserve(flow.reading.actions.size());
-  for (const auto& action : flow.reading.actions) {
-    if (!PutsAFile(action)) continue;
-    Actions& puts = flow.puts[flow.TextOf(action)];
-    if (const SharedAction* const first = FirstMet(flow, puts, action, any)) {
+  std::size_t first = 0;  // with the same hash
+  for (std::size_t i = 1; i < flow.puts.size(); ++i) {
+    if (flow.puts[i].hash != flow.puts[first].hash) first = i;
+    if (i == first) continue;
+    const SharedAction& action = *flow.puts[i].action;
+    const Puts earlier = Puts(flow.puts).subspan(first, i - first);
+    if (const auto* const met = FirstMet(flow, earlier, flow.TextOf(action), action, any)) {
       flow.findings.push_back({Severity::Error, flow.NumberOf(action),
                                "The destination is that of line " +
-                                   std::to_string(flow.NumberOf(*first)) +
+                                   std::to_string(flow.NumberOf(*met)) +
                                    " as well, so that the second of them fails, and the update."});
     }
-    if (puts.empty() || puts.back()->block != action.block) puts.push_back(&action);
   }
 }
 
@@ -74,15 +96,16 @@ void FindDestinationsGivenTwice(Flow& flow) {
 void FindDestinationsInTheWay(const Flow& flow) {
   for (const auto& action : flow.reading.actions) {
     if (!PutsAFile(action)) continue;
-    const std::string path = flow.TextOf(action);
+    std::string path = flow.TextOf(action);
     const bool isBackup = path.ends_with(".bak");
     if (!isBackup && !path.ends_with(".tmp")) continue;
-    const auto puts = flow.puts.find(path.substr(0, path.size() - 4));
-    if (puts == flow.puts.end()) continue;
+    path.resize(path.size() - 4);
     const auto writes = [&](const SharedAction& put) {
       return !isBackup || put.command->verb == Verb::Add;
     };
-    if (const SharedAction* const keeper = FirstMet(flow, puts->second, action, writes)) {
+    const auto [first, end] =
+        std::equal_range(flow.puts.begin(), flow.puts.end(), Put{HashOf(path), nullptr}, ByHash);
+    if (const auto* const keeper = FirstMet(flow, {first, end}, path, action, writes)) {
       flow.findings.push_back({Severity::Error, flow.NumberOf(action),
                                "The destination is where line " +
                                    std::to_string(flow.NumberOf(*keeper)) +
@@ -207,6 +230,7 @@ void FindIdleActions(const Flow& flow) {
 void CheckFlow(const Script& script, const ReadingOfAll& reading, const std::string& newest,
                Findings& findings) {
   Flow flow = {script, reading, findings};
+  CollectPuts(flow);
   FindDestinationsGivenTwice(flow);
   FindDestinationsInTheWay(flow);
   FindProgramsInUse(flow);
