@@ -38,7 +38,7 @@ std::string Table() {
           ActionSize.size() == count);
   std::string table;
   for (std::size_t i = 0; i < count; ++i) {
-    const bool isDownload = ActionCommand[i] == "ADD" || ActionCommand[i] == "UPDATE";
+    const bool isDownload = IsDownload(ActionCommand[i]);
     Require(ActionSize[i] == 0 || (isDownload && ActionSize[i] == 200 && !ActionArg2[i].empty()));
     table += ActionCommand[i] + '|' + ActionArg1[i] + '|' + ActionArg2[i] + '|' + ActionArg3[i] +
              '|' + std::to_string(ActionSize[i]) + '\n';

@@ -10,7 +10,6 @@
 #include "tests/support/sandbox.h"
 #include "transfer/download.h"
 #include "transfer/http_probe.h"
-#include "transfer/url.h"
 
 namespace {
 
