@@ -1,4 +1,5 @@
-// Prints the dictionary of the script's fuzzer: the words of the script, and what stands around them.
+// Prints the dictionary of the script's fuzzer: the words of the script, and what stands around
+// them.
 
 #include <cstdio>
 #include <string>
@@ -15,7 +16,7 @@ void Print(std::string_view entry) {
 
 int main() {
   for (const auto& command : modPrincipal::Commands()) {
-    Print(std::string(command.word) + '|');
+    Print(std::string(command.word) + (command.Arguments().empty() ? "" : "|"));
     for (const auto& argument : command.Arguments()) {
       for (const auto& [word, value] : argument.words) Print(word);
     }

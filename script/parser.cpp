@@ -24,9 +24,7 @@ class Recorder : public ScriptSink {
 
   void TakeName(const std::string& name) override { AppDisplayName = name; }
 
-  bool Holds(const Condition& condition) override {
-    return condition.HoldsFor(installed);
-  }
+  bool Holds(const Condition& condition) override { return condition.HoldsFor(installed); }
 
   bool TakeAction(const ActionLine& action) override {
     const std::string word(action.command.word);
