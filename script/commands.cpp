@@ -36,18 +36,18 @@ constexpr Argument ProcessName = {"name", Kind::ProcessName};
 constexpr Argument Duration = {"milliseconds", Kind::Milliseconds};
 
 constexpr Command Table[] = {
-    {Verb::Name, "NAME", 2, Effect::OnReading, {NameWord, MoreWords}},
-    {Verb::Version, "VERSION", 3, Effect::OnReading, {Relation, Version}},
-    {Verb::End, "END", 1, Effect::OnReading, {}},
-    {Verb::Add, "ADD", 3, Effect::Download, {File, Url}},
-    {Verb::Update, "UPDATE", 3, Effect::Download, {File, Url}},
-    {Verb::Delete, "DELETE", 2, Effect::Action, {DeletedFiles}},
-    {Verb::Message, "MSG", 3, Effect::Action, {Text, Icon}},
-    {Verb::Execute, "EXECUTE", 4, Effect::Action, {CommandLine, WaitWord, Window}},
-    {Verb::Kill, "KILL", 2, Effect::Action, {ProcessName}},
-    {Verb::Register, "REGISTER", 2, Effect::Action, {File}},
-    {Verb::Unregister, "UNREGISTER", 2, Effect::Action, {File}},
-    {Verb::Sleep, "SLEEP", 2, Effect::Action, {Duration}},
+    {Verb::Name, Effect::OnReading, "NAME", 2, {NameWord, MoreWords}},
+    {Verb::Version, Effect::OnReading, "VERSION", 3, {Relation, Version}},
+    {Verb::End, Effect::OnReading, "END", 1, {}},
+    {Verb::Add, Effect::Download, "ADD", 3, {File, Url}},
+    {Verb::Update, Effect::Download, "UPDATE", 3, {File, Url}},
+    {Verb::Delete, Effect::Action, "DELETE", 2, {DeletedFiles}},
+    {Verb::Message, Effect::Action, "MSG", 3, {Text, Icon}},
+    {Verb::Execute, Effect::Action, "EXECUTE", 4, {CommandLine, WaitWord, Window}},
+    {Verb::Kill, Effect::Action, "KILL", 2, {ProcessName}},
+    {Verb::Register, Effect::Action, "REGISTER", 2, {File}},
+    {Verb::Unregister, Effect::Action, "UNREGISTER", 2, {File}},
+    {Verb::Sleep, Effect::Action, "SLEEP", 2, {Duration}},
 };
 
 using Number = std::int32_t;

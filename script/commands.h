@@ -67,9 +67,9 @@ enum class Effect {
 
 struct Command {
   Verb verb;
+  Effect effect;
   std::string_view word;
   std::size_t leastFields;  // the word's own included; an action uses just these
-  Effect effect;
   std::array<Argument, 3> list;
 
   [[nodiscard]] bool IsAction() const { return effect != Effect::OnReading; }
