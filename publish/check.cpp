@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "publish/reading.h"
 #include "publish/versions.h"
 #include "script/version.h"
 
@@ -64,13 +65,14 @@ Findings Check(const Script& script, const Knowledge& knowledge) {
   Findings findings = CheckText(script);
   if (!findings.empty()) return findings;
   CheckLines(script, findings);
-  const ReadingOfAll reading = ReadForAll(script);
-  if (reading.failure.empty()) CheckFlow(script, reading, knowledge.newest, findings);
+  if (Verdict(script).empty()) CheckFlow(script, knowledge.newest, findings);
   CheckHeaderVersion(script, knowledge.updater, findings);
   Sort(findings);
   return findings;
 }
 
-std::string Verdict(const Script& script) { return ReadForAll(script).failure; }
+std::string Verdict(const Script& script) {
+  return Read(script, VersionsToldApart(script)).failure;
+}
 
 }  // namespace publish

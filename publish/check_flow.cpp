@@ -5,8 +5,8 @@
 #include <unordered_map>
 
 #include "base/text.h"
-#include "publish/audience.h"
 #include "publish/check_rules.h"
+#include "publish/reading.h"
 #include "publish/versions.h"
 #include "script/version.h"
 
@@ -21,35 +21,36 @@ using modPrincipal::Verb;
 /// million.
 struct Put {
   std::size_t hash;
-  const SharedAction* action;
+  const TakenAction* action;
 };
 using Puts = std::span<const Put>;
 
 /// KILLs by their name in lower case: the first of each block, and the first that is carried out at
 /// once.
-using Kills = std::unordered_map<std::string, std::vector<const SharedAction*>>;
+using Kills = std::unordered_map<std::string, std::vector<const TakenAction*>>;
 
 /// What all installations meet, and where to put what is found in it.
 struct Flow {
   const Script& script;
-  const ReadingOfAll& reading;
+  const std::vector<std::int32_t>& versions;
+  const Reading& reading;
   Findings& findings;
   std::vector<Put> puts = {};  // by hash, then in script order
   Kills kills = {};
 
-  [[nodiscard]] int NumberOf(const SharedAction& action) const {
+  [[nodiscard]] int NumberOf(const TakenAction& action) const {
     return script.numbers[action.line];
   }
   /// The first argument.
-  [[nodiscard]] std::string TextOf(const SharedAction& action) const {
+  [[nodiscard]] std::string TextOf(const TakenAction& action) const {
     return LowerCase(script.lines[action.line][1]);
   }
-  [[nodiscard]] const Audience& AudienceOf(const SharedAction& action) const {
+  [[nodiscard]] const Audience& AudienceOf(const TakenAction& action) const {
     return reading.blocks[action.block].audience;
   }
 };
 
-bool PutsAFile(const SharedAction& action) { return action.command->effect == Effect::Download; }
+bool PutsAFile(const TakenAction& action) { return action.command->effect == Effect::Download; }
 
 std::size_t HashOf(const std::string& path) { return std::hash<std::string>()(path); }
 
@@ -65,8 +66,8 @@ void CollectPuts(Flow& flow) {
 /// The first that puts the file of a path in place and that somebody meets who meets another action
 /// as well; null when there is none.
 template <typename Condition>
-const SharedAction* FirstMet(const Flow& flow, Puts puts, const std::string& path,
-                             const SharedAction& other, Condition condition) {
+const TakenAction* FirstMet(const Flow& flow, Puts puts, const std::string& path,
+                            const TakenAction& other, Condition condition) {
   const auto isMet = [&](const Put& put) {
     return flow.AudienceOf(*put.action).Overlaps(flow.AudienceOf(other)) &&
            condition(*put.action) && flow.TextOf(*put.action) == path;
@@ -76,12 +77,12 @@ const SharedAction* FirstMet(const Flow& flow, Puts puts, const std::string& pat
 }
 
 void FindDestinationsGivenTwice(const Flow& flow) {
-  const auto any = [](const SharedAction& /*put*/) { return true; };
+  const auto any = [](const TakenAction& /*put*/) { return true; };
   std::size_t first = 0;  // with the same hash
   for (std::size_t i = 1; i < flow.puts.size(); ++i) {
     if (flow.puts[i].hash != flow.puts[first].hash) first = i;
     if (i == first) continue;
-    const SharedAction& action = *flow.puts[i].action;
+    const TakenAction& action = *flow.puts[i].action;
     const Puts earlier = Puts(flow.puts).subspan(first, i - first);
     if (const auto* const met = FirstMet(flow, earlier, flow.TextOf(action), action, any)) {
       flow.findings.push_back({Severity::Error, flow.NumberOf(action),
@@ -100,7 +101,7 @@ void FindDestinationsInTheWay(const Flow& flow) {
     const bool isBackup = path.ends_with(".bak");
     if (!isBackup && !path.ends_with(".tmp")) continue;
     path.resize(path.size() - 4);
-    const auto writes = [&](const SharedAction& put) {
+    const auto writes = [&](const TakenAction& put) {
       return !isBackup || put.command->verb == Verb::Add;
     };
     const auto [first, end] =
@@ -126,12 +127,12 @@ void CollectKills(Flow& flow) {
 
 /// True when for everybody an earlier action, or one that is carried out before all others, ends
 /// the program.
-bool IsEndedBefore(const Flow& flow, const SharedAction& action, const std::string& program) {
+bool IsEndedBefore(const Flow& flow, const TakenAction& action, const std::string& program) {
   Audience others = flow.AudienceOf(action);
   for (std::size_t at = 0; at < program.size() && !others.IsEmpty(); ++at) {
     const auto found = flow.kills.find(program.substr(at));
     if (found == flow.kills.end()) continue;
-    for (const SharedAction* const kill : found->second) {
+    for (const TakenAction* const kill : found->second) {
       const bool isEarlier = kill->immediate || kill->line < action.line;
       const Audience& reached = flow.AudienceOf(*kill);
       if (isEarlier && reached.Overlaps(others)) others = others.Without(reached);
@@ -160,15 +161,14 @@ void FindProgramsInUse(Flow& flow) {
 
 /// Index of the VERSION line of the first block that updates an installation; nothing when none
 /// does. What is carried out at once is no update.
-std::optional<std::size_t> OpeningOfUpdate(const ReadingOfAll& reading,
-                                           const std::string& version) {
+std::optional<std::size_t> OpeningOfUpdate(const Flow& flow, const std::string& version) {
   // What holds for a version holds for those up to the next that is told apart.
-  const auto above = std::upper_bound(reading.versions.begin(), reading.versions.end(),
+  const auto above = std::upper_bound(flow.versions.begin(), flow.versions.end(),
                                       modPrincipal::VersionToNumber(version));
-  const auto end = static_cast<std::size_t>(above - reading.versions.begin());
+  const auto end = static_cast<std::size_t>(above - flow.versions.begin());
   const Audience installed(end - 1, end);
-  for (const auto& action : reading.actions) {
-    const auto& [opening, audience] = reading.blocks[action.block];
+  for (const auto& action : flow.reading.actions) {
+    const auto& [opening, audience] = flow.reading.blocks[action.block];
     if (!action.immediate && audience.Overlaps(installed)) return opening;
   }
   return std::nullopt;
@@ -190,7 +190,7 @@ void FindEndlessUpdates(const Flow& flow, const std::string& newest) {
            " itself: if that is the newest release, it is updated at every start."},
   };
   for (const auto& [version, severity, text] : cases) {
-    const auto opening = version.empty() ? std::nullopt : OpeningOfUpdate(flow.reading, version);
+    const auto opening = version.empty() ? std::nullopt : OpeningOfUpdate(flow, version);
     if (!opening) continue;
     // Who names one version alone means an old one.
     const bool namesOne = flow.script.lines[*opening][1] == "=";
@@ -227,9 +227,10 @@ void FindIdleActions(const Flow& flow) {
 
 }  // namespace
 
-void CheckFlow(const Script& script, const ReadingOfAll& reading, const std::string& newest,
-               Findings& findings) {
-  Flow flow = {script, reading, findings};
+void CheckFlow(const Script& script, const std::string& newest, Findings& findings) {
+  const auto versions = VersionsToldApart(script);
+  const Reading reading = Read(script, versions);
+  Flow flow = {script, versions, reading, findings};
   CollectPuts(flow);
   FindDestinationsGivenTwice(flow);
   FindDestinationsInTheWay(flow);

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "publish/audience.h"
 #include "publish/script_text.h"
 
 namespace publish {
@@ -25,7 +24,6 @@ void CheckLines(const Script& script, Findings& findings);
 
 /// What the lines of a script do together, for every installed version that it tells apart. Nobody
 /// must refuse it. newest: the newest release of the application, or "".
-void CheckFlow(const Script& script, const ReadingOfAll& reading, const std::string& newest,
-               Findings& findings);
+void CheckFlow(const Script& script, const std::string& newest, Findings& findings);
 
 }  // namespace publish

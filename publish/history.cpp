@@ -6,6 +6,7 @@
 #include "base/arrays.h"
 #include "base/replace.h"
 #include "publish/reading.h"
+#include "script/version.h"
 
 namespace publish {
 namespace {
@@ -27,11 +28,6 @@ std::size_t IndexOf(const Script& script, std::size_t line) {
   return static_cast<std::size_t>(script.numbers[line] - 1);
 }
 
-bool Is(Verb verb, const Fields& line) {
-  const auto* const command = CommandOf(line);
-  return command != nullptr && command->verb == verb;
-}
-
 void Insert(std::string& script, std::size_t at, const Lines& added) {
   Lines lines = LinesOf(script);
   at = std::min(at, lines.size());
@@ -50,7 +46,7 @@ void Erase(std::string& script, std::size_t first, std::size_t end) {
 /// as a comment upon that, stays.
 void EraseBlock(std::string& script, const Script& cut, std::size_t opening) {
   std::size_t next = opening + 1;
-  while (next < cut.lines.size() && !Is(Verb::Version, cut.lines[next])) ++next;
+  while (next < cut.lines.size() && !Is(cut.lines[next], Verb::Version)) ++next;
   Erase(script, IndexOf(cut, opening), IndexOf(cut, next - 1) + 1);
 }
 
@@ -64,11 +60,9 @@ void EraseBlocksLike(std::string& script, const std::string& versionLine) {
 
 /// Where the first block begins that takes effect for the version, comments upon it included.
 std::optional<std::size_t> BlockInTheWay(const Script& script, const std::string& version) {
-  const auto actions = ReadFor(script, version, false).actions;
-  const auto first = std::min_element(actions.begin(), actions.end(),
-                                      [](const auto& a, const auto& b) { return a.line < b.line; });
-  if (first == actions.end()) return std::nullopt;
-  return IndexOf(script, first->opening - 1) + 1;
+  const Reading reading = Read(script, {modPrincipal::VersionToNumber(version)});
+  if (reading.actions.empty()) return std::nullopt;
+  return IndexOf(script, reading.blocks[reading.actions.front().block].opening - 1) + 1;
 }
 
 }  // namespace
@@ -83,7 +77,7 @@ void SetHeader(std::string& script, const std::string& header) {
 void SetName(std::string& script, const std::string& name) {
   const Script cut = CutWithNumbers(script);
   std::size_t line = 1;
-  while (line < cut.lines.size() && !Is(Verb::Name, cut.lines[line])) ++line;
+  while (line < cut.lines.size() && !Is(cut.lines[line], Verb::Name)) ++line;
   const bool isThere = line < cut.lines.size();
   const std::size_t at = isThere ? IndexOf(cut, line) : IndexOf(cut, 0) + 1;
   if (isThere) Erase(script, at, at + 1);

@@ -1,72 +1,68 @@
 #include "publish/reading.h"
 
-#include "publish/progress.h"
+#include <algorithm>
+
 #include "run/messages.h"
-#include "script/version.h"
-#include "transfer/http_probe.h"
 
 namespace publish {
 namespace {
 
-/// One installation, which carries out nothing.
-class Installation : public modPrincipal::ScriptSink {
+/// Many installations at once, until an END leaves none.
+class Installations : public modPrincipal::ScriptSink {
  public:
-  Installation(const std::string& version, bool probes)
-      : installed(modPrincipal::VersionToNumber(version)), probe(probes) {}
+  Installations(const std::vector<std::int32_t>& installed, Reading& result)
+      : versions(installed), reading(result), readers(0, installed.size()) {}
 
   void TakeHeader(std::int32_t version, const std::string& /*url*/) override {
-    offersUpdater = version > 0;
+    reading.offersUpdater = version > 0;
   }
 
-  void TakeName(const std::string& taken) override { name = taken; }
+  void TakeName(const std::string& name) override { reading.name = name; }
 
   bool Holds(const modPrincipal::Condition& condition) override {
-    opening = condition.line;
-    return condition.HoldsFor(installed);
+    reading.blocks.push_back({condition.line, readers.Within(Meeting(condition))});
+    return !reading.blocks.back().audience.IsEmpty();
   }
 
   bool TakeAction(const modPrincipal::ActionLine& action) override {
-    TakenAction taken = {action.line, opening, action.atOnce};
-    const bool hasFile = action.command.effect == modPrincipal::Effect::Download;
-    if (probe && hasFile && !action.arg2.empty()) {
-      ShowProgress(recorded.size() + 1);
-      const auto length = modFunciones::AvailableLength(action.arg2);
-      taken.size = length.value_or(0);
-      taken.missing = !length;
-    }
-    (taken.immediate ? immediate : recorded).push_back(taken);
-    return !taken.missing;
+    reading.actions.push_back(
+        {action.line, reading.blocks.size() - 1, &action.command, action.atOnce});
+    return true;
   }
 
-  std::string name;
-  bool offersUpdater = false;
-  std::vector<TakenAction> immediate;
-  std::vector<TakenAction> recorded;
+  bool ReadsOn() override {
+    readers = readers.Without(reading.blocks.back().audience);
+    return !readers.IsEmpty();
+  }
 
  private:
-  const std::int32_t installed;
-  const bool probe;
-  std::size_t opening = 0;
+  /// A comparison holds alike for all lesser versions, and for all greater ones.
+  [[nodiscard]] Audience Meeting(const modPrincipal::Condition& condition) const {
+    const auto [least, greater] =
+        std::equal_range(versions.begin(), versions.end(), condition.version);
+    const bool holdsForEqual = condition.HoldsFor(condition.version);
+    auto first = holdsForEqual ? least : greater;
+    auto end = holdsForEqual ? greater : least;
+    if (condition.HoldsFor(condition.version - 1)) first = versions.begin();
+    if (condition.HoldsFor(condition.version + 1)) end = versions.end();
+    const auto indexOf = [&](auto at) { return static_cast<std::size_t>(at - versions.begin()); };
+    return {indexOf(first), indexOf(end)};
+  }
+
+  const std::vector<std::int32_t>& versions;
+  Reading& reading;
+  Audience readers;
 };
 
 }  // namespace
 
-Reading ReadFor(const Script& script, const std::string& installed, bool probe) {
-  using Kind = modPrincipal::Ending::Kind;
-  Installation installation(installed, probe);
-  const Kind kind = modPrincipal::ReadScript(script.lines, installation).kind;
-  Reading reading = {"", installation.name, installation.offersUpdater, installation.immediate};
-  auto first = installation.recorded.begin();
-  const auto end = installation.recorded.end();
-  // Of a refused script no row is carried out; the last one may be what it is refused for.
-  if (kind == Kind::NotUnderstood) {
+Reading Read(const Script& script, const std::vector<std::int32_t>& versions) {
+  Reading reading;
+  Installations installations(versions, reading);
+  const auto ending = modPrincipal::ReadScript(script.lines, installations);
+  if (ending.kind == modPrincipal::Ending::Kind::NotUnderstood) {
     reading.failure = modPrincipal::ScriptNotUnderstood;
-    first = end;
-  } else if (kind == Kind::NotAvailable) {
-    reading.failure = modPrincipal::FilesNotAvailable;
-    first = end - 1;
   }
-  reading.actions.insert(reading.actions.end(), first, end);
   return reading;
 }
 

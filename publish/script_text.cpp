@@ -15,6 +15,11 @@ const modPrincipal::Command* CommandOf(const Fields& line) {
   return modPrincipal::FindCommand(modPrincipal::CommandWord(line));
 }
 
+bool Is(const Fields& line, modPrincipal::Verb verb) {
+  const auto* const command = CommandOf(line);
+  return command != nullptr && command->verb == verb;
+}
+
 const std::string& FieldAt(const Fields& fields, std::size_t index) {
   static const std::string none;
   return index < fields.size() ? fields[index] : none;

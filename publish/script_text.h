@@ -24,6 +24,8 @@ struct Script {
 /// The command of a line; null for a word that is none.
 [[nodiscard]] const modPrincipal::Command* CommandOf(const Fields& line);
 
+[[nodiscard]] bool Is(const Fields& line, modPrincipal::Verb verb);
+
 /// Field number index, or the empty text when the line ends before it.
 [[nodiscard]] const std::string& FieldAt(const Fields& fields, std::size_t index);
 

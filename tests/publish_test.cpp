@@ -5,7 +5,6 @@
 #include <random>
 
 #include "base/text.h"
-#include "publish/audience.h"
 #include "publish/check.h"
 #include "publish/make.h"
 #include "publish/reading.h"
@@ -13,6 +12,7 @@
 #include "publish/source.h"
 #include "publish/versions.h"
 #include "run/messages.h"
+#include "script/version.h"
 #include "tests/support/loopback_server.h"
 #include "tests/support/sandbox.h"
 
@@ -132,17 +132,16 @@ TEST(Check, ReadsForEverybodyAsForEachAlone) {
     std::string text = header;
     for (int count = 30; count > 0; --count) text += lines[random() % lines.size()] + "\n";
     const Script script = CutWithNumbers(text);
-    const ReadingOfAll all = ReadForAll(script);
-    for (std::size_t k = 0; k < all.versions.size(); ++k) {
+    const auto versions = VersionsToldApart(script);
+    const Reading all = Read(script, versions);
+    for (std::size_t k = 0; k < versions.size(); ++k) {
       std::vector<std::size_t> shared;
       for (const auto& action : all.actions) {
         if (all.blocks[action.block].audience.Overlaps({k, k + 1})) shared.push_back(action.line);
       }
       std::vector<std::size_t> own;
-      const std::string version = VersionsToldApart(script)[k];
-      for (const auto& action : ReadFor(script, version, false).actions) own.push_back(action.line);
-      std::sort(own.begin(), own.end());  // those carried out at once come first
-      EXPECT_EQ(shared, own) << version << "\n" << text;
+      for (const auto& action : Read(script, {versions[k]}).actions) own.push_back(action.line);
+      EXPECT_EQ(shared, own) << versions[k] << "\n" << text;
     }
   }
 }
@@ -160,7 +159,7 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
   Texts met;  // by each range: lines, "!" when immediate, with their bytes; the final screen
   for (const auto& [first, last, reading, finalScreen, bytes] : SimulateAll(script, true)) {
     std::string actions;
-    for (const auto& [line, opening, immediate, size, missing] : reading.actions) {
+    for (const auto& [line, block, command, immediate, missing, size] : reading.actions) {
       actions += " " + std::to_string(script.numbers[line]) +
                  (immediate ? "!" : ":" + (missing ? "missing" : std::to_string(size)));
     }
@@ -181,6 +180,8 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
             modPrincipal::UpdaterNotAvailable);
   EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + a + "|" + ends), true).version, "");
   EXPECT_EQ(Fetch(gone), std::nullopt);
+  const Script faulty = CutWithNumbers(header + "VERSION|=|1\nADD|x|" + gone + "\nKILL");
+  EXPECT_EQ(Simulate(faulty, "1", true).finalScreen, modPrincipal::FilesNotAvailable);
 }
 
 class Making : public Test {
@@ -230,9 +231,10 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
   EXPECT_EQ(Make(order), Texts{});
   const Script ladder = CutWithNumbers(sandbox.Read("site/update.txt"));
   for (const char* installed : {"0.9.0", "1.0.0", "1.5.0", "2.0.0"}) {
-    EXPECT_FALSE(ReadFor(ladder, installed, false).actions.empty()) << installed;
+    EXPECT_FALSE(Read(ladder, {modPrincipal::VersionToNumber(installed)}).actions.empty())
+        << installed;
   }
-  EXPECT_TRUE(ReadFor(ladder, "3.0.0", false).actions.empty());
+  EXPECT_TRUE(Read(ladder, {modPrincipal::VersionToNumber("3.0.0")}).actions.empty());
 }
 
 TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
