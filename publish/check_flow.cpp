@@ -78,11 +78,18 @@ const TakenAction* FirstMet(const Flow& flow, Puts puts, const std::string& path
 
 void FindDestinationsGivenTwice(const Flow& flow) {
   const auto any = [](const TakenAction& /*put*/) { return true; };
-  std::size_t first = 0;  // with the same hash
+  const Audience everybody(0, flow.versions.size());
+  Audience unmet = everybody;  // by those with the same hash
+  std::size_t first = 0;       // of those
   for (std::size_t i = 1; i < flow.puts.size(); ++i) {
-    if (flow.puts[i].hash != flow.puts[first].hash) first = i;
-    if (i == first) continue;
+    if (flow.puts[i].hash != flow.puts[first].hash) {
+      first = i;
+      unmet = everybody;
+      continue;
+    }
     const TakenAction& action = *flow.puts[i].action;
+    unmet = unmet.Without(flow.AudienceOf(*flow.puts[i - 1].action));
+    if (flow.AudienceOf(action).Without(unmet).IsEmpty()) continue;
     const Puts earlier = Puts(flow.puts).subspan(first, i - first);
     if (const auto* const met = FirstMet(flow, earlier, flow.TextOf(action), action, any)) {
       flow.findings.push_back({Severity::Error, flow.NumberOf(action),
@@ -132,10 +139,16 @@ bool IsEndedBefore(const Flow& flow, const TakenAction& action, const std::strin
   for (std::size_t at = 0; at < program.size() && !others.IsEmpty(); ++at) {
     const auto found = flow.kills.find(program.substr(at));
     if (found == flow.kills.end()) continue;
-    for (const TakenAction* const kill : found->second) {
-      const bool isEarlier = kill->immediate || kill->line < action.line;
-      const Audience& reached = flow.AudienceOf(*kill);
-      if (isEarlier && reached.Overlaps(others)) others = others.Without(reached);
+    const auto& kills = found->second;
+    const auto later =
+        std::partition_point(kills.begin(), kills.end(),
+                             [&](const TakenAction* kill) { return kill->line < action.line; });
+    // The nearest one is most often that of the same block.
+    for (auto kill = later; kill != kills.begin() && !others.IsEmpty();) {
+      others = others.Without(flow.AudienceOf(**--kill));
+    }
+    for (auto kill = later; kill != kills.end() && !others.IsEmpty(); ++kill) {
+      if ((*kill)->immediate) others = others.Without(flow.AudienceOf(**kill));
     }
   }
   return others.IsEmpty();
