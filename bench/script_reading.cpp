@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "base/arrays.h"
 #include "bench/stopwatch.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
 #include "script/parser.h"
 
 namespace {

@@ -1,11 +1,11 @@
 // A command line: its cutting, and what start-up makes of it and hands on to a successor.
 
 #include "run/command_line.h"
+#include "base/arrays.h"
 #include "fuzz/fuzz.h"
 #include "run/run_state.h"
 #include "run/self_replacement.h"
 #include "run/startup.h"
-#include "script/arrays.h"
 
 namespace {
 

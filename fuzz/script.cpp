@@ -2,12 +2,12 @@
 
 #include <sstream>
 
+#include "base/arrays.h"
+#include "base/text.h"
 #include "fuzz/fuzz.h"
-#include "platform/text.h"
 #include "run/messages.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
 #include "script/parser.h"
 
 namespace {
@@ -38,7 +38,7 @@ std::string Table() {
           ActionSize.size() == count);
   std::string table;
   for (std::size_t i = 0; i < count; ++i) {
-    const bool isDownload = ActionCommand[i] == "ADD" || ActionCommand[i] == "UPDATE";
+    const bool isDownload = IsDownload(ActionCommand[i]);
     Require(ActionSize[i] == 0 || (isDownload && ActionSize[i] == 200 && !ActionArg2[i].empty()));
     table += ActionCommand[i] + '|' + ActionArg1[i] + '|' + ActionArg2[i] + '|' + ActionArg3[i] +
              '|' + std::to_string(ActionSize[i]) + '\n';
@@ -57,7 +57,7 @@ void Fuzz(const std::string& firstLine, const std::string& rest) {
 
   const std::string outcome = Parse(lines);
   const std::string table = Table();
-  Require(table.empty() || platform::text::UpperCase(text).find("VERSION") != std::string::npos);
+  Require(table.empty() || modFunciones::UpperCase(text).find("VERSION") != std::string::npos);
   if (outcome != ScriptNotUnderstood) {
     Require(lines.size() >= 4 && NewUpdaterVersion != 0 && !NewUpdaterUrl.empty());
     Require(outcome.empty() || (outcome == FilesNotAvailable && ActionSize.back() == 0));

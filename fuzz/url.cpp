@@ -4,8 +4,8 @@
 
 #include <cmath>
 
+#include "base/decimal.h"
 #include "fuzz/fuzz.h"
-#include "script/decimal.h"
 #include "transfer/http_probe.h"
 
 namespace {
@@ -28,8 +28,7 @@ void Fuzz(const std::string& firstLine, const std::string& rest) {
   Require(DecimalToInt32(rest) == Number(rest, INT32_MAX));
   Require(PortNumber(rest) == Number(rest, INT16_MAX));
 
-  UrlParts = SplitUrl(firstLine);
-  Require(AvailableLength().value_or(200) == 200);
+  Require(AvailableLength(firstLine).value_or(200) == 200);
   if (UrlParts.empty()) return;
   Require(UrlParts.size() >= 3 && UrlParts[2].starts_with('/'));
   Require((UrlParts[0] + UrlParts[1]).find('/') == std::string::npos);

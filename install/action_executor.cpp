@@ -2,42 +2,28 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
+#include "base/arrays.h"
+#include "base/decimal.h"
 #include "install/component_registration.h"
 #include "install/file_helpers.h"
 #include "install/process_control.h"
 #include "platform/files.h"
 #include "platform/processes.h"
-#include "platform/text.h"
 #include "platform/window.h"
 #include "run/messages.h"
 #include "run/progress_bar.h"
 #include "run/progress_window.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
-#include "script/decimal.h"
+#include "script/commands.h"
 
 namespace modPrincipal {
 namespace {
 
-struct StyleWord {
-  std::string_view word;
-  std::uint32_t value;
-};
-
-// Icons of MessageBox: MB_ICONWARNING, MB_ICONINFORMATION, MB_ICONSTOP, none.
-constexpr StyleWord MessageStyles[] = {
-    {"EXCLAMATION", 48}, {"INFORMATION", 64}, {"CRITICAL", 16}, {"NOTHING", 0}};
-
-// SW_ values of ShowWindow.
-constexpr StyleWord WindowStyles[] = {{"HIDE", 0}, {"NORMAL", 4},   {"NORMALFOCUS", 1},
-                                      {"MIN", 6},  {"MINFOCUS", 2}, {"MAX", 3}};
-
-/// One action: the command word and its three arguments.
+/// One action: the command and its three arguments.
 struct Action {
-  std::string_view command;
+  const Command& command;
   const std::string& arg1;
   const std::string& arg2;
   const std::string& arg3;
@@ -49,12 +35,8 @@ struct Styles {
   std::uint32_t window = 0;
 };
 
-void ChooseStyle(std::uint32_t& style, std::span<const StyleWord> words,
-                 const std::string& wanted) {
-  const std::string word = platform::text::UpperCase(wanted);
-  for (const auto& known : words) {
-    if (known.word == word) style = known.value;
-  }
+void ChooseStyle(std::uint32_t& style, const Action& action) {
+  style = ValueOf(action.command.Arguments().back().words, action.arg3).value_or(style);
 }
 
 bool PutInPlace(const std::string& path) { return modFunciones::FileRename(path + ".tmp", path); }
@@ -79,11 +61,11 @@ bool UpdateFile(const std::string& path) {
 }
 
 void Execute(const Action& action, std::uint32_t windowStyle) {
-  const std::string waitWord = platform::text::UpperCase(action.arg2);
-  if (waitWord != "WAIT" && waitWord != "NOWAIT") return;
+  const auto waits = ValueOf(action.command.Arguments()[1].words, action.arg2);
+  if (!waits) return;
   const auto program = platform::processes::Start(modFunciones::QuoteProgram(action.arg1),
                                                   static_cast<int>(windowStyle));
-  if (program && waitWord == "WAIT") modFunciones::WaitForProcess(program);
+  if (program && *waits != 0) modFunciones::WaitForProcess(program);
 }
 
 void Pause(const std::string& milliseconds) {
@@ -91,26 +73,41 @@ void Pause(const std::string& milliseconds) {
   if (duration) platform::processes::Sleep(static_cast<std::uint32_t>(*duration));
 }
 
-/// Carries out an action that may stand in a row or be immediate. False when a file could not be
-/// deleted; no other failure counts.
-bool CarryOut(const Action& action, Styles& styles) {
-  if (action.command == "DELETE") return modFunciones::FileDelete(action.arg1);
-  if (action.command == "MSG") {
-    ChooseStyle(styles.message, MessageStyles, action.arg3);
-    platform::window::ShowMessageBox(action.arg1, styles.message, AppTitle);
-  } else if (action.command == "EXECUTE") {
-    ChooseStyle(styles.window, WindowStyles, action.arg3);
-    Execute(action, styles.window);
-  } else if (action.command == "KILL") {
-    (void)modKillApp::KillApp(action.arg1);  // nobody is told how these went
-  } else if (action.command == "REGISTER") {
-    (void)modOcxDllReg::RegisterOcxDll(action.arg1, modOcxDllReg::RegisterMode);
-  } else if (action.command == "UNREGISTER") {
-    (void)modOcxDllReg::RegisterOcxDll(action.arg1, modOcxDllReg::UnregisterMode);
-  } else if (action.command == "SLEEP") {
-    Pause(action.arg1);
+/// Returns "" or the failure message.
+std::string_view CarryOut(const Action& action, Styles& styles) {
+  switch (action.command.verb) {
+    case Verb::Add:
+      return AddFile(action.arg1) ? "" : WriteFailure;
+    case Verb::Update:
+      return UpdateFile(action.arg1) ? "" : WriteFailure;
+    case Verb::Delete:
+      return modFunciones::FileDelete(action.arg1) ? "" : DeleteFailure;
+    case Verb::Message:
+      ChooseStyle(styles.message, action);
+      platform::window::ShowMessageBox(action.arg1, styles.message, AppTitle);
+      break;
+    case Verb::Execute:
+      ChooseStyle(styles.window, action);
+      Execute(action, styles.window);
+      break;
+    case Verb::Kill:
+      (void)modKillApp::KillApp(action.arg1);  // nobody is told how these went
+      break;
+    case Verb::Register:
+      (void)modOcxDllReg::RegisterOcxDll(action.arg1, modOcxDllReg::RegisterMode);
+      break;
+    case Verb::Unregister:
+      (void)modOcxDllReg::RegisterOcxDll(action.arg1, modOcxDllReg::UnregisterMode);
+      break;
+    case Verb::Sleep:
+      Pause(action.arg1);
+      break;
+    case Verb::Name:
+    case Verb::Version:
+    case Verb::End:
+      break;  // no actions
   }
-  return true;
+  return "";
 }
 
 }  // namespace
@@ -125,13 +122,11 @@ std::string RunActions() {
   const std::int32_t count = modFunciones::ElementCount(ActionCommand);
   for (std::int32_t i = 0; i < count; ++i) {
     const auto row = static_cast<std::size_t>(i);
-    const Action action = {ActionCommand[row], ActionArg1[row], ActionArg2[row], ActionArg3[row]};
-    if (action.command == "ADD") {
-      if (!AddFile(action.arg1)) return std::string(WriteFailure);
-    } else if (action.command == "UPDATE") {
-      if (!UpdateFile(action.arg1)) return std::string(WriteFailure);
-    } else if (!CarryOut(action, styles)) {
-      outcome = DeleteFailure;
+    if (const Command* const command = FindCommand(ActionCommand[row])) {
+      const std::string_view failure =
+          CarryOut({*command, ActionArg1[row], ActionArg2[row], ActionArg3[row]}, styles);
+      if (failure == WriteFailure) return std::string(failure);
+      if (!failure.empty()) outcome = failure;
     }
     modFunciones::DrawProgressBar(frmPrincipal::picTotal,
                                   static_cast<float>(i + 1) / static_cast<float>(count));
@@ -141,8 +136,10 @@ std::string RunActions() {
 
 std::string RunAction(std::string_view command, const std::string& arg1, const std::string& arg2,
                       const std::string& arg3) {
+  const Command* const found = FindCommand(command);
   Styles styles;
-  (void)CarryOut({command, arg1, arg2, arg3}, styles);  // a failed deletion is not reported
+  // A failed deletion is not reported.
+  if (found != nullptr && found->MarkerWorks()) (void)CarryOut({*found, arg1, arg2, arg3}, styles);
   return "";
 }
 

@@ -2,9 +2,10 @@
 
 #include <cstddef>
 
+#include "base/replace.h"
 #include "platform/files.h"
 #include "platform/system.h"
-#include "script/replace.h"
+#include "script/commands.h"
 
 namespace modFunciones {
 namespace {
@@ -24,9 +25,10 @@ std::string GetWindowsDir() { return QueryFolder(platform::system::WindowsDirect
 std::string GetSystemDir() { return QueryFolder(platform::system::SystemDirectory); }
 
 std::string ExpandMacros(std::string_view value) {
-  std::string expanded = ReplaceAll(value, "$WinPath", GetWindowsDir());
-  expanded = ReplaceAll(expanded, "$WinSysPath", GetSystemDir());
-  return ReplaceAll(expanded, "$AppPath", platform::system::ExecutableFolder());
+  if (value.find('$') == std::string_view::npos) return std::string(value);
+  std::string expanded = ReplaceAll(value, modPrincipal::WindowsMacro, GetWindowsDir());
+  expanded = ReplaceAll(expanded, modPrincipal::SystemMacro, GetSystemDir());
+  return ReplaceAll(expanded, modPrincipal::OwnFolderMacro, platform::system::ExecutableFolder());
 }
 
 void CreateFolderPath(const std::string& path) {

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "base/text.h"
 #include "platform/processes.h"
-#include "platform/text.h"
 #include "platform/window.h"
 
 namespace processes = platform::processes;
@@ -25,14 +25,14 @@ bool IsNtFamily() { return processes::SystemVersion() >= 0; }
 
 bool KillApp(std::string_view name) {
   if (name.empty()) return false;
-  const std::string ending = platform::text::LowerCase(name);
+  const std::string ending = modFunciones::LowerCase(name);
   bool matched = false;
   const processes::Snapshot snapshot = processes::TakeSnapshot(SnapshotOfProcesses);
   processes::Entry entry;
   for (bool more = snapshot && processes::FirstEntry(snapshot, entry); more;
        more = processes::NextEntry(snapshot, entry)) {
     if (entry.id == processes::OwnId()) continue;
-    if (platform::text::LowerCase(entry.fileName).ends_with(ending)) {
+    if (modFunciones::LowerCase(entry.fileName).ends_with(ending)) {
       matched = true;
       (void)KillProcess(entry.id, 0);  // one that cannot be ended is passed over
     }

@@ -72,7 +72,6 @@ struct DiskSpace {
   std::uint32_t sectorsPerCluster = 0;
   std::uint32_t bytesPerSector = 0;
   std::uint32_t freeClusters = 0;
-  std::uint32_t totalClusters = 0;
 };
 
 /// root: root folder of the volume, such as C:/. Windows: GetDiskFreeSpaceA. Linux: statvfs, in

@@ -13,7 +13,8 @@ namespace platform::system {
 /// backslashes at the end behind the closing quote; an empty argument leaves nothing.
 [[nodiscard]] std::string CommandLineText();
 
-/// Folder of the running executable, without a trailing backslash (a drive root keeps its own).
+/// Folder of the running executable as it was when the process first asked, without a trailing
+/// backslash (a drive root keeps its own).
 [[nodiscard]] std::string ExecutableFolder();
 
 /// File name of the running executable without its extension.

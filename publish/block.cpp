@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <set>
 
-#include "platform/text.h"
-#include "publish/encoding.h"
+#include "base/text.h"
 
 namespace publish {
 namespace {
 
-using platform::text::LowerCase;
+using modFunciones::LowerCase;
 
 std::string Installed(const std::string& name) { return "$AppPath\\" + name; }
 
@@ -70,7 +69,7 @@ std::string UrlBelow(const std::string& url, const std::string& name) {
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
   constexpr const char* Digits = "0123456789ABCDEF";
   std::string below = url;
-  for (const char character : ToUtf8(name)) {
+  for (const char character : modFunciones::ToUtf8(name)) {
     const auto byte = static_cast<unsigned char>(character);
     if (character == '\\') {
       below += '/';

@@ -10,7 +10,6 @@
 namespace publish {
 namespace {
 
-constexpr std::size_t LeastLines = 4;
 constexpr std::string_view ByteOrderMarks[] = {"\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF"};
 
 /// Byte-order mark and number of lines; with findings, looking further makes no sense.
@@ -22,7 +21,7 @@ Findings CheckText(const Script& script) {
                "save it as Windows-1252 (\"ANSI\")."}};
     }
   }
-  if (script.lines.size() < LeastLines) {
+  if (script.lines.size() < modPrincipal::LeastLines) {
     return {{Severity::Error, 0,
              "The script needs at least four lines beside comments and blank ones, but has " +
                  std::to_string(script.lines.size()) + "."}};
@@ -34,15 +33,15 @@ Findings CheckText(const Script& script) {
 void CheckHeaderVersion(const Script& script, const std::string& updater, Findings& findings) {
   using modPrincipal::VersionToNumber;
   const std::string recorded = RecordedVersion(updater);
-  const std::string stated = FieldAt(script.lines[0].fields, 0);
+  const std::string stated = FieldAt(script.lines[0], 0);
   if (recorded.empty() || VersionToNumber(stated) == VersionToNumber(recorded)) return;
   const std::string both =
       "The header offers the updater " + stated + ", but the file is version " + recorded + ": ";
   if (VersionToNumber(stated) > VersionToNumber(recorded)) {
-    findings.push_back({Severity::Error, script.lines[0].number,
+    findings.push_back({Severity::Error, script.numbers[0],
                         both + "every installation would replace its updater again and again."});
   } else {
-    findings.push_back({Severity::Warning, script.lines[0].number,
+    findings.push_back({Severity::Warning, script.numbers[0],
                         both + "installations that have " + stated + " will not get it."});
   }
 }
@@ -73,11 +72,7 @@ Findings Check(const Script& script, const Knowledge& knowledge) {
 }
 
 std::string Verdict(const Script& script) {
-  for (const auto& installed : VersionsToldApart(script)) {
-    const Reading reading = ReadFor(script, installed, false);
-    if (!reading.failure.empty()) return reading.failure;
-  }
-  return "";
+  return Read(script, VersionsToldApart(script)).failure;
 }
 
 }  // namespace publish

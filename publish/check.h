@@ -16,8 +16,7 @@ struct Knowledge {
 /// Everything there is to know about a script, errors first, then by line.
 [[nodiscard]] Findings Check(const Script& script, const Knowledge& knowledge);
 
-/// The message with which the parser refuses the script, for one installed version at least; empty
-/// when it refuses none.
+/// The message with which one installed version at least refuses the script; empty when none does.
 [[nodiscard]] std::string Verdict(const Script& script);
 
 }  // namespace publish

@@ -1,110 +1,194 @@
-#include "publish/check_rules.h"
-
 #include <algorithm>
-#include <map>
-#include <set>
+#include <functional>
+#include <optional>
+#include <span>
+#include <unordered_map>
 
-#include "platform/text.h"
+#include "base/text.h"
+#include "publish/check_rules.h"
 #include "publish/reading.h"
 #include "publish/versions.h"
-#include "publish/vocabulary.h"
+#include "script/version.h"
 
 namespace publish {
 namespace {
 
-using platform::text::LowerCase;
+using modFunciones::LowerCase;
+using modPrincipal::Effect;
+using modPrincipal::Verb;
 
-/// One reading of the script and where to put what is found in it.
-struct Run {
+/// An action that puts a file in place, found again by the hash of its path: there may be a
+/// million.
+struct Put {
+  std::size_t hash;
+  const TakenAction* action;
+};
+using Puts = std::span<const Put>;
+
+/// KILLs by their name in lower case: the first of each block, and the first that is carried out at
+/// once.
+using Kills = std::unordered_map<std::string, std::vector<const TakenAction*>>;
+
+/// What all installations meet, and where to put what is found in it.
+struct Flow {
   const Script& script;
+  const std::vector<std::int32_t>& versions;
   const Reading& reading;
   Findings& findings;
+  std::vector<Put> puts = {};  // by hash, then in script order
+  Kills kills = {};
 
-  [[nodiscard]] const ScriptLine& LineOf(const TakenAction& action) const {
-    return script.lines[action.line];
+  [[nodiscard]] int NumberOf(const TakenAction& action) const {
+    return script.numbers[action.line];
+  }
+  /// The first argument.
+  [[nodiscard]] std::string TextOf(const TakenAction& action) const {
+    return LowerCase(script.lines[action.line][1]);
+  }
+  [[nodiscard]] const Audience& AudienceOf(const TakenAction& action) const {
+    return reading.blocks[action.block].audience;
   }
 };
 
-bool PutsAFile(const ScriptLine& line) {
-  const std::string word = CommandWord(line.fields);
-  return word == "ADD" || word == "UPDATE";
+bool PutsAFile(const TakenAction& action) { return action.command->effect == Effect::Download; }
+
+std::size_t HashOf(const std::string& path) { return std::hash<std::string>()(path); }
+
+bool ByHash(const Put& a, const Put& b) { return a.hash < b.hash; }
+
+void CollectPuts(Flow& flow) {
+  for (const auto& action : flow.reading.actions) {
+    if (PutsAFile(action)) flow.puts.push_back({HashOf(flow.TextOf(action)), &action});
+  }
+  std::stable_sort(flow.puts.begin(), flow.puts.end(), ByHash);
 }
 
-std::string FileNameOf(const std::string& path) { return path.substr(path.find_last_of('\\') + 1); }
-
-void FindDestinationsGivenTwice(const Run& run) {
-  std::map<std::string, int> seen;  // line by destination
-  for (const auto& action : run.reading.actions) {
-    const ScriptLine& line = run.LineOf(action);
-    if (!PutsAFile(line)) continue;
-    const auto [first, isNew] = seen.insert({LowerCase(line.fields[1]), line.number});
-    if (isNew) continue;
-    run.findings.push_back({Severity::Error, line.number,
-                            "The destination is that of line " + std::to_string(first->second) +
-                                " as well, so that the second of them fails, and the update."});
-  }
-}
-
-/// A download and a backup have names of their own beside their destination.
-void FindDestinationsInTheWay(const Run& run) {
-  std::map<std::string, int> companions;  // line by path
-  for (const auto& action : run.reading.actions) {
-    const ScriptLine& line = run.LineOf(action);
-    if (!PutsAFile(line)) continue;
-    const std::string path = LowerCase(line.fields[1]);
-    companions.insert({path + ".tmp", line.number});
-    if (CommandWord(line.fields) == "ADD") companions.insert({path + ".bak", line.number});
-  }
-  for (const auto& action : run.reading.actions) {
-    const ScriptLine& line = run.LineOf(action);
-    const auto companion = companions.find(LowerCase(line.fields[1]));
-    if (!PutsAFile(line) || companion == companions.end()) continue;
-    run.findings.push_back({Severity::Error, line.number,
-                            "The destination is where line " + std::to_string(companion->second) +
-                                " keeps its download or its backup."});
-  }
-}
-
-/// True when an earlier action, or one that is carried out before all others, ends the program.
-bool IsEndedBefore(const Run& run, const TakenAction& action, const std::string& program) {
-  const auto ends = [&](const TakenAction& other) {
-    const Fields& fields = run.LineOf(other).fields;
-    const bool isEarlier = other.immediate || other.line < action.line;
-    return isEarlier && CommandWord(fields) == "KILL" && !fields[1].empty() &&
-           program.ends_with(LowerCase(fields[1]));
+/// The first that puts the file of a path in place and that somebody meets who meets another action
+/// as well; null when there is none.
+template <typename Condition>
+const TakenAction* FirstMet(const Flow& flow, Puts puts, const std::string& path,
+                            const TakenAction& other, Condition condition) {
+  const auto isMet = [&](const Put& put) {
+    return flow.AudienceOf(*put.action).Overlaps(flow.AudienceOf(other)) &&
+           condition(*put.action) && flow.TextOf(*put.action) == path;
   };
-  return std::any_of(run.reading.actions.begin(), run.reading.actions.end(), ends);
+  const auto met = std::find_if(puts.begin(), puts.end(), isMet);
+  return met == puts.end() ? nullptr : met->action;
 }
 
-void FindProgramsInUse(const Run& run) {
-  for (const auto& action : run.reading.actions) {
-    const ScriptLine& line = run.LineOf(action);
-    const std::string path = LowerCase(line.fields[1]);
-    const std::string program = FileNameOf(path);
-    if (!PutsAFile(line) || !program.ends_with(".exe")) continue;
-    if (path == "$apppath\\kestrane.exe") {
-      run.findings.push_back({Severity::Error, line.number,
-                              "The updater cannot replace itself so: the header is for that."});
-    } else if (!IsEndedBefore(run, action, program)) {
-      run.findings.push_back({Severity::Warning, line.number,
-                              "No KILL precedes that ends " + program +
-                                  ", and a program that runs cannot be replaced."});
+void FindDestinationsGivenTwice(const Flow& flow) {
+  const auto any = [](const TakenAction& /*put*/) { return true; };
+  const Audience everybody(0, flow.versions.size());
+  Audience unmet = everybody;  // by those with the same hash
+  std::size_t first = 0;       // of those
+  for (std::size_t i = 1; i < flow.puts.size(); ++i) {
+    if (flow.puts[i].hash != flow.puts[first].hash) {
+      first = i;
+      unmet = everybody;
+      continue;
+    }
+    const TakenAction& action = *flow.puts[i].action;
+    unmet = unmet.Without(flow.AudienceOf(*flow.puts[i - 1].action));
+    if (flow.AudienceOf(action).Without(unmet).IsEmpty()) continue;
+    const Puts earlier = Puts(flow.puts).subspan(first, i - first);
+    if (const auto* const met = FirstMet(flow, earlier, flow.TextOf(action), action, any)) {
+      flow.findings.push_back({Severity::Error, flow.NumberOf(action),
+                               "The destination is that of line " +
+                                   std::to_string(flow.NumberOf(*met)) +
+                                   " as well, so that the second of them fails, and the update."});
     }
   }
 }
 
-/// The VERSION line of the first block that updates an installation; null when none does. What is
-/// carried out at once is no update.
-const ScriptLine* OpeningOfUpdate(const Script& script, const std::string& installed) {
-  const Reading reading = ReadFor(script, installed, false);
-  const auto recorded = std::find_if(reading.actions.begin(), reading.actions.end(),
-                                     [](const TakenAction& action) { return !action.immediate; });
-  if (recorded == reading.actions.end()) return nullptr;
-  return &script.lines[OpeningOf(script, recorded->line)];
+/// A download and a backup have names of their own beside their destination.
+void FindDestinationsInTheWay(const Flow& flow) {
+  for (const auto& action : flow.reading.actions) {
+    if (!PutsAFile(action)) continue;
+    std::string path = flow.TextOf(action);
+    const bool isBackup = path.ends_with(".bak");
+    if (!isBackup && !path.ends_with(".tmp")) continue;
+    path.resize(path.size() - 4);
+    const auto writes = [&](const TakenAction& put) {
+      return !isBackup || put.command->verb == Verb::Add;
+    };
+    const auto [first, end] =
+        std::equal_range(flow.puts.begin(), flow.puts.end(), Put{HashOf(path), nullptr}, ByHash);
+    if (const auto* const keeper = FirstMet(flow, {first, end}, path, action, writes)) {
+      flow.findings.push_back({Severity::Error, flow.NumberOf(action),
+                               "The destination is where line " +
+                                   std::to_string(flow.NumberOf(*keeper)) +
+                                   " keeps its download or its backup."});
+    }
+  }
 }
 
-void FindEndlessUpdates(const Script& script, const std::string& newest, Findings& findings) {
-  const std::string greatest = GreatestNamed(script);
+void CollectKills(Flow& flow) {
+  for (const auto& action : flow.reading.actions) {
+    if (action.command->verb != Verb::Kill) continue;
+    auto& kills = flow.kills[flow.TextOf(action)];
+    const bool isNew = kills.empty() || kills.back()->block != action.block ||
+                       (action.immediate && !kills.back()->immediate);
+    if (isNew) kills.push_back(&action);
+  }
+}
+
+/// True when for everybody an earlier action, or one that is carried out before all others, ends
+/// the program.
+bool IsEndedBefore(const Flow& flow, const TakenAction& action, const std::string& program) {
+  Audience others = flow.AudienceOf(action);
+  for (std::size_t at = 0; at < program.size() && !others.IsEmpty(); ++at) {
+    const auto found = flow.kills.find(program.substr(at));
+    if (found == flow.kills.end()) continue;
+    const auto& kills = found->second;
+    const auto later =
+        std::partition_point(kills.begin(), kills.end(),
+                             [&](const TakenAction* kill) { return kill->line < action.line; });
+    // The nearest one is most often that of the same block.
+    for (auto kill = later; kill != kills.begin() && !others.IsEmpty();) {
+      others = others.Without(flow.AudienceOf(**--kill));
+    }
+    for (auto kill = later; kill != kills.end() && !others.IsEmpty(); ++kill) {
+      if ((*kill)->immediate) others = others.Without(flow.AudienceOf(**kill));
+    }
+  }
+  return others.IsEmpty();
+}
+
+void FindProgramsInUse(Flow& flow) {
+  CollectKills(flow);
+  for (const auto& action : flow.reading.actions) {
+    if (!PutsAFile(action)) continue;
+    const std::string path = flow.TextOf(action);
+    if (!path.ends_with(".exe")) continue;
+    const std::string program = path.substr(path.find_last_of('\\') + 1);
+    if (path == "$apppath\\kestrane.exe") {
+      flow.findings.push_back({Severity::Error, flow.NumberOf(action),
+                               "The updater cannot replace itself so: the header is for that."});
+    } else if (!IsEndedBefore(flow, action, program)) {
+      flow.findings.push_back({Severity::Warning, flow.NumberOf(action),
+                               "No KILL precedes that ends " + program +
+                                   ", and a program that runs cannot be replaced."});
+    }
+  }
+}
+
+/// Index of the VERSION line of the first block that updates an installation; nothing when none
+/// does. What is carried out at once is no update.
+std::optional<std::size_t> OpeningOfUpdate(const Flow& flow, const std::string& version) {
+  // What holds for a version holds for those up to the next that is told apart.
+  const auto above = std::upper_bound(flow.versions.begin(), flow.versions.end(),
+                                      modPrincipal::VersionToNumber(version));
+  const auto end = static_cast<std::size_t>(above - flow.versions.begin());
+  const Audience installed(end - 1, end);
+  for (const auto& action : flow.reading.actions) {
+    const auto& [opening, audience] = flow.reading.blocks[action.block];
+    if (!action.immediate && audience.Overlaps(installed)) return opening;
+  }
+  return std::nullopt;
+}
+
+void FindEndlessUpdates(const Flow& flow, const std::string& newest) {
+  const std::string greatest = GreatestNamed(flow.script);
   const struct {
     std::string version;
     Severity severity;
@@ -119,32 +203,34 @@ void FindEndlessUpdates(const Script& script, const std::string& newest, Finding
            " itself: if that is the newest release, it is updated at every start."},
   };
   for (const auto& [version, severity, text] : cases) {
-    const ScriptLine* const opening = version.empty() ? nullptr : OpeningOfUpdate(script, version);
-    if (opening == nullptr) continue;
+    const auto opening = version.empty() ? std::nullopt : OpeningOfUpdate(flow, version);
+    if (!opening) continue;
     // Who names one version alone means an old one.
-    const bool namesOne = opening->fields[1] == "=";
+    const bool namesOne = flow.script.lines[*opening][1] == "=";
     if (severity == Severity::Warning && namesOne) continue;
-    findings.push_back({severity, opening->number, text});
+    flow.findings.push_back({severity, flow.script.numbers[*opening], text});
     return;
   }
 }
 
 /// Actions that take effect for nobody: those above every VERSION line, and those that every
 /// installed version is kept from. What an unknown word switches off is told where that stands.
-void FindIdleActions(const Script& script, const std::set<std::size_t>& taken, Findings& findings) {
+void FindIdleActions(const Flow& flow) {
+  auto taken = flow.reading.actions.begin();
   bool inBlock = false;
   bool isSwitchedOff = false;
-  for (std::size_t i = 1; i < script.lines.size(); ++i) {
-    const auto& [number, fields] = script.lines[i];
-    const Command* const command = FindCommand(CommandWord(fields));
+  for (std::size_t i = 1; i < flow.script.lines.size(); ++i) {
+    const bool isTaken = taken != flow.reading.actions.end() && taken->line == i;
+    if (isTaken) ++taken;
+    const auto* const command = CommandOf(flow.script.lines[i]);
     if (command == nullptr) isSwitchedOff = true;
-    if (command != nullptr && command->word == "VERSION") {
+    if (command != nullptr && command->verb == Verb::Version) {
       inBlock = true;
       isSwitchedOff = false;
     }
-    if (command == nullptr || !command->isAction || taken.contains(i) || isSwitchedOff) continue;
-    findings.push_back(
-        {Severity::Warning, number,
+    if (command == nullptr || !command->IsAction() || isTaken || isSwitchedOff) continue;
+    flow.findings.push_back(
+        {Severity::Warning, flow.script.numbers[i],
          inBlock ? "No installed version gets to this action: an END above it ends the reading, or "
                    "the VERSION line holds for none."
                  : "The action stands before the first VERSION line and never takes effect."});
@@ -155,17 +241,15 @@ void FindIdleActions(const Script& script, const std::set<std::size_t>& taken, F
 }  // namespace
 
 void CheckFlow(const Script& script, const std::string& newest, Findings& findings) {
-  std::set<std::size_t> taken;
-  for (const auto& installed : VersionsToldApart(script)) {
-    const Reading reading = ReadFor(script, installed, false);
-    for (const auto& action : reading.actions) taken.insert(action.line);
-    const Run run = {script, reading, findings};
-    FindDestinationsGivenTwice(run);
-    FindDestinationsInTheWay(run);
-    FindProgramsInUse(run);
-  }
-  FindEndlessUpdates(script, newest, findings);
-  FindIdleActions(script, taken, findings);
+  const auto versions = VersionsToldApart(script);
+  const Reading reading = Read(script, versions);
+  Flow flow = {script, versions, reading, findings};
+  CollectPuts(flow);
+  FindDestinationsGivenTwice(flow);
+  FindDestinationsInTheWay(flow);
+  FindProgramsInUse(flow);
+  FindEndlessUpdates(flow, newest);
+  FindIdleActions(flow);
 }
 
 }  // namespace publish

@@ -2,30 +2,35 @@
 
 #include <algorithm>
 #include <iterator>
-#include <sstream>
+#include <numeric>
+#include <span>
 
-#include "platform/text.h"
-#include "publish/encoding.h"
-#include "publish/reading.h"
+#include "base/decimal.h"
+#include "base/text.h"
 #include "publish/source.h"
-#include "publish/vocabulary.h"
-#include "script/decimal.h"
-#include "script/replace.h"
 #include "script/version.h"
 #include "transfer/url.h"
 
 namespace publish {
 namespace {
 
-using platform::text::LowerCase;
-using platform::text::UpperCase;
+using modFunciones::LowerCase;
+using modPrincipal::Argument;
+using modPrincipal::Command;
+using modPrincipal::FindCommand;
+using modPrincipal::FindComparator;
+using modPrincipal::HasMarker;
+using modPrincipal::Macros;
+using modPrincipal::Verb;
+using Kind = modPrincipal::ArgumentKind;
 
 /// A line with what the rules ask of it.
 struct Line {
   const Fields& fields;
-  std::string word;
-  const Command* command;  // null: unknown
+  const modPrincipal::Command* command;  // null: unknown, or the header
   bool isHeader;
+
+  [[nodiscard]] std::string Word() const { return std::string(command->word); }
 };
 
 /// What a rule says of a line; an empty text when it has nothing to say.
@@ -34,12 +39,12 @@ struct Remark {
   std::string text;
 };
 
-std::string Quoted(const std::string& text) { return '"' + text + '"'; }
+std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 
-std::string Trimmed(const std::string& text) {
+std::string_view Trimmed(std::string_view text) {
   constexpr const char* Blanks = " \t";
   const auto first = text.find_first_not_of(Blanks);
-  if (first == std::string::npos) return "";
+  if (first == std::string_view::npos) return "";
   return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
 }
 
@@ -59,53 +64,96 @@ std::string WhyVersionIsRefused(const Fields& fields) {
     return "VERSION must have exactly three fields, VERSION|comparator|version, but has " +
            std::to_string(fields.size());
   }
-  if (IsComparator(fields[1])) return Quoted(fields[2]) + " is no version such as 3.2.0";
-  if (IsComparator(Trimmed(fields[1]))) return "There are spaces around the comparator";
+  if (FindComparator(fields[1]) != nullptr) {
+    return Quoted(fields[2]) + " is no version such as 3.2.0";
+  }
+  if (FindComparator(Trimmed(fields[1])) != nullptr) {
+    return "There are spaces around the comparator";
+  }
   return Quoted(fields[1]) + " is no comparator; those are <, <=, =, >= and >";
+}
+
+/// How a line of the command is written.
+std::string FormOf(const Command& command) {
+  std::string form(command.word);
+  for (const auto& argument : command.Arguments()) form += "|" + std::string(argument.name);
+  return form;
 }
 
 std::string WhyRefused(const Line& line) {
   if (line.isHeader) return WhyHeaderIsRefused(line.fields);
-  if (line.word == "VERSION") return WhyVersionIsRefused(line.fields);
-  if (line.fields.size() < line.command->leastFields) {
-    return line.word + " needs " + std::to_string(line.command->leastFields) + " fields, " +
-           std::string(line.command->form) + ", but has " + std::to_string(line.fields.size());
+  const Command& command = *line.command;
+  if (command.verb == Verb::Version) return WhyVersionIsRefused(line.fields);
+  if (line.fields.size() < command.leastFields) {
+    return line.Word() + " needs " + std::to_string(command.leastFields) + " fields, " +
+           FormOf(command) + ", but has " + std::to_string(line.fields.size());
   }
   return "NAME gives no name";
 }
 
 Remark Refusal(const Line& line) {
-  if (!line.isHeader && line.command == nullptr) return {};
-  if (!IsRefused(line.fields, line.isHeader)) return {};
+  const bool isRefused = line.isHeader
+                             ? !modPrincipal::IsHeader(line.fields)
+                             : line.command != nullptr && !IsWellFormed(*line.command, line.fields);
+  if (!isRefused) return {};
   return {Severity::Error,
           WhyRefused(line) + ": an installation that reads this line refuses the whole script."};
 }
 
-std::string WhyUnknown(const Line& line) {
-  const std::string& written = line.fields[0];
-  const std::string trimmed = Trimmed(line.word);
-  if (trimmed.empty() && line.fields.size() == 1) return "The line holds nothing but blanks";
+/// The number of letters to put in, take out or replace.
+std::size_t Distance(std::string_view from, std::string_view to) {
+  std::vector<std::size_t> row(to.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= from.size(); ++i) {
+    std::size_t diagonal = row[0]++;
+    for (std::size_t j = 1; j <= to.size(); ++j) {
+      const std::size_t replaced = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+    }
+  }
+  return row[to.size()];
+}
+
+/// The command word that is nearest to a misspelt one; empty when none is near.
+std::string_view NearestCommand(std::string_view word) {
+  std::string_view nearest;
+  std::size_t least = word.size() / 2 + 1;
+  for (const auto& command : modPrincipal::Commands()) {
+    const std::size_t distance = Distance(word, command.word);
+    if (distance < least) {
+      least = distance;
+      nearest = command.word;
+    }
+  }
+  return nearest;
+}
+
+std::string WhyUnknown(const Fields& fields) {
+  const std::string word = modPrincipal::CommandWord(fields);
+  const std::string trimmed(Trimmed(word));
+  if (trimmed.empty() && fields.size() == 1) return "The line holds nothing but blanks";
   if (trimmed.starts_with('#')) return "The comment does not begin in the first column";
   if (FindCommand(trimmed) != nullptr) return "There are spaces around the command " + trimmed;
   const auto nearest = NearestCommand(trimmed);
-  return Quoted(written) + " is no command" +
+  return Quoted(fields[0]) + " is no command" +
          (nearest.empty() ? "" : " (" + std::string(nearest) + " is the nearest)");
 }
 
 Remark UnknownCommand(const Line& line) {
   if (line.isHeader || line.command != nullptr) return {};
-  return {Severity::Error, WhyUnknown(line) +
+  return {Severity::Error, WhyUnknown(line.fields) +
                                ", which switches off the actions that follow, up to the next "
                                "VERSION."};
 }
 
 Remark IdleMarker(const Line& line) {
-  if (line.command == nullptr || line.command->markerWorks || !HasMarker(line.fields)) return {};
-  return {Severity::Warning, "The \"!\" has no effect on " + line.word + "."};
+  if (line.command == nullptr || line.command->MarkerWorks() || !HasMarker(line.fields)) return {};
+  return {Severity::Warning, "The \"!\" has no effect on " + line.Word() + "."};
 }
 
 Remark MacroInImmediateAction(const Line& line) {
-  if (line.command == nullptr || !line.command->markerWorks || !HasMarker(line.fields)) return {};
+  if (line.command == nullptr || !line.command->MarkerWorks() || !HasMarker(line.fields)) return {};
   for (const auto& macro : Macros) {
     if (FieldAt(line.fields, 1).find(macro) != std::string::npos) {
       return {Severity::Error, std::string(macro) + " is not replaced in an action with \"!\"."};
@@ -114,12 +162,18 @@ Remark MacroInImmediateAction(const Line& line) {
   return {};
 }
 
+/// Whether a text begins with a macro, in any letter case.
+bool BeginsWith(std::string_view text, std::string_view macro) {
+  return LowerCase(text.substr(0, macro.size())) == LowerCase(macro);
+}
+
 Remark MacroInWrongCase(const Line& line) {
-  if (line.command == nullptr || !line.command->isAction) return {};
-  std::string rest = FieldAt(line.fields, 1);
-  for (const auto& macro : Macros) rest = modFunciones::ReplaceAll(rest, macro, "");
-  for (const auto& macro : Macros) {
-    if (LowerCase(rest).find(LowerCase(macro)) != std::string::npos) {
+  if (line.command == nullptr || !line.command->IsAction()) return {};
+  const std::string_view text = FieldAt(line.fields, 1);
+  for (auto at = text.find('$'); at != std::string_view::npos; at = text.find('$', at + 1)) {
+    const std::string_view rest = text.substr(at);
+    for (const auto& macro : Macros) {
+      if (rest.starts_with(macro) || !BeginsWith(rest, macro)) continue;
       return {Severity::Error,
               std::string(macro) + " is written in other letter case and is not replaced."};
     }
@@ -127,39 +181,66 @@ Remark MacroInWrongCase(const Line& line) {
   return {};
 }
 
-Remark UnknownWord(const Line& line) {
-  for (const auto& argument : WordArguments()) {
-    if (line.word != argument.command || line.fields.size() <= argument.field) continue;
-    const std::string& written = line.fields[argument.field];
-    const auto& words = argument.words;
-    if (std::find(words.begin(), words.end(), UpperCase(written)) != words.end()) continue;
-    return {argument.stopsTheAction ? Severity::Error : Severity::Warning,
-            Quoted(written) + " is no " + std::string(argument.meaning) + " of " + line.word +
-                ": " + std::string(argument.consequence) + "."};
+bool IsAccented(char character) { return static_cast<unsigned char>(character) > '~'; }
+
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    if (!modFunciones::TakeCodePoint(text)) return false;
+  }
+  return true;
+}
+
+/// True for a byte that no character of the code page has.
+bool IsUnassigned(char byte) {
+  const char16_t codePoint = modFunciones::CodePointOf(byte);
+  return codePoint >= 0x80 && codePoint < 0xA0;
+}
+
+Remark OddCharacters(const Line& line) {
+  for (const auto& field : line.fields) {
+    if (std::none_of(field.begin(), field.end(), IsAccented)) continue;
+    if (IsUtf8(field)) {
+      return {Severity::Warning,
+              "The line is in UTF-8, but is read as Windows-1252: users will "
+              "see other characters."};
+    }
+    if (std::any_of(field.begin(), field.end(), IsUnassigned)) {
+      return {Severity::Warning, "The line has bytes that are no character of Windows-1252."};
+    }
   }
   return {};
 }
 
-Remark PauseThatIsNone(const Line& line) {
-  if (line.word != "SLEEP" || line.fields.size() < 2) return {};
-  if (modFunciones::DecimalToInt32(line.fields[1])) return {};
-  return {Severity::Warning,
-          Quoted(line.fields[1]) + " is no number of milliseconds: the pause is left out."};
-}
+// The rules for one argument: what it is to be, and what is written there.
 
-/// The URL that a line names; empty when it names none.
-std::string UrlOf(const Line& line) {
-  if (line.isHeader) return FieldAt(line.fields, 1);
-  return line.word == "ADD" || line.word == "UPDATE" ? FieldAt(line.fields, 2) : "";
-}
+bool IsPath(Kind kind) { return kind == Kind::Path || kind == Kind::Files; }
 
-Remark UnusableUrl(const Line& line) {
-  const bool needsUrl = line.word == "ADD" || line.word == "UPDATE";
-  const std::string url = UrlOf(line);
-  if (needsUrl && line.fields.size() > 2 && url.empty()) {
-    return {Severity::Error, line.word + " names no URL, so that its download fails."};
+Remark UnknownWord(const Line& line, const Argument& argument, const std::string& written) {
+  if (argument.words.empty() || ValueOf(argument.words, written)) return {};
+  const std::string said = Quoted(written) + " is no ";
+  const std::string name(argument.name);
+  if (argument.kind == Kind::Choice) {
+    return {Severity::Error,
+            said + LowerCase(name) + " word of " + line.Word() + ": the program is not started."};
   }
-  if (url.empty()) return {};
+  const bool starts = line.command->Arguments()[0].kind == Kind::CommandLine;
+  return {Severity::Warning, said + name + " of " + line.Word() + ": the " +
+                                 (starts ? "program" : "message") + " gets none, or that of the " +
+                                 line.Word() + " before it."};
+}
+
+Remark PauseThatIsNone(const Line& /*line*/, const Argument& argument, const std::string& written) {
+  if (argument.kind != Kind::Milliseconds || modFunciones::DecimalToInt32(written)) return {};
+  return {Severity::Warning,
+          Quoted(written) + " is no number of milliseconds: the pause is left out."};
+}
+
+Remark UnusableUrl(const Line& line, const Argument& argument, const std::string& url) {
+  if (argument.kind != Kind::Url) return {};
+  if (url.empty()) {
+    if (line.isHeader) return {};  // Refusal tells
+    return {Severity::Error, line.Word() + " names no URL, so that its download fails."};
+  }
   const auto parts = modFunciones::SplitUrl(url);
   const bool isUsable =
       IsUrl(url) && !parts.empty() && !parts[0].empty() && modFunciones::PortNumber(parts[1]);
@@ -174,9 +255,8 @@ Remark UnusableUrl(const Line& line) {
           "The URL has blanks or accented letters, which have to be written as %20 and so on."};
 }
 
-Remark PlainHttp(const Line& line) {
-  const std::string url = UrlOf(line);
-  if (!IsUrl(url) || modFunciones::IsSecureUrl(url)) return {};
+Remark PlainHttp(const Line& /*line*/, const Argument& argument, const std::string& url) {
+  if (argument.kind != Kind::Url || !IsUrl(url) || modFunciones::IsSecureUrl(url)) return {};
   const auto parts = modFunciones::SplitUrl(url);
   const std::string host = parts.empty() ? "" : LowerCase(parts[0]);
   if (host == "localhost" || host.starts_with("127.")) return {};
@@ -184,30 +264,27 @@ Remark PlainHttp(const Line& line) {
           "The URL is plain http, where anyone on the way can replace the file: use https."};
 }
 
-Remark MissingArgument(const Line& line) {
-  if (line.command == nullptr || line.fields.size() < 2 || !line.fields[1].empty()) return {};
-  switch (line.command->first) {
-    case Argument::Path:
-      return {Severity::Error, line.word + " names no file."};
-    case Argument::CommandLine:
-      return {Severity::Error, "EXECUTE names no program."};
-    case Argument::ProcessName:
-      return {Severity::Warning, "KILL without a name ends nothing."};
-    case Argument::Other:
-      return {};
+Remark MissingArgument(const Line& line, const Argument& argument, const std::string& written) {
+  if (!written.empty()) return {};
+  if (IsPath(argument.kind)) return {Severity::Error, line.Word() + " names no file."};
+  if (argument.kind == Kind::CommandLine) {
+    return {Severity::Error, line.Word() + " names no program."};
+  }
+  if (argument.kind == Kind::ProcessName) {
+    return {Severity::Warning, line.Word() + " without a name ends nothing."};
   }
   return {};
 }
 
 /// What a path begins with that is no macro, or no whole one.
-Remark BeginningOfPath(const std::string& path) {
-  for (const auto& macro : Macros) {
-    if (!LowerCase(path).starts_with(LowerCase(macro))) continue;
-    if (!path.starts_with(macro)) return {};  // MacroInWrongCase tells
-    if (path.substr(macro.size()).starts_with('\\')) return {};
-    return {Severity::Error, "There is no backslash behind " + std::string(macro) + "."};
-  }
+Remark BeginningOfPath(std::string_view path) {
   if (path.starts_with('$')) {
+    for (const auto& macro : Macros) {
+      if (!BeginsWith(path, macro)) continue;
+      if (!path.starts_with(macro)) return {};  // MacroInWrongCase tells
+      if (path.substr(macro.size()).starts_with('\\')) return {};
+      return {Severity::Error, "There is no backslash behind " + std::string(macro) + "."};
+    }
     return {Severity::Error,
             "The path begins with no macro; those are $WinPath, $WinSysPath and $AppPath."};
   }
@@ -217,10 +294,8 @@ Remark BeginningOfPath(const std::string& path) {
           "the updater was started."};
 }
 
-Remark PathThatGoesAstray(const Line& line) {
-  if (line.command == nullptr || line.command->first != Argument::Path) return {};
-  const std::string path = FieldAt(line.fields, 1);
-  if (path.empty()) return {};
+Remark PathThatGoesAstray(const Line& /*line*/, const Argument& argument, const std::string& path) {
+  if (!IsPath(argument.kind) || path.empty()) return {};
   if (path.find('/') != std::string::npos) {
     return {Severity::Warning, "The path has a \"/\", where Windows wants a backslash."};
   }
@@ -228,7 +303,7 @@ Remark PathThatGoesAstray(const Line& line) {
     return {Severity::Error, "The path ends with a backslash, as that of a folder."};
   }
   if (path.find_first_of("*?") != std::string::npos) {
-    return {line.word == "DELETE" ? Severity::Warning : Severity::Error,
+    return {argument.kind == Kind::Files ? Severity::Warning : Severity::Error,
             "The path has a * or ?, which only DELETE understands: it deletes every file that "
             "fits."};
   }
@@ -239,39 +314,26 @@ Remark PathThatGoesAstray(const Line& line) {
 constexpr std::string_view Devices[] = {
     "con",  "prn",  "aux",  "nul",  "com1", "com2", "com3", "com4", "com5", "com6", "com7",
     "com8", "com9", "lpt1", "lpt2", "lpt3", "lpt4", "lpt5", "lpt6", "lpt7", "lpt8", "lpt9"};
+constexpr std::size_t LongestDevice = 4;
 
-Remark PathToADevice(const Line& line) {
-  if (line.command == nullptr || line.command->first != Argument::Path) return {};
-  std::istringstream path(LowerCase(FieldAt(line.fields, 1)));
-  for (std::string name; std::getline(path, name, '\\');) {
-    const std::string stem = Trimmed(name.substr(0, name.find('.')));
-    if (std::find(std::begin(Devices), std::end(Devices), stem) == std::end(Devices)) continue;
-    return {Severity::Error, Quoted(stem) + " is a device of Windows, no file and no folder."};
+Remark PathToADevice(const Line& /*line*/, const Argument& argument, const std::string& path) {
+  if (!IsPath(argument.kind)) return {};
+  for (std::string_view rest = path; !rest.empty();) {
+    const std::string_view name = rest.substr(0, rest.find('\\'));
+    rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+    const std::string_view stem = Trimmed(name.substr(0, name.find('.')));
+    if (stem.size() > LongestDevice) continue;
+    const std::string device = LowerCase(stem);
+    if (std::find(std::begin(Devices), std::end(Devices), device) == std::end(Devices)) continue;
+    return {Severity::Error, Quoted(device) + " is a device of Windows, no file and no folder."};
   }
   return {};
 }
 
-Remark BlanksAroundThePath(const Line& line) {
-  const bool hasPath = line.command != nullptr && line.command->first == Argument::Path;
-  const std::string path = hasPath ? FieldAt(line.fields, 1) : "";
-  if (Trimmed(path) == path) return {};
+Remark BlanksAroundThePath(const Line& /*line*/, const Argument& argument,
+                           const std::string& path) {
+  if (!IsPath(argument.kind) || Trimmed(path).size() == path.size()) return {};
   return {Severity::Warning, "There are blanks around the path, and they belong to it."};
-}
-
-bool IsAccented(char character) { return static_cast<unsigned char>(character) > '~'; }
-
-Remark OddCharacters(const Line& line) {
-  for (const auto& field : line.fields) {
-    if (IsUtf8(field) && std::any_of(field.begin(), field.end(), IsAccented)) {
-      return {Severity::Warning,
-              "The line is in UTF-8, but is read as Windows-1252: users will "
-              "see other characters."};
-    }
-    if (std::any_of(field.begin(), field.end(), IsUnassigned)) {
-      return {Severity::Warning, "The line has bytes that are no character of Windows-1252."};
-    }
-  }
-  return {};
 }
 
 /// Programs that Windows needs, or that every user has.
@@ -282,9 +344,9 @@ constexpr std::string_view CommonPrograms[] = {
 constexpr std::string_view ProgramSuffix = ".exe";
 constexpr std::size_t ShortestStem = 3;
 
-Remark KillOfTooMuch(const Line& line) {
-  if (line.word != "KILL" || line.fields.size() < 2) return {};
-  const std::string name = LowerCase(line.fields[1]);
+Remark KillOfTooMuch(const Line& /*line*/, const Argument& argument, const std::string& written) {
+  if (argument.kind != Kind::ProcessName) return {};
+  const std::string name = LowerCase(written);
   if (name.empty()) return {};
   if (std::string_view("kestrane.exe").ends_with(name)) {
     return {Severity::Error, "KILL ends every program whose name ends so, the updater too."};
@@ -307,32 +369,36 @@ Remark KillOfTooMuch(const Line& line) {
   return {};
 }
 
-constexpr Remark (*Rules[])(const Line& line) = {Refusal,
-                                                 UnknownCommand,
-                                                 IdleMarker,
-                                                 MacroInImmediateAction,
-                                                 MacroInWrongCase,
-                                                 UnknownWord,
-                                                 PauseThatIsNone,
-                                                 UnusableUrl,
-                                                 PlainHttp,
-                                                 MissingArgument,
-                                                 PathThatGoesAstray,
-                                                 PathToADevice,
-                                                 BlanksAroundThePath,
-                                                 OddCharacters,
-                                                 KillOfTooMuch};
+constexpr Remark (*LineRules[])(const Line& line) = {
+    Refusal, UnknownCommand, IdleMarker, MacroInImmediateAction, MacroInWrongCase, OddCharacters};
+
+constexpr Remark (*ArgumentRules[])(const Line& line, const Argument& argument,
+                                    const std::string& written) = {
+    UnknownWord,        PauseThatIsNone, UnusableUrl,         PlainHttp,    MissingArgument,
+    PathThatGoesAstray, PathToADevice,   BlanksAroundThePath, KillOfTooMuch};
+
+constexpr Argument HeaderArguments[] = {{"version", Kind::Version}, {"URL", Kind::Url}};
 
 }  // namespace
 
 void CheckLines(const Script& script, Findings& findings) {
-  for (const auto& [number, fields] : script.lines) {
-    const bool isHeader = &fields == &script.lines.front().fields;
-    const std::string word = isHeader ? "" : CommandWord(fields);
-    const Line line = {fields, word, FindCommand(word), isHeader};
-    for (const auto& rule : Rules) {
-      const Remark remark = rule(line);
-      if (!remark.text.empty()) findings.push_back({remark.severity, number, remark.text});
+  for (std::size_t i = 0; i < script.lines.size(); ++i) {
+    const Fields& fields = script.lines[i];
+    const Line line = {fields, i == 0 ? nullptr : CommandOf(fields), i == 0};
+    const auto tell = [&](const Remark& remark) {
+      if (!remark.text.empty()) {
+        findings.push_back({remark.severity, script.numbers[i], remark.text});
+      }
+    };
+    for (const auto& rule : LineRules) tell(rule(line));
+    std::span<const Argument> arguments;
+    if (line.isHeader) arguments = HeaderArguments;
+    if (line.command != nullptr) arguments = line.command->Arguments();
+    std::size_t field = line.isHeader ? 0 : 1;
+    for (const auto& argument : arguments) {
+      if (field == fields.size()) break;
+      for (const auto& rule : ArgumentRules) tell(rule(line, argument, fields[field]));
+      ++field;
     }
   }
 }

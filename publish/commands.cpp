@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "publish/check.h"
-#include "publish/encoding.h"
 #include "publish/report.h"
 #include "publish/simulate.h"
 #include "publish/source.h"
@@ -31,7 +30,7 @@ std::optional<Script> Load(const std::string& fileOrUrl) {
 /// The updater that the header names, where it lies beside the script or where the script's site
 /// keeps it.
 std::filesystem::path UpdaterAtHand(const std::filesystem::path& scriptFile, const Script& script) {
-  std::string url = script.lines.empty() ? "" : FieldAt(script.lines[0].fields, 1);
+  std::string url = script.lines.empty() ? "" : FieldAt(script.lines[0], 1);
   // The longest end of the URL that is a file below the script's folder.
   for (auto slash = url.find('/'); slash != std::string::npos; slash = url.find('/')) {
     url.erase(0, slash + 1);

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 
-#include "platform/text.h"
-#include "publish/encoding.h"
+#include "base/text.h"
 #include "publish/source.h"
-#include "publish/vocabulary.h"
+#include "script/commands.h"
 
 namespace publish {
 namespace {
@@ -17,7 +16,7 @@ constexpr std::string_view UpdaterNames[] = {"kestrane.exe", "kestranetmp.exe"};
 
 /// Why a script cannot name a file; empty when it can.
 std::string WhyUnusable(const std::string& utf8Name) {
-  if (!FromUtf8(utf8Name)) return "has characters that Windows-1252 lacks";
+  if (!modFunciones::FromUtf8(utf8Name)) return "has characters that Windows-1252 lacks";
   const auto isControl = [](char character) { return character >= 0 && character < ' '; };
   if (utf8Name.find_first_of("|<>:\"?*\\") != std::string::npos ||
       std::any_of(utf8Name.begin(), utf8Name.end(), isControl)) {
@@ -26,7 +25,7 @@ std::string WhyUnusable(const std::string& utf8Name) {
   if (utf8Name.ends_with(' ') || utf8Name.ends_with('.')) {
     return "ends with a blank or a full stop, which Windows takes away";
   }
-  for (const auto& macro : Macros) {
+  for (const auto& macro : modPrincipal::Macros) {
     if (utf8Name.find(macro) != std::string::npos) return "holds a macro of the script";
   }
   return "";
@@ -58,9 +57,9 @@ Folder ListFolder(const fs::path& folder, std::vector<std::string>& problems) {
     const std::string why = WhyUnusable(name);
     if (!why.empty()) problems.push_back(WithReason(name, why));
     if (!why.empty() || entry->is_directory()) continue;
-    std::string ansiName = *FromUtf8(name);
+    std::string ansiName = *modFunciones::FromUtf8(name);
     std::replace(ansiName.begin(), ansiName.end(), '/', '\\');
-    const std::string lowerName = platform::text::LowerCase(ansiName);
+    const std::string lowerName = modFunciones::LowerCase(ansiName);
     if (IsUpdater(lowerName)) continue;
     if (!files.insert({lowerName, {ansiName, entry->path()}}).second) {
       problems.push_back("Another name differs from " + name + " in letter case only.");

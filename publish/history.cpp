@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/arrays.h"
+#include "base/replace.h"
 #include "publish/reading.h"
-#include "script/arrays.h"
-#include "script/replace.h"
+#include "script/version.h"
 
 namespace publish {
 namespace {
+
+using modPrincipal::Verb;
 
 Lines LinesOf(const std::string& script) {
   Lines lines = modFunciones::Split(modFunciones::ReplaceAll(script, "\r", ""), '\n');
@@ -21,7 +24,9 @@ std::string TextOf(const Lines& lines) {
 }
 
 /// Index into the lines of the text.
-std::size_t IndexOf(const ScriptLine& line) { return static_cast<std::size_t>(line.number - 1); }
+std::size_t IndexOf(const Script& script, std::size_t line) {
+  return static_cast<std::size_t>(script.numbers[line] - 1);
+}
 
 void Insert(std::string& script, std::size_t at, const Lines& added) {
   Lines lines = LinesOf(script);
@@ -41,43 +46,40 @@ void Erase(std::string& script, std::size_t first, std::size_t end) {
 /// as a comment upon that, stays.
 void EraseBlock(std::string& script, const Script& cut, std::size_t opening) {
   std::size_t next = opening + 1;
-  while (next < cut.lines.size() && CommandWord(cut.lines[next].fields) != "VERSION") ++next;
-  Erase(script, IndexOf(cut.lines[opening]), IndexOf(cut.lines[next - 1]) + 1);
+  while (next < cut.lines.size() && !Is(cut.lines[next], Verb::Version)) ++next;
+  Erase(script, IndexOf(cut, opening), IndexOf(cut, next - 1) + 1);
 }
 
 void EraseBlocksLike(std::string& script, const std::string& versionLine) {
   const Fields wanted = modFunciones::Split(versionLine, '|');
   const Script cut = CutWithNumbers(script);
   for (std::size_t i = cut.lines.size(); i-- > 1;) {
-    if (cut.lines[i].fields == wanted) EraseBlock(script, cut, i);
+    if (cut.lines[i] == wanted) EraseBlock(script, cut, i);
   }
 }
 
 /// Where the first block begins that takes effect for the version, comments upon it included.
 std::optional<std::size_t> BlockInTheWay(const Script& script, const std::string& version) {
-  const auto actions = ReadFor(script, version, false).actions;
-  const auto first = std::min_element(actions.begin(), actions.end(),
-                                      [](const auto& a, const auto& b) { return a.line < b.line; });
-  if (first == actions.end()) return std::nullopt;
-  return IndexOf(script.lines[OpeningOf(script, first->line) - 1]) + 1;
+  const Reading reading = Read(script, {modPrincipal::VersionToNumber(version)});
+  if (reading.actions.empty()) return std::nullopt;
+  return IndexOf(script, reading.blocks[reading.actions.front().block].opening - 1) + 1;
 }
 
 }  // namespace
 
 void SetHeader(std::string& script, const std::string& header) {
   const Script cut = CutWithNumbers(script);
-  const std::size_t at = cut.lines.empty() ? 0 : IndexOf(cut.lines[0]);
+  const std::size_t at = cut.lines.empty() ? 0 : IndexOf(cut, 0);
   if (!cut.lines.empty()) Erase(script, at, at + 1);
   Insert(script, at, {header});
 }
 
 void SetName(std::string& script, const std::string& name) {
   const Script cut = CutWithNumbers(script);
-  const auto found = std::find_if(cut.lines.begin() + 1, cut.lines.end(), [](const auto& line) {
-    return CommandWord(line.fields) == "NAME";
-  });
-  const bool isThere = found != cut.lines.end();
-  const std::size_t at = isThere ? IndexOf(*found) : IndexOf(cut.lines[0]) + 1;
+  std::size_t line = 1;
+  while (line < cut.lines.size() && !Is(cut.lines[line], Verb::Name)) ++line;
+  const bool isThere = line < cut.lines.size();
+  const std::size_t at = isThere ? IndexOf(cut, line) : IndexOf(cut, 0) + 1;
   if (isThere) Erase(script, at, at + 1);
   Insert(script, at, {"NAME|" + name});
 }

@@ -5,9 +5,10 @@
 #include <exception>
 #include <iostream>
 
+#include "base/text.h"
+#include "platform/console.h"
 #include "publish/commands.h"
-#include "publish/console.h"
-#include "publish/encoding.h"
+#include "publish/source.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ void DefineMake(CLI::App& app, MakeArguments& arguments) {
 
 /// A text that goes into the script.
 std::string TextOf(const std::string& utf8) {
-  const auto text = publish::FromUtf8(utf8);
+  const auto text = modFunciones::FromUtf8(utf8);
   if (!text) throw CLI::ValidationError(utf8, "has characters that Windows-1252 lacks");
   return *text;
 }
@@ -123,7 +124,7 @@ int RunMake(MakeArguments arguments) {
   return publish::RunMake(order, arguments.asJson);
 }
 
-int Run(int argc, char** argv) {
+int RunCommandLine(int argc, char** argv) {
   CLI::App app("Makes updates for Kestrane, and tells what they do before any user does.",
                "kestrane-publish");
   app.set_version_flag("--version", KESTRANE_VERSION);
@@ -136,7 +137,7 @@ int Run(int argc, char** argv) {
   DefineSimulate(app, simulate);
   DefineMake(app, make);
   try {
-    std::vector<std::string> arguments = publish::Arguments(argc, argv);
+    std::vector<std::string> arguments = platform::console::Arguments(argc, argv);
     std::reverse(arguments.begin(), arguments.end());  // as the library wants them
     app.parse(std::move(arguments));
     if (app.got_subcommand("check")) return publish::RunCheck(check);
@@ -151,7 +152,7 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    return Run(argc, argv);
+    return RunCommandLine(argc, argv);
   } catch (const std::exception& error) {  // of the file system, or no memory
     std::cerr << "kestrane-publish: " << error.what() << "\n";
     return Failed;

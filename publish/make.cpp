@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <fstream>
 
-#include "platform/text.h"
+#include "base/text.h"
 #include "publish/check.h"
-#include "publish/console.h"
-#include "publish/encoding.h"
 #include "publish/history.h"
+#include "publish/progress.h"
 #include "publish/script_text.h"
 #include "publish/source.h"
 #include "publish/versions.h"
@@ -51,9 +50,9 @@ void CheckOrder(const Order& order, Problems& problems) {
 /// A companion that the updater writes beside a file must not be a file of the application.
 void CheckCompanions(const Plan& plan, Problems& problems) {
   const auto check = [&](const FolderFile& file, const char* suffix) {
-    const std::string companion = platform::text::LowerCase(file.name + suffix);
+    const std::string companion = modFunciones::LowerCase(file.name + suffix);
     if (!plan.oldFolder.contains(companion) && !plan.newFolder.contains(companion)) return;
-    const std::string name = ToUtf8(file.name);
+    const std::string name = modFunciones::ToUtf8(file.name);
     problems.push_back("The updater would write over " + name + suffix + " while it puts " + name +
                        " in place.");
   };
@@ -68,7 +67,7 @@ void CheckFoldersAgainstFiles(const Folder& files, const Folder& others, Problem
   for (const auto& [key, file] : files) {
     for (auto at = key.find('\\'); at != std::string::npos; at = key.find('\\', at + 1)) {
       if (!others.contains(key.substr(0, at))) continue;
-      problems.push_back(ToUtf8(file.name.substr(0, at)) +
+      problems.push_back(modFunciones::ToUtf8(file.name.substr(0, at)) +
                          " is a file in one version and a folder in the other.");
     }
   }
@@ -79,7 +78,7 @@ void CheckEmptyFolders(const Plan& plan, Problems& problems) {
   for (const auto& file : plan.difference.added) {
     const fs::path old = plan.order.oldFolder / file.path.lexically_relative(plan.order.newFolder);
     if (!fs::is_directory(old) || !fs::is_empty(old)) continue;
-    problems.push_back(ToUtf8(file.name) +
+    problems.push_back(modFunciones::ToUtf8(file.name) +
                        " is a folder in the old version and a file in the new one.");
   }
 }
@@ -87,9 +86,9 @@ void CheckEmptyFolders(const Plan& plan, Problems& problems) {
 void CheckWishedNames(const Plan& plan, Problems& problems) {
   for (const auto* names : {&plan.order.wishes.backups, &plan.order.wishes.components}) {
     for (const auto& name : *names) {
-      const std::string key = platform::text::LowerCase(name);
+      const std::string key = modFunciones::LowerCase(name);
       if (plan.oldFolder.contains(key) || plan.newFolder.contains(key)) continue;
-      problems.push_back("There is no file " + ToUtf8(name) + " in either folder.");
+      problems.push_back("There is no file " + modFunciones::ToUtf8(name) + " in either folder.");
     }
   }
 }
@@ -116,7 +115,7 @@ void PlanHeader(Plan& plan, Problems& problems) {
     return;
   }
   const Script history = CutWithNumbers(plan.script);
-  const std::string offered = history.lines.empty() ? "" : FieldAt(history.lines[0].fields, 0);
+  const std::string offered = history.lines.empty() ? "" : FieldAt(history.lines[0], 0);
   const fs::path updater = order.newFolder / UpdaterName;
   const std::string version = RecordedVersion(ReadFile(updater).value_or(""));
   if (VersionToNumber(version) > VersionToNumber(offered)) {
@@ -152,7 +151,7 @@ void CheckScript(const Plan& plan, Problems& problems) {
        Check(CutWithNumbers(plan.script), {plan.order.to, ""})) {
     if (severity == Severity::Warning) continue;
     problems.push_back("The script would not do, in its line " + std::to_string(line) + ": " +
-                       ToUtf8(text));
+                       modFunciones::ToUtf8(text));
   }
 }
 

@@ -1,37 +1,43 @@
 #pragma once
 
-// A script as the program's own parser reads it for an installed version. Nothing of it is carried
-// out: the part of the program that carries actions out is no part of this tool.
+// A script as the program reads it, for one installed version or for many in one go. Nothing of it
+// is carried out.
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+#include "publish/audience.h"
 #include "publish/script_text.h"
 
 namespace publish {
 
-/// An action line that takes effect.
+/// The lines from a VERSION line to the next.
+struct Block {
+  std::size_t opening;  // index of the VERSION line
+  Audience audience;    // those for whom it takes effect
+};
+
+/// An action line that takes effect for somebody.
 struct TakenAction {
-  std::size_t line = 0;    // index into Script::lines
-  bool immediate = false;  // carried out while the script is read
-  std::int32_t size = 0;   // bytes to download, where the server was asked
-  bool missing = false;    // the server does not offer the file, and the script is refused for it
+  std::size_t line;   // index into Script::lines
+  std::size_t block;  // index into the blocks
+  const modPrincipal::Command* command;
+  bool immediate;         // carried out while the script is read
+  bool missing = false;   // the server does not offer the file, and the script is refused for it
+  std::int32_t size = 0;  // bytes to download, where the server was asked
 };
 
 struct Reading {
-  std::string failure;  // the message that the user would meet, or ""
+  std::string failure;  // the message that somebody would meet, or ""
   std::string name;     // what the window would show
   bool offersUpdater = false;
-  std::vector<TakenAction> actions;  // in the order in which they are carried out
+  std::vector<Block> blocks;
+  std::vector<TakenAction> actions;  // in script order
 };
 
-/// What the parser makes of the script. probe: ask the server for every file, with two HEAD
-/// requests each, as the program does; otherwise every file counts as available.
-[[nodiscard]] Reading ReadFor(const Script& script, const std::string& installed, bool probe);
-
-/// True when the parser refuses a script for the sake of this line, the header or a command.
-[[nodiscard]] bool IsRefused(const Fields& line, bool isHeader);
+/// versions: numbers of the installed versions, in rising order. Every file counts as available.
+[[nodiscard]] Reading Read(const Script& script, const std::vector<std::int32_t>& versions);
 
 }  // namespace publish

@@ -4,11 +4,11 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
-#include "publish/console.h"
-#include "publish/encoding.h"
+#include "base/arrays.h"
+#include "base/text.h"
+#include "platform/console.h"
 #include "publish/versions.h"
 #include "run/messages.h"
-#include "script/arrays.h"
 
 namespace publish {
 namespace {
@@ -24,7 +24,7 @@ constexpr SeverityLook Looks[] = {{"error", "\033[31m"}, {"warning", "\033[33m"}
 const SeverityLook& LookOf(Severity severity) { return Looks[static_cast<std::size_t>(severity)]; }
 
 std::string Coloured(const std::string& text, const char* colour) {
-  static const bool inColour = IsTerminal(Stream::Output);
+  static const bool inColour = platform::console::IsTerminal(platform::console::Stream::Output);
   return inColour ? colour + text + "\033[0m" : text;
 }
 
@@ -43,7 +43,7 @@ std::string Number(std::int64_t number, const char* unit) {
 Json AsJson(const Finding& finding) {
   return {{"severity", LookOf(finding.severity).word},
           {"line", finding.line},
-          {"text", ToUtf8(finding.text)}};
+          {"text", modFunciones::ToUtf8(finding.text)}};
 }
 
 std::string InstalledText(const Outcome& outcome) {
@@ -54,12 +54,15 @@ std::string InstalledText(const Outcome& outcome) {
 }
 
 /// The marker stands apart, so that the command word is always found in the same place.
-Json AsJson(const TakenAction& action, const ScriptLine& line, bool probed) {
+Json AsJson(const TakenAction& action, const Script& script, bool probed) {
+  const Fields& line = script.lines[action.line];
   Json arguments = Json::array();
-  for (std::size_t i = 1; i < line.fields.size(); ++i) arguments.push_back(ToUtf8(line.fields[i]));
-  Json json = {{"line", line.number},
+  for (std::size_t i = 1; i < line.size(); ++i) {
+    arguments.push_back(modFunciones::ToUtf8(line[i]));
+  }
+  Json json = {{"line", script.numbers[action.line]},
                {"immediate", action.immediate},
-               {"command", ToUtf8(CommandWord(line.fields))},
+               {"command", modFunciones::ToUtf8(modPrincipal::CommandWord(line))},
                {"arguments", arguments}};
   if (probed) json["bytes"] = action.size;
   if (action.missing) json["missing"] = true;
@@ -68,34 +71,35 @@ Json AsJson(const TakenAction& action, const ScriptLine& line, bool probed) {
 
 Json AsJson(const Offer& offer, bool probed) {
   if (offer.version.empty()) return nullptr;
-  Json json = {{"version", ToUtf8(offer.version)}, {"url", ToUtf8(offer.url)}};
+  Json json = {{"version", modFunciones::ToUtf8(offer.version)},
+               {"url", modFunciones::ToUtf8(offer.url)}};
   if (probed) json["bytes"] = offer.bytes;
-  if (!offer.failure.empty()) json["failure"] = ToUtf8(offer.failure);
+  if (!offer.failure.empty()) json["failure"] = modFunciones::ToUtf8(offer.failure);
   return json;
 }
 
 Json AsJson(const Script& script, const Outcome& outcome, bool probed) {
   Json actions = Json::array();
   for (const auto& action : outcome.reading.actions) {
-    actions.push_back(AsJson(action, script.lines[action.line], probed));
+    actions.push_back(AsJson(action, script, probed));
   }
-  Json json = {{"from", ToUtf8(outcome.first)},
-               {"to", ToUtf8(outcome.last)},
-               {"name", ToUtf8(outcome.reading.name)},
+  Json json = {{"from", modFunciones::ToUtf8(outcome.first)},
+               {"to", modFunciones::ToUtf8(outcome.last)},
+               {"name", modFunciones::ToUtf8(outcome.reading.name)},
                {"refused", !outcome.reading.failure.empty()},
                {"actions", actions},
-               {"finalScreen", ToUtf8(outcome.finalScreen)}};
+               {"finalScreen", modFunciones::ToUtf8(outcome.finalScreen)}};
   if (probed) json["bytes"] = outcome.bytes;
   return json;
 }
 
-void PrintAction(const TakenAction& action, const ScriptLine& line, bool probed) {
-  const std::string number = std::to_string(line.number);
+void PrintAction(const TakenAction& action, const Script& script, bool probed) {
+  const std::string number = std::to_string(script.numbers[action.line]);
   std::cout << "  line " << std::string(number.size() < 4 ? 4 - number.size() : 0, ' ') << number
             << (action.immediate ? "  at once  " : "           ");
-  Fields shown = line.fields;
-  shown[0] = CommandWord(line.fields);
-  std::cout << ToUtf8(modFunciones::Join(shown, "  "));
+  Fields shown = script.lines[action.line];
+  shown[0] = modPrincipal::CommandWord(shown);
+  std::cout << modFunciones::ToUtf8(modFunciones::Join(shown, "  "));
   if (probed && action.size > 0) std::cout << "  (" << Number(action.size, "byte") << ")";
   if (action.missing) std::cout << "  (not available)";
   std::cout << "\n";
@@ -103,10 +107,10 @@ void PrintAction(const TakenAction& action, const ScriptLine& line, bool probed)
 
 void PrintOffer(const Offer& offer, bool probed) {
   if (offer.version.empty()) return;
-  std::cout << "An updater older than " << ToUtf8(offer.version) << " first replaces itself from "
-            << ToUtf8(offer.url);
+  std::cout << "An updater older than " << modFunciones::ToUtf8(offer.version)
+            << " first replaces itself from " << modFunciones::ToUtf8(offer.url);
   if (!offer.failure.empty()) {
-    std::cout << "  (not available)\n  final screen: " << ToUtf8(offer.failure);
+    std::cout << "  (not available)\n  final screen: " << modFunciones::ToUtf8(offer.failure);
   } else if (probed) {
     std::cout << "  (" << Number(offer.bytes, "byte") << ")";
   }
@@ -114,14 +118,16 @@ void PrintOffer(const Offer& offer, bool probed) {
 }
 
 void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
-  std::cout << Coloured("Installed: " + ToUtf8(InstalledText(outcome)), "\033[1m") << "\n";
+  std::cout << Coloured("Installed: " + modFunciones::ToUtf8(InstalledText(outcome)), "\033[1m")
+            << "\n";
   const bool isUpdate = outcome.finalScreen == modPrincipal::Success;
-  if (isUpdate) std::cout << "  in the window: " << ToUtf8(outcome.reading.name) << "\n";
+  if (isUpdate)
+    std::cout << "  in the window: " << modFunciones::ToUtf8(outcome.reading.name) << "\n";
   for (const auto& action : outcome.reading.actions) {
-    PrintAction(action, script.lines[action.line], probed);
+    PrintAction(action, script, probed);
   }
   if (probed && isUpdate) std::cout << "  in all " << Number(outcome.bytes, "byte") << "\n";
-  std::cout << "  final screen: " << ToUtf8(outcome.finalScreen) << "\n\n";
+  std::cout << "  final screen: " << modFunciones::ToUtf8(outcome.finalScreen) << "\n\n";
 }
 
 }  // namespace
@@ -132,7 +138,7 @@ void ReportFindings(const std::string& scriptName, const std::string& verdict,
   const auto warnings = Count(findings, Severity::Warning);
   if (asJson) {
     Json json = {{"script", scriptName},
-                 {"verdict", ToUtf8(verdict)},
+                 {"verdict", modFunciones::ToUtf8(verdict)},
                  {"errors", errors},
                  {"warnings", warnings},
                  {"findings", Json::array()}};
@@ -143,11 +149,13 @@ void ReportFindings(const std::string& scriptName, const std::string& verdict,
   for (const auto& [severity, line, text] : findings) {
     const auto& look = LookOf(severity);
     std::cout << Coloured(look.word, look.colour) << ": "
-              << (line > 0 ? "line " + std::to_string(line) + ": " : "") << ToUtf8(text) << "\n";
+              << (line > 0 ? "line " + std::to_string(line) + ": " : "")
+              << modFunciones::ToUtf8(text) << "\n";
   }
   std::cout << scriptName << ": " << Number(static_cast<std::int64_t>(errors), "error") << ", "
             << Number(static_cast<std::int64_t>(warnings), "warning") << "; the updater "
-            << (verdict.empty() ? "understands it" : "refuses it: " + ToUtf8(verdict)) << "\n";
+            << (verdict.empty() ? "understands it" : "refuses it: " + modFunciones::ToUtf8(verdict))
+            << "\n";
 }
 
 void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,

@@ -1,36 +1,28 @@
 #include "publish/script_text.h"
 
-#include "platform/text.h"
-#include "script/arrays.h"
-#include "script/parser.h"
+#include <utility>
 
 namespace publish {
 
 Script CutWithNumbers(std::string text) {
-  Script script = {std::move(text), {}};
-  int number = 0;
-  for (const auto& line : modFunciones::Split(script.text, '\n')) {
-    ++number;
-    for (auto& fields : modPrincipal::CutScript(line)) {  // one, unless the line does not count
-      script.lines.push_back({number, std::move(fields)});
-    }
-  }
+  Script script;
+  script.lines = modPrincipal::CutScript(text, &script.numbers);
+  script.text = std::move(text);
   return script;
 }
 
-std::string CommandWord(const Fields& fields) {
-  return platform::text::UpperCase(FieldAt(fields, 0).substr(HasMarker(fields) ? 1 : 0));
+const modPrincipal::Command* CommandOf(const Fields& line) {
+  return modPrincipal::FindCommand(modPrincipal::CommandWord(line));
 }
 
-bool HasMarker(const Fields& fields) { return FieldAt(fields, 0).starts_with('!'); }
-
-std::size_t OpeningOf(const Script& script, std::size_t line) {
-  while (line > 0 && CommandWord(script.lines[line].fields) != "VERSION") --line;
-  return line;
+bool Is(const Fields& line, modPrincipal::Verb verb) {
+  const auto* const command = CommandOf(line);
+  return command != nullptr && command->verb == verb;
 }
 
-std::string FieldAt(const Fields& fields, std::size_t index) {
-  return index < fields.size() ? fields[index] : "";
+const std::string& FieldAt(const Fields& fields, std::size_t index) {
+  static const std::string none;
+  return index < fields.size() ? fields[index] : none;
 }
 
 }  // namespace publish

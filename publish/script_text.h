@@ -6,34 +6,27 @@
 #include <string>
 #include <vector>
 
+#include "script/reader.h"
+
 namespace publish {
 
-using Fields = std::vector<std::string>;
-
-/// A significant line: its number in the text, from 1 on, and its fields.
-struct ScriptLine {
-  int number = 0;
-  Fields fields;
-};
+using modPrincipal::Fields;
 
 struct Script {
-  std::string text;               // as it came, byte by byte
-  std::vector<ScriptLine> lines;  // the header is element 0
+  std::string text;           // as it came, byte by byte
+  std::vector<Fields> lines;  // the significant ones; the header is element 0
+  std::vector<int> numbers;   // theirs in the text, from 1 on
 };
 
 /// Cuts a text as the program does.
 [[nodiscard]] Script CutWithNumbers(std::string text);
 
-/// The command word of a line as the program compares it: in capitals, without one marker.
-[[nodiscard]] std::string CommandWord(const Fields& fields);
+/// The command of a line; null for a word that is none.
+[[nodiscard]] const modPrincipal::Command* CommandOf(const Fields& line);
 
-/// True when the line begins with the immediate marker.
-[[nodiscard]] bool HasMarker(const Fields& fields);
-
-/// Index of the VERSION line that opened the block of a line; 0 when none did.
-[[nodiscard]] std::size_t OpeningOf(const Script& script, std::size_t line);
+[[nodiscard]] bool Is(const Fields& line, modPrincipal::Verb verb);
 
 /// Field number index, or the empty text when the line ends before it.
-[[nodiscard]] std::string FieldAt(const Fields& fields, std::size_t index);
+[[nodiscard]] const std::string& FieldAt(const Fields& fields, std::size_t index);
 
 }  // namespace publish

@@ -12,7 +12,7 @@ namespace publish {
 struct Outcome {
   std::string first;  // the installed versions from first to last; empty: one that is no version
   std::string last;
-  Reading reading;
+  Reading reading;          // its actions in the order in which they are carried out
   std::string finalScreen;  // its text, if nothing fails later
   std::int64_t bytes = 0;   // to download, where the server was asked
 };

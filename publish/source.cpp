@@ -4,8 +4,6 @@
 #include <fstream>
 
 #include "platform/http.h"
-#include "platform/text.h"
-#include "publish/encoding.h"
 #include "transfer/http_probe.h"
 #include "transfer/url.h"
 
@@ -15,8 +13,7 @@ namespace {
 namespace http = platform::http;
 
 std::optional<std::string> Download(const std::string& url) {
-  modFunciones::UrlParts = modFunciones::SplitUrl(url);
-  if (!modFunciones::IsAvailable()) return std::nullopt;
+  if (!modFunciones::IsAvailable(url)) return std::nullopt;
   const http::Handle root =
       http::OpenRoot(modFunciones::UserAgentText, modFunciones::PreconfiguredAccess, "");
   if (!root) return std::nullopt;
@@ -36,12 +33,20 @@ std::optional<std::string> Download(const std::string& url) {
 }  // namespace
 
 bool IsUrl(const std::string& text) {
-  const std::string lower = platform::text::LowerCase(text);
-  return lower.starts_with("http://") || lower.starts_with("https://");
+  return modFunciones::IsPlainUrl(text) || modFunciones::IsSecureUrl(text);
 }
 
 std::optional<std::string> Fetch(const std::string& fileOrUrl) {
   return IsUrl(fileOrUrl) ? Download(fileOrUrl) : ReadFile(PathOf(fileOrUrl));
+}
+
+std::filesystem::path PathOf(const std::string& utf8) {
+  return {std::u8string(utf8.begin(), utf8.end())};
+}
+
+std::string Utf8Of(const std::filesystem::path& path) {
+  const std::u8string text = path.generic_u8string();
+  return {text.begin(), text.end()};
 }
 
 std::optional<std::string> ReadFile(const std::filesystem::path& path) {

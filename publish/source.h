@@ -13,6 +13,10 @@ namespace publish {
 /// tells status 200, as the program asks. Nothing when it cannot be had.
 [[nodiscard]] std::optional<std::string> Fetch(const std::string& fileOrUrl);
 
+/// A path in UTF-8 as the standard library takes it, and the other way round.
+[[nodiscard]] std::filesystem::path PathOf(const std::string& utf8);
+[[nodiscard]] std::string Utf8Of(const std::filesystem::path& path);
+
 /// The bytes of a file; nothing when it cannot be read.
 [[nodiscard]] std::optional<std::string> ReadFile(const std::filesystem::path& path);
 

@@ -1,7 +1,6 @@
 #include "publish/versions.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <set>
 
 #include "script/version.h"
@@ -10,7 +9,7 @@ namespace publish {
 namespace {
 
 // Version numbers have 8, 9 or 10 digits, of which the first is a 1.
-constexpr std::int64_t Edges[] = {10'000'000,  19'999'999,    100'000'000,
+constexpr std::int32_t Edges[] = {10'000'000,  19'999'999,    100'000'000,
                                   199'999'999, 1'000'000'000, 1'999'999'999};
 
 std::string WithoutZeros(const std::string& part) {
@@ -18,18 +17,9 @@ std::string WithoutZeros(const std::string& part) {
   return digit == std::string::npos ? "0" : part.substr(digit);
 }
 
-/// The version that has a number; empty when none has.
-std::string VersionOf(std::int64_t number) {
-  const std::string digits = std::to_string(number);
-  if (digits.size() < 8 || digits.front() != '1') return "";
-  const auto minor = digits.size() - 6;
-  return digits.substr(1, minor - 1) + "." + WithoutZeros(digits.substr(minor, 3)) + "." +
-         WithoutZeros(digits.substr(minor + 3));
-}
-
-std::int64_t NumberOfLine(const ScriptLine& line) {
-  const bool isVersion = CommandWord(line.fields) == "VERSION";
-  return isVersion ? modPrincipal::VersionToNumber(FieldAt(line.fields, 2)) : 0;
+std::int32_t NumberOfLine(const Fields& line) {
+  const bool isVersion = Is(line, modPrincipal::Verb::Version);
+  return isVersion ? modPrincipal::VersionToNumber(FieldAt(line, 2)) : 0;
 }
 
 // VS_FIXEDFILEINFO of verrsrc.h: its signature, and where the parts of the version stand.
@@ -46,27 +36,33 @@ std::string NumberAt(std::string_view record, std::size_t at) {
 
 }  // namespace
 
-std::vector<std::string> VersionsToldApart(const Script& script) {
-  std::set<std::int64_t> numbers(std::begin(Edges), std::end(Edges));
+std::vector<std::int32_t> VersionsToldApart(const Script& script) {
+  std::set<std::int32_t> numbers(std::begin(Edges), std::end(Edges));
   for (const auto& line : script.lines) {
-    const std::int64_t number = NumberOfLine(line);
+    const std::int32_t number = NumberOfLine(line);
     if (number != 0) numbers.insert({number - 1, number, number + 1});
   }
-  std::vector<std::string> versions = {""};
-  for (const std::int64_t number : numbers) {
-    const std::string version = VersionOf(number);
-    if (!version.empty()) versions.push_back(version);
-  }
-  return versions;
+  std::erase_if(numbers, [](std::int32_t number) { return VersionOf(number).empty(); });
+  numbers.insert(0);
+  return {numbers.begin(), numbers.end()};
+}
+
+std::string VersionOf(std::int32_t number) {
+  const std::string digits = std::to_string(number);
+  if (digits.size() < 8 || digits.front() != '1') return "";
+  const auto minor = digits.size() - 6;
+  return digits.substr(1, minor - 1) + "." + WithoutZeros(digits.substr(minor, 3)) + "." +
+         WithoutZeros(digits.substr(minor + 3));
 }
 
 std::string GreatestNamed(const Script& script) {
-  std::int64_t greatest = 0;
+  std::int32_t greatest = 0;
   std::string version;
   for (const auto& line : script.lines) {
-    if (NumberOfLine(line) <= greatest) continue;
-    greatest = NumberOfLine(line);
-    version = FieldAt(line.fields, 2);
+    const std::int32_t number = NumberOfLine(line);
+    if (number <= greatest) continue;
+    greatest = number;
+    version = FieldAt(line, 2);
   }
   return version;
 }

@@ -2,6 +2,7 @@
 
 // The versions that a script names, and the one that a program tells of itself.
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,10 +14,13 @@ namespace publish {
 /// No version comes after it.
 inline constexpr const char* LatestVersion = "999.999.999";
 
-/// One version for each case that the VERSION lines can tell apart, in rising order: those that
-/// they name, those right below and above, and the outermost. First the empty text, which stands
-/// for an installed version that is none.
-[[nodiscard]] std::vector<std::string> VersionsToldApart(const Script& script);
+/// The number of one version for each case that the VERSION lines can tell apart, in rising order:
+/// those that they name, those right below and above, and the outermost. First 0, which stands for
+/// an installed version that is none.
+[[nodiscard]] std::vector<std::int32_t> VersionsToldApart(const Script& script);
+
+/// The version that has a number; empty when none has.
+[[nodiscard]] std::string VersionOf(std::int32_t number);
 
 /// The greatest version that a VERSION line names, as it is written; empty when there is none.
 [[nodiscard]] std::string GreatestNamed(const Script& script);

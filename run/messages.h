@@ -2,11 +2,11 @@
 
 // Every text that the user can meet, in one place.
 
-#include "platform/text.h"
+#include "base/text.h"
 
 namespace modPrincipal {
 
-using namespace platform::text::literals;
+using namespace modFunciones::literals;
 
 inline constexpr auto ProgramName = "Kestrane"_ansi;
 

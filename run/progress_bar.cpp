@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/rounding.h"
 #include "platform/window.h"
-#include "run/rounding.h"
 
 namespace modFunciones {
 namespace {

@@ -1,5 +1,6 @@
 #include "run/self_replacement.h"
 
+#include "base/replace.h"
 #include "install/file_helpers.h"
 #include "install/process_control.h"
 #include "platform/system.h"
@@ -7,7 +8,6 @@
 #include "run/launch.h"
 #include "run/messages.h"
 #include "run/run_state.h"
-#include "script/replace.h"
 
 namespace modPrincipal {
 namespace {

@@ -5,8 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/arrays.h"
+#include "base/replace.h"
+#include "base/text.h"
 #include "platform/system.h"
-#include "platform/text.h"
 #include "platform/window.h"
 #include "run/command_line.h"
 #include "run/final_screen.h"
@@ -16,8 +18,6 @@
 #include "run/run_state.h"
 #include "run/self_replacement.h"
 #include "run/update_sequence.h"
-#include "script/arrays.h"
-#include "script/replace.h"
 
 namespace modPrincipal {
 namespace {
@@ -66,14 +66,14 @@ void StoreIcon(const std::string& file) {
 void StoreOptional(const Arguments& arguments) {
   const std::int32_t count = modFunciones::ElementCount(arguments);
   if (count > 4) LaunchOnFinish = arguments[4];
-  if (count > 5) ShowSuccessScreen = platform::text::UpperCase(arguments[5]);
+  if (count > 5) ShowSuccessScreen = modFunciones::UpperCase(arguments[5]);
   if (count > 6) StoreTitle(arguments[6]);
   if (count > 7) StoreIcon(arguments[7]);
 }
 
 bool IsTemporaryCopy() {
-  return platform::text::LowerCase(platform::system::ExecutableBaseName()) !=
-         platform::text::LowerCase(ProgramName);
+  return modFunciones::LowerCase(platform::system::ExecutableBaseName()) !=
+         modFunciones::LowerCase(ProgramName);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 
+#include "base/arrays.h"
 #include "install/action_executor.h"
 #include "platform/system.h"
 #include "platform/window.h"
@@ -14,13 +15,11 @@
 #include "run/run_state.h"
 #include "run/self_replacement.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
 #include "script/parser.h"
 #include "script/version.h"
 #include "transfer/download.h"
 #include "transfer/download_phase.h"
 #include "transfer/http_probe.h"
-#include "transfer/url.h"
 
 namespace frmPrincipal {
 
@@ -57,8 +56,7 @@ bool OffersNewerUpdater() {
 /// given up and the run goes on, or the failure message to show.
 std::string ReplaceOutdatedUpdater() {
   window::SetText(frmPrincipal::lblMensaje, FetchingUpdaterStatus);
-  modFunciones::UrlParts = modFunciones::SplitUrl(NewUpdaterUrl);
-  const auto length = modFunciones::AvailableLength();
+  const auto length = modFunciones::AvailableLength(NewUpdaterUrl);
   if (!length) return std::string(UpdaterNotAvailable);
   TotalBytes = FileBytes = *length;
   TotalBytesDone = FileBytesDone = 0;
@@ -105,8 +103,7 @@ void RunSequence() {
   window::SetText(frmPrincipal::lblMensaje, CheckingStatus);
   window::ProcessPendingEvents();
 
-  modFunciones::UrlParts = modFunciones::SplitUrl(UpdateInfoUrl);
-  if (!modFunciones::IsAvailable()) return FailWithMessage(InformationNotFound);
+  if (!modFunciones::IsAvailable(UpdateInfoUrl)) return FailWithMessage(InformationNotFound);
   ScriptLines = CutScript(FetchIntoMemory(UpdateInfoUrl));
   const std::string parseFailure = ParseUpdateScript(ScriptLines);
 

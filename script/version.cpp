@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "script/arrays.h"
-#include "script/decimal.h"
+#include "base/arrays.h"
+#include "base/decimal.h"
 
 namespace modPrincipal {
 namespace {

@@ -46,9 +46,8 @@ TEST(Https, TakesOnlyWhatAServerWithAGoodCertificateSends) {
       {"http" + good.substr(5) + "/file", false},
   };
   for (const auto& [url, taken] : cases) {
-    UrlParts = SplitUrl(url);
-    EXPECT_EQ(IsAvailable(), taken) << url;
-    EXPECT_EQ(AvailableLength().value_or(0), taken ? 7 : 0) << url;
+    EXPECT_EQ(IsAvailable(url), taken) << url;
+    EXPECT_EQ(AvailableLength(url).value_or(0), taken ? 7 : 0) << url;
     // A server's own page about an error is taken as content, and probed for that reason first.
     const std::string body = DownloadUrl(url, "", UserAgentText, PreconfiguredAccess, "");
     EXPECT_EQ(body == "content", taken) << url;

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstdlib>
 
+#include "base/replace.h"
 #include "install/action_executor.h"
 #include "install/component_registration.h"
 #include "install/file_helpers.h"
@@ -16,7 +17,6 @@
 #include "run/run_state.h"
 #include "script/action_table.h"
 #include "script/parser.h"
-#include "script/replace.h"
 #include "tests/support/faults.h"
 #include "tests/support/sandbox.h"
 #include "tests/support/scripted_window.h"

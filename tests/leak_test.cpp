@@ -10,7 +10,6 @@
 #include "tests/support/sandbox.h"
 #include "transfer/download.h"
 #include "transfer/http_probe.h"
-#include "transfer/url.h"
 
 namespace {
 
@@ -31,8 +30,7 @@ TEST(Leaks, AThousandTransfersKeepNothing) {
   faults::Resources before;
   for (int i = 0; i < WarmUp + Count; ++i) {
     if (i == WarmUp) before = faults::ResourcesInUse();
-    UrlParts = SplitUrl(server.Url(i % 100 == 0 ? "/missing" : "/f"));
-    (void)IsAvailable();
+    (void)IsAvailable(server.Url(i % 100 == 0 ? "/missing" : "/f"));
     modPrincipal::FileBytesDone = modPrincipal::TotalBytesDone = 0;
     const std::string target = sandbox.Path("f");
     ASSERT_EQ(DownloadUrl(server.Url("/f"), target, UserAgentText, PreconfiguredAccess, ""),

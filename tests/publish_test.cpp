@@ -2,13 +2,17 @@
 
 #include <gmock/gmock.h>
 
+#include <random>
+
+#include "base/text.h"
 #include "publish/check.h"
-#include "publish/encoding.h"
 #include "publish/make.h"
+#include "publish/reading.h"
 #include "publish/simulate.h"
 #include "publish/source.h"
-#include "publish/vocabulary.h"
+#include "publish/versions.h"
 #include "run/messages.h"
+#include "script/version.h"
 #include "tests/support/loopback_server.h"
 #include "tests/support/sandbox.h"
 
@@ -16,6 +20,8 @@ namespace {
 
 using namespace publish;
 using namespace testing;
+using modFunciones::FromUtf8;
+using modFunciones::ToUtf8;
 using Texts = std::vector<std::string>;
 
 const std::string header = "1.0.3|https://u/Kestrane.exe\nNAME|Ledger\n";
@@ -117,22 +123,25 @@ TEST(Check, TellsWhatIsWrong) {
   }
 }
 
-TEST(Check, ExplainsWhatTheParserDecides) {
-  for (const std::string word : {"NAME", "VERSION", "ADD", "UPDATE", "DELETE", "MSG", "EXECUTE",
-                                 "KILL", "REGISTER", "UNREGISTER", "SLEEP", "END"}) {
-    const Command* const command = FindCommand(word);
-    ASSERT_NE(command, nullptr);
-    Fields line = {word, "=", "1", "x"};
-    line.resize(command->leastFields);
-    EXPECT_FALSE(IsRefused(line, false)) << word;
-    line.pop_back();
-    EXPECT_TRUE(word == "END" || IsRefused(line, false)) << word;
-
-    const Reading reading =
-        ReadFor(CutWithNumbers(header + "VERSION|=|2\n!" + word + "|=|1|x"), "2", false);
-    ASSERT_EQ(reading.actions.size(), command->isAction ? 1U : 0U) << word;
-    if (command->isAction) {
-      EXPECT_EQ(reading.actions[0].immediate, command->markerWorks) << word;
+TEST(Check, ReadsForEverybodyAsForEachAlone) {
+  const Texts lines = {"VERSION|<|2",     "VERSION|<=|2.0.1", "VERSION|=|3", "VERSION|>=|2.0.1",
+                       "VERSION|>|1.0.0", "VERSION|=|1.0.0",  "END",         "!KILL|a",
+                       "SLEEP|1",         "KILL|a",           "unknown"};
+  std::minstd_rand random;
+  for (int i = 0; i < 500; ++i) {
+    std::string text = header;
+    for (int count = 30; count > 0; --count) text += lines[random() % lines.size()] + "\n";
+    const Script script = CutWithNumbers(text);
+    const auto versions = VersionsToldApart(script);
+    const Reading all = Read(script, versions);
+    for (std::size_t k = 0; k < versions.size(); ++k) {
+      std::vector<std::size_t> shared;
+      for (const auto& action : all.actions) {
+        if (all.blocks[action.block].audience.Overlaps({k, k + 1})) shared.push_back(action.line);
+      }
+      std::vector<std::size_t> own;
+      for (const auto& action : Read(script, {versions[k]}).actions) own.push_back(action.line);
+      EXPECT_EQ(shared, own) << versions[k] << "\n" << text;
     }
   }
 }
@@ -150,8 +159,8 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
   Texts met;  // by each range: lines, "!" when immediate, with their bytes; the final screen
   for (const auto& [first, last, reading, finalScreen, bytes] : SimulateAll(script, true)) {
     std::string actions;
-    for (const auto& [line, immediate, size, missing] : reading.actions) {
-      actions += " " + std::to_string(script.lines[line].number) +
+    for (const auto& [line, block, command, immediate, missing, size] : reading.actions) {
+      actions += " " + std::to_string(script.numbers[line]) +
                  (immediate ? "!" : ":" + (missing ? "missing" : std::to_string(size)));
     }
     met.push_back(first + "-" + last + actions + " " + std::to_string(bytes) + finalScreen);
@@ -171,6 +180,8 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
             modPrincipal::UpdaterNotAvailable);
   EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + a + "|" + ends), true).version, "");
   EXPECT_EQ(Fetch(gone), std::nullopt);
+  const Script faulty = CutWithNumbers(header + "VERSION|=|1\nADD|x|" + gone + "\nKILL");
+  EXPECT_EQ(Simulate(faulty, "1", true).finalScreen, modPrincipal::FilesNotAvailable);
 }
 
 class Making : public Test {
@@ -220,9 +231,10 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
   EXPECT_EQ(Make(order), Texts{});
   const Script ladder = CutWithNumbers(sandbox.Read("site/update.txt"));
   for (const char* installed : {"0.9.0", "1.0.0", "1.5.0", "2.0.0"}) {
-    EXPECT_FALSE(ReadFor(ladder, installed, false).actions.empty()) << installed;
+    EXPECT_FALSE(Read(ladder, {modPrincipal::VersionToNumber(installed)}).actions.empty())
+        << installed;
   }
-  EXPECT_TRUE(ReadFor(ladder, "3.0.0", false).actions.empty());
+  EXPECT_TRUE(Read(ladder, {modPrincipal::VersionToNumber("3.0.0")}).actions.empty());
 }
 
 TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {

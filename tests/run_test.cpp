@@ -4,8 +4,8 @@
 
 #include <limits>
 
+#include "base/text.h"
 #include "platform/pace.h"
-#include "platform/text.h"
 #include "run/command_line.h"
 #include "run/progress_bar.h"
 #include "run/run_state.h"
@@ -119,8 +119,8 @@ TEST(Pace, LooksAtTheWindowAsOftenAsAUserCanTell) {
 }
 
 TEST(Text, KnowsTheLettersOfItsCodePage) {
-  using namespace platform::text;
-  using namespace platform::text::literals;
+  using namespace modFunciones;
+  using namespace modFunciones::literals;
   EXPECT_EQ("ñÑ¿é€Œ"_ansi, "\xF1\xD1\xBF\xE9\x80\x8C");
   EXPECT_EQ(UpperCase("az{ñé÷ß"_ansi), "AZ{ÑÉ÷ß"_ansi);
   EXPECT_EQ(LowerCase("AZ[ÑÉ×ŒŸ"_ansi), "az[ñé×œÿ"_ansi);

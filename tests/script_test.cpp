@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "base/arrays.h"
 #include "run/messages.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
 #include "script/parser.h"
 #include "script/version.h"
 #include "tests/support/scripted_window.h"

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/rounding.h"
 #include "install/file_helpers.h"
 #include "platform/files.h"
 #include "platform/http.h"
@@ -13,7 +14,6 @@
 #include "platform/window.h"
 #include "run/progress_bar.h"
 #include "run/progress_window.h"
-#include "run/rounding.h"
 #include "run/run_state.h"
 #include "transfer/http_probe.h"
 #include "transfer/url.h"

@@ -3,16 +3,17 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "base/arrays.h"
+#include "base/rounding.h"
 #include "install/path_macros.h"
 #include "platform/files.h"
 #include "platform/window.h"
 #include "run/messages.h"
 #include "run/progress_bar.h"
 #include "run/progress_window.h"
-#include "run/rounding.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
-#include "script/arrays.h"
+#include "script/commands.h"
 #include "transfer/download.h"
 #include "transfer/http_probe.h"
 
@@ -45,9 +46,7 @@ std::string DownloadFiles() {
   TransferProgressOn = true;
   const auto count = static_cast<std::size_t>(modFunciones::ElementCount(ActionCommand));
   for (std::size_t row = 0; row < count; ++row) {
-    if (ActionCommand[row] == "ADD" || ActionCommand[row] == "UPDATE") {
-      if (!DownloadRow(row)) return std::string(WriteFailure);
-    }
+    if (IsDownload(ActionCommand[row]) && !DownloadRow(row)) return std::string(WriteFailure);
     window::SetText(frmPrincipal::lblFileProgreso, "");
   }
   modFunciones::DrawProgressBar(frmPrincipal::picFile, 0);

@@ -1,9 +1,9 @@
 #include "transfer/http_probe.h"
 
+#include "base/arrays.h"
+#include "base/decimal.h"
 #include "platform/http.h"
 #include "platform/window.h"
-#include "script/arrays.h"
-#include "script/decimal.h"
 #include "transfer/url.h"
 
 namespace modFunciones {
@@ -48,10 +48,13 @@ std::string HttpHeadQuery(std::uint32_t infoLevel, const std::string& host, std:
   return buffer.substr(0, static_cast<std::size_t>(bufferLength));
 }
 
-bool IsAvailable() { return QueryUrlParts(HTTP_QUERY_STATUS_CODE) == "200"; }
+bool IsAvailable(const std::string& url) {
+  UrlParts = SplitUrl(url);
+  return QueryUrlParts(HTTP_QUERY_STATUS_CODE) == "200";
+}
 
-std::optional<std::int32_t> AvailableLength() {
-  if (!IsAvailable()) return std::nullopt;
+std::optional<std::int32_t> AvailableLength(const std::string& url) {
+  if (!IsAvailable(url)) return std::nullopt;
   return DecimalToInt32(QueryUrlParts(HTTP_QUERY_CONTENT_LENGTH));
 }
 

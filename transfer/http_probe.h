@@ -34,11 +34,11 @@ inline constexpr std::uint32_t HTTP_QUERY_STATUS_CODE = 19;
                                         std::int32_t accessType, const std::string& proxy,
                                         bool secure = false);
 
-/// True when a probe of UrlParts answers with status 200.
-[[nodiscard]] bool IsAvailable();
+/// Splits a URL into UrlParts and probes it: true when it answers with status 200.
+[[nodiscard]] bool IsAvailable(const std::string& url);
 
-/// IsAvailable, and then the length in bytes that a second probe of UrlParts tells; nothing when
-/// the resource is not available or its length is no number from 0 to 2,147,483,647.
-[[nodiscard]] std::optional<std::int32_t> AvailableLength();
+/// IsAvailable, and then the length in bytes that a second probe tells; nothing when the resource
+/// is not available or its length is no number from 0 to 2,147,483,647.
+[[nodiscard]] std::optional<std::int32_t> AvailableLength(const std::string& url);
 
 }  // namespace modFunciones

@@ -1,8 +1,8 @@
 #include "transfer/url.h"
 
-#include "platform/text.h"
-#include "script/decimal.h"
-#include "script/replace.h"
+#include "base/decimal.h"
+#include "base/replace.h"
+#include "base/text.h"
 
 namespace modFunciones {
 namespace {
@@ -14,7 +14,7 @@ constexpr const char* SecurePort = "443";
 constexpr const char* SecureMark = "https";
 
 bool HasScheme(std::string_view url, std::string_view scheme) {
-  return platform::text::LowerCase(url.substr(0, scheme.size())) == scheme;
+  return modFunciones::LowerCase(url.substr(0, scheme.size())) == scheme;
 }
 
 std::vector<std::string> SplitWithoutScheme(std::string rest, const char* defaultPort) {
@@ -31,6 +31,8 @@ std::vector<std::string> SplitWithoutScheme(std::string rest, const char* defaul
 
 std::vector<std::string> UrlParts;
 
+bool IsPlainUrl(std::string_view url) { return HasScheme(url, PlainScheme); }
+
 bool IsSecureUrl(std::string_view url) { return HasScheme(url, SecureScheme); }
 
 std::vector<std::string> SplitUrl(std::string_view url) {
@@ -40,7 +42,7 @@ std::vector<std::string> SplitUrl(std::string_view url) {
     if (!parts.empty()) parts.emplace_back(SecureMark);
     return parts;
   }
-  if (HasScheme(url, PlainScheme)) url.remove_prefix(PlainScheme.size());
+  if (IsPlainUrl(url)) url.remove_prefix(PlainScheme.size());
   return SplitWithoutScheme(ReplaceAll(url, PlainScheme, ""), PlainPort);
 }
 

@@ -8,11 +8,12 @@
 
 namespace modFunciones {
 
-/// The pieces of the URL split last, as SplitUrl returns them. Written by the update sequence and
-/// by AddAction; a probe is sent right after it was written.
+/// The pieces of the URL split last, as SplitUrl returns them. Written by each probe, and by
+/// AddAction where it sends none.
 extern std::vector<std::string> UrlParts;
 
-/// True for a URL that begins with "https://", in any letter case.
+/// True for a URL that begins with "http://", or with "https://", in any letter case.
+[[nodiscard]] bool IsPlainUrl(std::string_view url);
 [[nodiscard]] bool IsSecureUrl(std::string_view url);
 
 /// Cuts a URL (its scheme in any letter case, "http://" when it is missing) into host, port text

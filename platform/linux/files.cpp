@@ -195,13 +195,9 @@ DiskSpace QueryDiskSpace(const std::string& root) {
   // Larger clusters until 32 bits count them all.
   std::uint64_t sectors = std::max<std::uint64_t>(1, status.f_frsize / BytesPerSector);
   std::uint64_t free = status.f_bavail;
-  std::uint64_t total = status.f_blocks;
-  for (; total > Most || free > Most; sectors *= 2) {
-    free /= 2;
-    total /= 2;
-  }
+  for (; free > Most; sectors *= 2) free /= 2;
   return {static_cast<std::uint32_t>(std::min(sectors, Most)), BytesPerSector,
-          static_cast<std::uint32_t>(free), static_cast<std::uint32_t>(total)};
+          static_cast<std::uint32_t>(free)};
 }
 
 }  // namespace platform::files

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "platform/linux/text.h"
+#include "base/text.h"
 
 namespace platform::linux_layer {
 namespace {
@@ -18,13 +18,13 @@ bool BeginsWithDrive(std::string_view path) {
 
 std::string ToSystemPath(std::string_view path) {
   if (BeginsWithDrive(path)) path.remove_prefix(2);
-  std::string systemPath = ToUtf8(path);
+  std::string systemPath = modFunciones::ToUtf8(path);
   std::replace(systemPath.begin(), systemPath.end(), '\\', '/');
   return systemPath;
 }
 
 std::string ToProgramPath(std::string_view systemPath) {
-  std::string path = FromUtf8(systemPath);
+  std::string path = modFunciones::FromAnyUtf8(systemPath);
   std::replace(path.begin(), path.end(), '/', '\\');
   return path;
 }

@@ -16,9 +16,9 @@ extern "C" {  // glibc 2.36 does not say so itself
 #include <thread>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/linux/paths.h"
 #include "platform/linux/programs.h"
-#include "platform/linux/text.h"
 
 namespace platform::processes {
 namespace {
@@ -111,7 +111,7 @@ Snapshot TakeSnapshot(std::uint32_t /*kind*/) {
     const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), id);
     if (parsed.ec != std::errc{}) continue;
     const std::string name = NameOf(entry->path().string());
-    if (!name.empty()) snapshot->entries.push_back({id, linux_layer::FromUtf8(name)});
+    if (!name.empty()) snapshot->entries.push_back({id, modFunciones::FromAnyUtf8(name)});
   }
   return Snapshot(static_cast<SystemObject*>(snapshot.release()));
 }

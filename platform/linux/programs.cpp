@@ -11,8 +11,8 @@
 #include <system_error>
 #include <thread>
 
+#include "base/text.h"
 #include "platform/linux/paths.h"
-#include "platform/linux/text.h"
 
 namespace platform::linux_layer {
 namespace {
@@ -101,7 +101,7 @@ std::optional<pid_t> Spawn(const std::string& systemPath,
                            const std::vector<std::string>& parameters,
                            const std::string& systemFolder) {
   std::vector<std::string> texts = {systemPath};
-  for (const auto& parameter : parameters) texts.push_back(ToUtf8(parameter));
+  for (const auto& parameter : parameters) texts.push_back(modFunciones::ToUtf8(parameter));
   std::vector<char*> arguments;
   arguments.reserve(texts.size() + 1);
   for (auto& text : texts) arguments.push_back(text.data());

@@ -8,9 +8,9 @@
 #include <fstream>
 #include <string_view>
 
+#include "base/text.h"
 #include "platform/linux/paths.h"
 #include "platform/linux/programs.h"
-#include "platform/linux/text.h"
 
 namespace platform::system {
 namespace {
@@ -23,8 +23,10 @@ constexpr std::string_view SystemFolder = R"(\usr\local\lib)";
 constexpr std::int32_t Opened = 33;
 constexpr std::int32_t FileNotFound = 2;
 
-std::string ExecutablePath() {
-  return linux_layer::ToProgramPath(linux_layer::TargetOfLink("/proc/self/exe"));
+const std::string& ExecutablePath() {
+  static const std::string own =
+      linux_layer::ToProgramPath(linux_layer::TargetOfLink("/proc/self/exe"));
+  return own;
 }
 
 /// An argument as it has to be written so that the program reads it as one. It knows no way to
@@ -62,7 +64,8 @@ bool StartDirectly(const std::string& file, const std::string& parameters,
 
 bool LetDesktopOpen(const std::string& file) {
   const bool isUrl = file.find("://") != std::string::npos;
-  const std::string path = isUrl ? file : linux_layer::FromUtf8(linux_layer::ToSystemPath(file));
+  const std::string path =
+      isUrl ? file : modFunciones::FromAnyUtf8(linux_layer::ToSystemPath(file));
   const std::string opener = linux_layer::FindProgram("xdg-open");
   const auto child = opener.empty() ? std::nullopt : linux_layer::Spawn(opener, {path}, "");
   if (child) linux_layer::Abandon(*child);
@@ -77,20 +80,20 @@ std::string CommandLineText() {
   std::getline(file, argument, '\0');  // the program's own name
   std::string text;
   while (std::getline(file, argument, '\0')) {
-    text += ' ' + Quoted(linux_layer::FromUtf8(argument));
+    text += ' ' + Quoted(modFunciones::FromAnyUtf8(argument));
   }
   return text;
 }
 
 std::string ExecutableFolder() {
-  const std::string path = ExecutablePath();
+  const std::string& path = ExecutablePath();
   const auto separator = path.rfind('\\');
   if (separator == std::string::npos) return "";
   return path.substr(0, separator);
 }
 
 std::string ExecutableBaseName() {
-  const std::string path = ExecutablePath();
+  const std::string& path = ExecutablePath();
   const std::string name = path.substr(path.rfind('\\') + 1);
   return name.substr(0, name.rfind('.'));
 }
@@ -103,7 +106,7 @@ std::string DecimalSeparator() {
   static const std::string separator = [] {
     const locale_t locale = newlocale(LC_NUMERIC_MASK, "", nullptr);
     if (locale == nullptr) return std::string(".");  // the environment's is not installed
-    std::string radix = linux_layer::FromUtf8(nl_langinfo_l(RADIXCHAR, locale));
+    std::string radix = modFunciones::FromAnyUtf8(nl_langinfo_l(RADIXCHAR, locale));
     freelocale(locale);
     return radix;
   }();

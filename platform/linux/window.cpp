@@ -11,10 +11,10 @@
 #include <sstream>
 #include <vector>
 
+#include "base/text.h"
 #include "platform/linux/icon_file.h"
 #include "platform/linux/message_box.h"
 #include "platform/linux/paths.h"
-#include "platform/linux/text.h"
 #include "platform/linux/widgets.h"
 #include "platform/pace.h"
 
@@ -25,7 +25,7 @@ using linux_layer::IconWidget;
 using linux_layer::LabelWidget;
 using linux_layer::PictureWidget;
 using linux_layer::Scale;
-using linux_layer::ToUtf8;
+using modFunciones::ToUtf8;
 
 constexpr double TwipsPerInch = 1440.0;
 constexpr double UnscaledDotsPerInch = 96;

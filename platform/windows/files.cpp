@@ -205,7 +205,7 @@ DiskSpace QueryDiskSpace(const std::string& root) {
   DWORD totalClusters = 0;
   GetDiskFreeSpaceA(root.c_str(), &sectorsPerCluster, &bytesPerSector, &freeClusters,
                     &totalClusters);
-  return {sectorsPerCluster, bytesPerSector, freeClusters, totalClusters};
+  return {sectorsPerCluster, bytesPerSector, freeClusters};
 }
 
 }  // namespace platform::files

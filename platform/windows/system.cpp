@@ -4,7 +4,7 @@
 
 #include <shellapi.h>
 
-#include "platform/text.h"
+#include "base/text.h"
 #include "platform/windows/libraries.h"
 #include "platform/windows/programs.h"
 
@@ -13,13 +13,17 @@ namespace {
 
 constexpr std::int32_t Opened = 33;
 
-std::string ExecutablePath() {
-  std::string path(MAX_PATH, '\0');
-  while (true) {
-    const DWORD length = GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    if (length < path.size()) return path.substr(0, length);
-    path.resize(path.size() * 2);
-  }
+const std::string& ExecutablePath() {
+  static const std::string own = [] {
+    std::string path(MAX_PATH, '\0');
+    while (true) {
+      const DWORD length =
+          GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size()));
+      if (length < path.size()) return path.substr(0, length);
+      path.resize(path.size() * 2);
+    }
+  }();
+  return own;
 }
 
 const char* NullWhenEmpty(const std::string& value) {
@@ -39,7 +43,7 @@ std::string CommandLineText() {
 }
 
 std::string ExecutableFolder() {
-  const std::string path = ExecutablePath();
+  const std::string& path = ExecutablePath();
   const auto separator = path.find_last_of('\\');
   if (separator == std::string::npos) return "";
   const bool isRoot = separator > 0 && path[separator - 1] == ':';
@@ -47,7 +51,7 @@ std::string ExecutableFolder() {
 }
 
 std::string ExecutableBaseName() {
-  const std::string path = ExecutablePath();
+  const std::string& path = ExecutablePath();
   const std::string name = path.substr(path.find_last_of('\\') + 1);
   return name.substr(0, name.find_last_of('.'));
 }
@@ -73,7 +77,8 @@ std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder,
                            int showValue) {
   if (file.size() > MAX_PATH) return SE_ERR_FNF;  // a shell may not be made for more
-  if (text::LowerCase(file).ends_with(".exe") && !windows::LoaderIsFree(windows::LongestOpening)) {
+  if (modFunciones::LowerCase(file).ends_with(".exe") &&
+      !windows::LoaderIsFree(windows::LongestOpening)) {
     const std::string commandLine = '"' + file + "\" " + parameters;
     return windows::StartProgram(commandLine, folder.c_str(), showValue) ? Opened : SE_ERR_FNF;
   }

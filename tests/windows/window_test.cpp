@@ -1,6 +1,6 @@
 // The real program as its user meets it: in its window, and from its folder.
 
-#include "platform/text.h"
+#include "base/text.h"
 #include "run/messages.h"
 #include "run/progress_window.h"
 #include "tests/support/faults.h"
@@ -11,7 +11,7 @@
 namespace {
 
 using namespace frmPrincipal;
-using namespace platform::text::literals;
+using namespace modFunciones::literals;
 
 constexpr int FirstControlId = 100;
 

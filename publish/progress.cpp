@@ -1,6 +1,8 @@
-#include "publish/console.h"
+#include "publish/progress.h"
 
 #include <iostream>
+
+#include "platform/console.h"
 
 namespace publish {
 namespace {
@@ -13,6 +15,7 @@ struct Work {
 Work work;
 
 bool IsShown() {
+  using namespace platform::console;
   static const bool shown = IsTerminal(Stream::Errors);
   return shown && work.steps > 0;
 }

@@ -1,8 +1,8 @@
+#include "platform/console.h"
+
 #include <unistd.h>
 
-#include "publish/console.h"
-
-namespace publish {
+namespace platform::console {
 
 std::vector<std::string> Arguments(int argc, char** argv) { return {argv + 1, argv + argc}; }
 
@@ -10,4 +10,4 @@ bool IsTerminal(Stream stream) {
   return isatty(stream == Stream::Output ? STDOUT_FILENO : STDERR_FILENO) != 0;
 }
 
-}  // namespace publish
+}  // namespace platform::console

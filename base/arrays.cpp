@@ -1,4 +1,4 @@
-#include "script/arrays.h"
+#include "base/arrays.h"
 
 #include <algorithm>
 

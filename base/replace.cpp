@@ -1,4 +1,4 @@
-#include "script/replace.h"
+#include "base/replace.h"
 
 namespace modFunciones {
 

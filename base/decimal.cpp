@@ -1,4 +1,4 @@
-#include "script/decimal.h"
+#include "base/decimal.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,12 +1,12 @@
+#include "platform/console.h"
+
 #include <windows.h>
 
 #include <shellapi.h>
 
 #include <memory>
 
-#include "publish/console.h"
-
-namespace publish {
+namespace platform::console {
 namespace {
 
 std::string ToUtf8(const wchar_t* text) {
@@ -38,4 +38,4 @@ bool IsTerminal(Stream stream) {
   return SetConsoleMode(console, mode | EscapeSequences) != FALSE;
 }
 
-}  // namespace publish
+}  // namespace platform::console
