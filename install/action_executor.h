@@ -21,7 +21,8 @@ namespace modFunciones {
 
 /// The command line with its program in quotes, where the program is unquoted and a leading part
 /// names an existing file, with or without ".exe": the longest such part is the program. Otherwise
-/// the command line as it is. So a path with blanks never starts what its first word names.
+/// the command line as it is. So a path with blanks never starts what its first word names. A part
+/// that ends in a dot, or climbs with ".." out of a folder that is not there, names no program.
 [[nodiscard]] std::string QuoteProgram(const std::string& commandLine);
 
 }  // namespace modFunciones

@@ -349,7 +349,7 @@ Remark KillOfTooMuch(const Line& /*line*/, const Argument& argument, const std::
   const std::string name = LowerCase(written);
   if (name.empty()) return {};
   if (std::string_view("kestrane.exe").ends_with(name)) {
-    return {Severity::Error, "KILL ends every program whose name ends so, the updater too."};
+    return {Severity::Error, "KILL ends every program whose name ends so, other updaters too."};
   }
   for (const auto& program : CommonPrograms) {
     if (program.ends_with(name)) {

@@ -176,15 +176,14 @@ TEST_F(Install, ComponentsAreLeftBehindWhenTheyHang) {
 
 TEST_F(Install, AProgramWithBlanksInItsPathIsTheLongestFile) {
   const std::string tool = sandbox.Path("My Tool.exe");
-  sandbox.Fill({{"My Tool.exe", ""}, {"My.exe", "bait"}});
-  const std::string withoutExtension = tool.substr(0, tool.size() - 4);
-  EXPECT_EQ(QuoteProgram(tool), '"' + tool + '"');
-  sandbox.Write("data.txt", "");
-  for (const auto& parameters :
-       Texts{"/x y", ".", "a\\..\\data.txt", "a/../data.txt", "x\\.\\..\\..\\data.txt"}) {
-    EXPECT_EQ(QuoteProgram(tool + ' ' + parameters), '"' + tool + "\" " + parameters);
+  sandbox.Fill({{"My Tool.exe", ""}, {"My.exe", "bait"}, {"data.txt", ""}, {"a b/x", ""}});
+  for (const auto& program :
+       {tool, tool.substr(0, tool.size() - 4), sandbox.Path("a b/../My Tool.exe")}) {
+    for (const std::string parameters : {"", " /x y", " .", "\t..", " a\\..\\data.txt",
+                                         " a/../data.txt", " x\\.\\..\\..\\data.txt"}) {
+      EXPECT_EQ(QuoteProgram(program + parameters), '"' + program + '"' + parameters);
+    }
   }
-  EXPECT_EQ(QuoteProgram(withoutExtension + " /x"), '"' + withoutExtension + "\" /x");
   for (const auto& line : Texts{'"' + tool + "\" /x", "missing.exe /x", "notepad x", "", " "}) {
     EXPECT_EQ(QuoteProgram(line), line);
   }

@@ -258,7 +258,7 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
       {"Windows-1252 lacks", {}, [](Order& o) { std::ofstream(o.newFolder / u8"\u4E2D") << "x"; }},
       {"macro", {{"new/$AppPath", "x"}}},
       {"no file b", {}, [](Order& o) { o.wishes.components = {"b"}; }},
-      {"the updater too", {{"new/e.exe", "x"}}},
+      {"other updaters too", {{"new/e.exe", "x"}}},
       {"needs the updater's version", {}, [](Order& o) { o.updaterUrl = ""; }},
   };
   for (const auto& [problem, files, change] : cases) {

@@ -8,6 +8,8 @@
 // Asio wants to come first.
 #include <windows.h>
 
+#include "platform/windows/programs.h"
+
 namespace {
 
 using namespace frmPrincipal;
@@ -305,10 +307,15 @@ TEST_F(ProgramWindow, LoadsNoLibraryFromItsOwnFolder) {
   }
   const std::string formerPath = std::string("PATH=") + std::getenv("PATH");
   putenv((formerPath + ';' + sandbox.Path("on path")).c_str());
-  ServeScript("REGISTER|$AppPath\\sub\\c.dll");
+  // The second keeps the program from loading anything for 15 seconds, 5 more than it is waited
+  // for.
+  sandbox.Write("slow.dll", ReadWhole(OwnFolder() / "slow_component.dll"));
+  ServeScript("REGISTER|$AppPath\\sub\\c.dll\nREGISTER|$AppPath\\slow.dll");
+  const auto start = std::chrono::steady_clock::now();
   EXPECT_TRUE(RunsSilently());
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
   putenv(formerPath.c_str());
-  EXPECT_EQ(sandbox.Read("component.log"), "loaded\nloaded\nloaded\nloaded\nregistered\n");
+  EXPECT_EQ(sandbox.Read("component.log"), "loaded\nloaded\nloaded\nloaded\nregistered\nloaded\n");
 }
 
 TEST_F(ProgramWindow, StartsOnEverySystemFromXpOn) {
@@ -319,6 +326,18 @@ TEST_F(ProgramWindow, StartsOnEverySystemFromXpOn) {
                                      version.c_str(), static_cast<DWORD>(version.size() + 1));
     EXPECT_TRUE(RunsSilently()) << version;
   }
+}
+
+TEST_F(Program, IsStartedThroughTheShellAsItIsWithoutIt) {
+  const std::string app = sandbox.Path("kt-app.exe");
+  const std::string rest = " append \"" + sandbox.Path("out") + "\" ";
+  for (const auto& line : {app + rest + "1", '"' + app + '"' + rest + "\"2 3\"",
+                           app.substr(0, app.size() - 4) + '\t' + rest + "4"}) {
+    run = platform::windows::StartThroughShell(line, nullptr, SW_HIDE);
+    ASSERT_TRUE(run && Ends()) << line;
+  }
+  EXPECT_EQ(sandbox.Read("out"), "1\n2 3\n4\n");
+  EXPECT_FALSE(platform::windows::StartThroughShell("kt-missing.exe /x", nullptr, SW_HIDE));
 }
 
 TEST_F(Program, IsHardenedInItsHeader) {
