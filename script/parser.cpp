@@ -24,7 +24,9 @@ class Recorder : public ScriptSink {
 
   void TakeName(const std::string& name) override { AppDisplayName = name; }
 
-  bool Holds(const Condition& condition) override { return condition.HoldsFor(installed); }
+  bool Holds(const Condition& condition) override {
+    return condition.HoldsFor(VersionToNumber(AppVersion));
+  }
 
   bool TakeAction(const ActionLine& action) override {
     const std::string word(action.command.word);
@@ -32,8 +34,6 @@ class Recorder : public ScriptSink {
     RunAction(word, action.arg1, action.arg2, action.arg3);
     return true;
   }
-
-  const std::int32_t installed = VersionToNumber(AppVersion);
 };
 
 }  // namespace

@@ -119,8 +119,9 @@ TEST_F(Parser, RejectsWhatItDoesNotUnderstand) {
   EXPECT_EQ(Parse(header + "END\nEND"), ScriptNotUnderstood) << "three lines are too few";
   EXPECT_EQ(NewUpdaterVersion, 0) << "and their header is not looked at";
 
-  EXPECT_EQ(Parse(header + "VERSION|=|2\nKILL|a\nKILL"), ScriptNotUnderstood);
+  EXPECT_EQ(Parse(header + "VERSION|=|2\nKILL|a\n!KILL\n!KILL|b"), ScriptNotUnderstood);
   EXPECT_EQ(ActionArg1, Texts{"a"}) << "what stood before the failing line stays";
+  EXPECT_EQ(ScriptLines[3][0] + ScriptLines[4][0], "KILL!KILL") << "the lines that were reached";
 }
 
 }  // namespace
