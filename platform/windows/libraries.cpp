@@ -1,7 +1,7 @@
 #include "platform/windows/libraries.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <ranges>
 
 #include "platform/system.h"
 
@@ -76,7 +76,8 @@ WiderSearch::WiderSearch(const std::string& componentFolder) {
     folders.push_back(path.substr(start, end - start));
   }
   // The order is not promised; the one added last is searched first.
-  for (const auto& folder : std::ranges::reverse_view(folders)) {
+  std::reverse(folders.begin(), folders.end());
+  for (const auto& folder : folders) {
     if (void* const cookie = addFolder(ToWide(folder).c_str())) added.push_back(cookie);
   }
 }
