@@ -80,6 +80,7 @@ TEST_F(Install, FilesAreReadAndWrittenWhole) {
   sandbox.Write("f", "old");
   if (const auto lock = faults::Lock(sandbox.Path("f"))) {
     EXPECT_FALSE(FileWriteAll(sandbox.Path("f"), "new"));
+    EXPECT_FALSE(FileRename(sandbox.Path("f"), sandbox.Path("g")));
     EXPECT_EQ(FileReadAll(sandbox.Path("f")), "");
   }
 }

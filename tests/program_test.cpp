@@ -70,7 +70,7 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
 
   // A copy of another name does the same, and does not end itself because its name ends alike.
   sandbox.Fill({{"MyKestrane.exe", newer}, {"KestraneTmp.exe", newer}, {"Kestrane.exe", "broken"}});
-  (void)std::remove(sandbox.Folder("kt-app.exe.log").string().c_str());
+  ForgetLaunches();
   Run(sandbox.Path("MyKestrane.exe"),
       {"2.7.1", "any", server.Url("/KDvelomar2.txt"), sandbox.Path("kt-app.exe"), "no"});
   EXPECT_TRUE(Ends() && Launches());

@@ -110,12 +110,11 @@ TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
 
 TEST(Pace, LooksAtTheWindowAsOftenAsAUserCanTell) {
   platform::Pace pace;
-  for (const std::uint32_t now : {1000U, UINT32_MAX - 5}) {
-    pace.Displayed(now);
-    pace.EventsHandled(now);
-    EXPECT_FALSE(pace.FrameIsOver(now + 29) || pace.EventsAreDue(now + 9));
-    EXPECT_TRUE(pace.FrameIsOver(now + 30) && pace.EventsAreDue(now + 10));
-  }
+  const std::uint32_t now = UINT32_MAX - 5;  // the counter begins again soon
+  pace.Displayed(now);
+  pace.EventsHandled(now);
+  EXPECT_FALSE(pace.FrameIsOver(now + 29) || pace.EventsAreDue(now + 9));
+  EXPECT_TRUE(pace.FrameIsOver(now + 30) && pace.EventsAreDue(now + 10));
 }
 
 TEST(Text, KnowsTheLettersOfItsCodePage) {
