@@ -61,6 +61,12 @@ inline constexpr auto WriteFailure =
 inline constexpr auto DeleteFailure =
     "Se ha producido un error al borrar un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación."_ansi;
 
+// Failures of an application that names its publisher's key.
+inline constexpr auto NotSigned =
+    "La información de la actualización no está firmada por el autor del programa."_ansi;
+inline constexpr auto NotGenuine =
+    "Un archivo descargado no es el que publicó el autor del programa. Inténtelo de nuevo más tarde."_ansi;
+
 // Failure of the temporary copy: the text before, between and behind the two file names.
 inline constexpr auto RenameAdvice =
     "Se ha producido un error grave. Para solucionarlo debe renombrar el fichero "_ansi;

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 #include "base/arrays.h"
 #include "install/action_executor.h"
@@ -20,6 +21,7 @@
 #include "transfer/download.h"
 #include "transfer/download_phase.h"
 #include "transfer/http_probe.h"
+#include "transfer/publisher_check.h"
 
 namespace frmPrincipal {
 
@@ -36,9 +38,17 @@ namespace {
 
 namespace window = platform::window;
 
-std::string FetchIntoMemory(const std::string& url) {
+std::string FetchIntoMemory(const std::string& url, PublisherCheck* check = nullptr) {
   return modFunciones::DownloadUrl(url, "", modFunciones::UserAgentText,
-                                   modFunciones::PreconfiguredAccess, "");
+                                   modFunciones::PreconfiguredAccess, "", check);
+}
+
+/// False when the script is not signed as it has to be: nothing of it is read then.
+bool FetchScript(const std::string& url) {
+  const std::string script = FetchIntoMemory(url);
+  if (!AcceptScript(script)) return false;
+  ScriptLines = CutScript(script);
+  return true;
 }
 
 /// For the message, where memory ran out.
@@ -69,8 +79,10 @@ std::string ReplaceOutdatedUpdater() {
   window::ProcessPendingEvents();
 
   TransferProgressOn = true;
-  std::string program = FetchIntoMemory(NewUpdaterUrl);
+  PublisherCheck check;
+  std::string program = FetchIntoMemory(NewUpdaterUrl, &check);
   TransferProgressOn = false;
+  if (!program.empty() && !std::move(check).Passes(NewUpdaterUrl)) return std::string(NotGenuine);
   // Of another length it is something else, the page of an error for example.
   if (program.size() != static_cast<std::size_t>(*length)) program.clear();
   HandOverToNewUpdater(program);
@@ -103,8 +115,9 @@ void RunSequence() {
   window::SetText(frmPrincipal::lblMensaje, CheckingStatus);
   window::ProcessPendingEvents();
 
-  if (!modFunciones::IsAvailable(UpdateInfoUrl)) return FailWithMessage(InformationNotFound);
-  ScriptLines = CutScript(FetchIntoMemory(UpdateInfoUrl));
+  const std::string url = modFunciones::WithoutKey(UpdateInfoUrl);
+  if (!modFunciones::IsAvailable(url)) return FailWithMessage(InformationNotFound);
+  if (!FetchScript(url)) return FailWithMessage(NotSigned);
   const std::string parseFailure = ParseUpdateScript(ScriptLines);
 
   // The updater comes first, even when it is too old to understand the script.

@@ -16,12 +16,13 @@ run/startup
 run/update_sequence
 script/parser transfer/download_phase run/self_replacement
 install/action_executor transfer/availability transfer/download run/final_screen
+transfer/publisher_check
 run/progress_window run/progress_bar transfer/http_probe install/process_control install/component_registration
-run/run_state run/command_line run/launch script/reader script/action_table transfer/url install/path_macros install/file_helpers
+run/run_state run/command_line run/launch script/reader script/action_table transfer/url transfer/signed_script install/path_macros install/file_helpers
 run/messages run/own_version script/commands script/version
 '
 # Beside them stands publish/, and a layer under its headers.
-publish='base/|platform/|publish/|run/messages|script/(commands|reader|version)|transfer/(http_probe|url)'
+publish='base/|platform/|publish/|run/messages|script/(commands|reader|version)|transfer/(http_probe|signed_script|url)'
 
 # A header and its source are one node.
 arrows=$(grep -roE '#include "[^"]+"' --include=*.h --include=*.cpp base run script transfer install platform publish |

@@ -25,6 +25,7 @@ namespace files = platform::files;
 
 using modPrincipal::FileBytes;
 using modPrincipal::FileBytesDone;
+using modPrincipal::PublisherCheck;
 using modPrincipal::TotalBytes;
 using modPrincipal::TotalBytesDone;
 using modPrincipal::TransferProgressOn;
@@ -70,7 +71,7 @@ bool IsWhole(const platform::http::Body& body, std::int64_t received) {
 /// Hands the body to store, block by block. False when a read fails, store refuses a block, or the
 /// body is not whole.
 template <typename Store>
-bool ReadBody(const platform::http::Body& body, Store store) {
+bool ReadBody(const platform::http::Body& body, PublisherCheck* check, Store store) {
   std::array<char, TransferBlockSize> buffer{};
   std::int64_t received = 0;
   std::uint32_t bytesRead = 0;
@@ -82,23 +83,26 @@ bool ReadBody(const platform::http::Body& body, Store store) {
       FileBytesDone += bytesRead;
       ShowProgress();
     }
-    if (!store(std::string_view(buffer.data(), bytesRead))) return false;
+    const std::string_view block(buffer.data(), bytesRead);
+    if (check != nullptr) check->Add(block);
+    if (!store(block)) return false;
   } while (bytesRead > 0);
   return IsWhole(body, received);
 }
 
-std::string ReadIntoFile(const platform::http::Body& body, const std::string& targetPath) {
+std::string ReadIntoFile(const platform::http::Body& body, PublisherCheck* check,
+                         const std::string& targetPath) {
   if (!FileDelete(targetPath)) return "";
   files::File file = files::Create(targetPath);
   if (!file) return "";
   const bool complete =
-      ReadBody(body, [&](std::string_view block) { return files::Write(file, block); });
+      ReadBody(body, check, [&](std::string_view block) { return files::Write(file, block); });
   return complete && files::Close(std::move(file)) ? targetPath : "";
 }
 
-std::string ReadIntoMemory(const platform::http::Body& body) {
+std::string ReadIntoMemory(const platform::http::Body& body, PublisherCheck* check) {
   std::string content;
-  const bool complete = ReadBody(body, [&](std::string_view block) {
+  const bool complete = ReadBody(body, check, [&](std::string_view block) {
     content += block;
     return true;
   });
@@ -119,7 +123,7 @@ std::string ProgressText(std::int64_t done, std::int64_t total) {
 
 std::string DownloadUrl(const std::string& url, const std::string& targetPath,
                         const std::string& userAgent, std::int32_t accessType,
-                        const std::string& proxy) {
+                        const std::string& proxy, PublisherCheck* check) {
   const platform::http::Handle root = platform::http::OpenRoot(userAgent, accessType, proxy);
   if (!root) return "";
   const platform::http::Body body = platform::http::OpenUrl(root, url);
@@ -127,7 +131,8 @@ std::string DownloadUrl(const std::string& url, const std::string& targetPath,
 
   std::string result;
   try {
-    result = targetPath.empty() ? ReadIntoMemory(body) : ReadIntoFile(body, targetPath);
+    result =
+        targetPath.empty() ? ReadIntoMemory(body, check) : ReadIntoFile(body, check, targetPath);
   } catch (const std::bad_alloc&) {
     // A body that does not fit into memory is a failed download.
   } catch (const std::length_error&) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "base/arrays.h"
 #include "base/rounding.h"
@@ -16,18 +17,26 @@
 #include "script/commands.h"
 #include "transfer/download.h"
 #include "transfer/http_probe.h"
+#include "transfer/publisher_check.h"
 
 namespace modPrincipal {
 namespace {
 
-bool DownloadRow(std::size_t row) {
+/// Returns "" or the failure message to show.
+std::string_view DownloadRow(std::size_t row) {
   FileBytesDone = 0;
   FileBytes = ActionSize[row];
   modFunciones::CreateFolderPath(ActionArg1[row]);
   const std::string target = ActionArg1[row] + ".tmp";
-  return !modFunciones::DownloadUrl(ActionArg2[row], target, modFunciones::UserAgentText,
-                                    modFunciones::PreconfiguredAccess, "")
-              .empty();
+  PublisherCheck check;
+  if (modFunciones::DownloadUrl(ActionArg2[row], target, modFunciones::UserAgentText,
+                                modFunciones::PreconfiguredAccess, "", &check)
+          .empty()) {
+    return WriteFailure;
+  }
+  if (std::move(check).Passes(ActionArg2[row])) return "";
+  (void)platform::files::Delete(target);  // nothing takes it for a download any more
+  return NotGenuine;
 }
 
 }  // namespace
@@ -41,12 +50,16 @@ std::string DownloadFiles() {
   if (static_cast<double>(TotalBytes) / 1024 > modFunciones::FreeDiskSpaceKB("C:")) {
     return std::string(NoDiskSpace);
   }
-  if (TotalBytes < 1) return "";
+  // What lies where a download would be is no download, whoever left it.
+  if (TotalBytes < 1 && !PublishedDigests) return "";
 
   TransferProgressOn = true;
   const auto count = static_cast<std::size_t>(modFunciones::ElementCount(ActionCommand));
   for (std::size_t row = 0; row < count; ++row) {
-    if (IsDownload(ActionCommand[row]) && !DownloadRow(row)) return std::string(WriteFailure);
+    if (IsDownload(ActionCommand[row])) {
+      const std::string_view failure = DownloadRow(row);
+      if (!failure.empty()) return std::string(failure);
+    }
     window::SetText(frmPrincipal::lblFileProgreso, "");
   }
   modFunciones::DrawProgressBar(frmPrincipal::picFile, 0);

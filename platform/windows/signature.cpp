@@ -1,0 +1,117 @@
+#include "platform/signature.h"
+
+#include <windows.h>
+
+#include <wincrypt.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "platform/windows/libraries.h"
+
+namespace platform::signature {
+namespace {
+
+using windows::FunctionOf;
+using windows::LoadSystemLibrary;
+
+// wincrypt.h hides it from programs that start on systems which do not know it.
+constexpr ALG_ID Sha256 = ALG_CLASS_HASH | ALG_TYPE_ANY | 12;
+constexpr DWORD Sha256Size = 32;  // bytes
+
+/// Acquired at first use and kept; 0 where the system has none.
+HCRYPTPROV Provider() {
+  static const HCRYPTPROV provider = [] {
+    HCRYPTPROV acquired = 0;
+    CryptAcquireContextA(&acquired, nullptr, nullptr, PROV_RSA_AES, CRYPT_VERIFYCONTEXT);
+    return acquired;
+  }();
+  return provider;
+}
+
+struct Hash {
+  Hash() { failed = CryptCreateHash(Provider(), Sha256, 0, 0, &handle) == FALSE; }
+  ~Hash() { CryptDestroyHash(handle); }
+  Hash(const Hash&) = delete;
+  Hash& operator=(const Hash&) = delete;
+
+  void Add(std::string_view bytes) {
+    failed = failed || CryptHashData(handle, reinterpret_cast<const BYTE*>(bytes.data()),
+                                     static_cast<DWORD>(bytes.size()), 0) == FALSE;
+  }
+
+  HCRYPTHASH handle = 0;
+  bool failed = false;
+};
+
+Hash& HashOf(const Digest& digest) { return *static_cast<Hash*>(digest.get()); }
+
+/// The key of a SubjectPublicKeyInfo in a form that the provider works with.
+struct Key {
+  explicit Key(std::string_view der) {
+    const HMODULE library = LoadSystemLibrary("crypt32.dll");
+    const auto decode = FunctionOf<decltype(CryptDecodeObjectEx)>(library, "CryptDecodeObjectEx");
+    const auto import =
+        FunctionOf<decltype(CryptImportPublicKeyInfo)>(library, "CryptImportPublicKeyInfo");
+    CERT_PUBLIC_KEY_INFO* info = nullptr;
+    DWORD size = 0;
+    if (decode == nullptr || import == nullptr ||
+        decode(X509_ASN_ENCODING, X509_PUBLIC_KEY_INFO, reinterpret_cast<const BYTE*>(der.data()),
+               static_cast<DWORD>(der.size()), CRYPT_DECODE_ALLOC_FLAG, nullptr, &info,
+               &size) == FALSE) {
+      return;
+    }
+    if (std::string_view(info->Algorithm.pszObjId) == szOID_RSA_RSA) {
+      import(Provider(), X509_ASN_ENCODING, info, &handle);
+    }
+    LocalFree(info);
+  }
+  ~Key() { CryptDestroyKey(handle); }
+  Key(const Key&) = delete;
+  Key& operator=(const Key&) = delete;
+
+  /// Length of the modulus; 0 where there is no key.
+  [[nodiscard]] DWORD Bits() const {
+    DWORD bits = 0;
+    DWORD size = sizeof bits;
+    CryptGetKeyParam(handle, KP_KEYLEN, reinterpret_cast<BYTE*>(&bits), &size, 0);
+    return bits;
+  }
+
+  HCRYPTKEY handle = 0;
+};
+
+}  // namespace
+
+void CloseDigest::operator()(void* digest) const { delete static_cast<Hash*>(digest); }
+
+Digest StartDigest() { return Digest(new Hash); }
+
+void Add(const Digest& digest, std::string_view bytes) { HashOf(digest).Add(bytes); }
+
+std::string Finish(Digest digest) {
+  std::string bytes(Sha256Size, '\0');
+  DWORD size = Sha256Size;
+  const Hash& hash = HashOf(digest);
+  if (hash.failed || CryptGetHashParam(hash.handle, HP_HASHVAL,
+                                       reinterpret_cast<BYTE*>(bytes.data()), &size, 0) == FALSE) {
+    return "";
+  }
+  return bytes;
+}
+
+bool IsSignedBy(std::string_view publicKey, std::string_view message, std::string_view signature) {
+  const Key key(publicKey);
+  const DWORD bits = key.Bits();
+  if (bits < LeastKeyBits || bits > MostKeyBits || signature.size() != (bits + 7) / 8) return false;
+  Hash hash;
+  hash.Add(message);
+  // The provider wants the least significant byte first.
+  const std::vector<BYTE> reversed(signature.rbegin(), signature.rend());
+  return !hash.failed &&
+         CryptVerifySignatureA(hash.handle, reversed.data(), static_cast<DWORD>(reversed.size()),
+                               key.handle, nullptr, 0) != FALSE;
+}
+
+}  // namespace platform::signature

@@ -1,0 +1,105 @@
+#include "transfer/signed_script.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+#include "base/arrays.h"
+#include "base/binary_text.h"
+#include "base/text.h"
+#include "platform/signature.h"
+
+namespace modFunciones {
+namespace {
+
+constexpr std::string_view KeyMark = "#key=";
+
+/// A "#KEY=" that named nothing would leave an application without the protection that it asks for.
+std::size_t KeyMarkIn(std::string_view url) { return LowerCase(url).find(KeyMark); }
+
+bool IsSha256(std::string_view text) {
+  return text.size() == 64 &&
+         text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
+}
+
+/// Takes the first line off a text, without its end.
+std::string_view TakeLine(std::string_view& text) {
+  std::string_view line = text.substr(0, text.find('\n'));
+  text.remove_prefix(std::min(line.size() + 1, text.size()));
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+/// The fields of a line behind its mark, when there are two and neither is empty.
+std::optional<std::pair<std::string, std::string>> TwoFields(std::string_view line,
+                                                             std::string_view mark) {
+  if (!line.starts_with(mark)) return std::nullopt;
+  std::vector<std::string> fields = Split(line.substr(mark.size()), '|');
+  if (fields.size() != 2 || fields[0].empty() || fields[1].empty()) return std::nullopt;
+  return std::pair(std::move(fields[0]), std::move(fields[1]));
+}
+
+/// Where the first signature begins: behind the last byte that is signed.
+std::size_t SignedLength(std::string_view script) {
+  if (script.starts_with(SignatureMark)) return 0;
+  const std::size_t found = script.find('\n' + std::string(SignatureMark));
+  return found == std::string_view::npos ? 0 : found + 1;
+}
+
+/// signatures: the rest of the script, in which nothing else may stand.
+bool OneFits(std::string_view content, std::string_view signatures, std::string_view key) {
+  bool fits = false;
+  while (!signatures.empty()) {
+    const std::string_view line = TakeLine(signatures);
+    if (line.empty()) continue;
+    const auto fields = TwoFields(line, SignatureMark);
+    if (!fields) return false;
+    const auto publicKey = FromBase64(fields->first);
+    const auto signature = FromBase64(fields->second);
+    if (!publicKey || !signature) return false;
+    fits = fits || (Sha256Text(*publicKey) == key &&
+                    platform::signature::IsSignedBy(*publicKey, content, *signature));
+  }
+  return fits;
+}
+
+std::optional<Digests> DigestsIn(std::string_view content) {
+  Digests digests;
+  while (!content.empty()) {
+    const std::string_view line = TakeLine(content);
+    if (!line.starts_with(DigestMark)) continue;
+    const auto fields = TwoFields(line, DigestMark);
+    if (!fields || !IsSha256(fields->first)) return std::nullopt;
+    const std::string digest = LowerCase(fields->first);
+    if (digests.try_emplace(fields->second, digest).first->second != digest) return std::nullopt;
+  }
+  return digests;
+}
+
+}  // namespace
+
+std::string WithoutKey(std::string_view url) { return std::string(url.substr(0, KeyMarkIn(url))); }
+
+std::optional<std::string> NamedKey(std::string_view url) {
+  const std::size_t mark = KeyMarkIn(url);
+  if (mark == std::string_view::npos) return std::nullopt;
+  return LowerCase(url.substr(mark + KeyMark.size()));
+}
+
+std::string Sha256Text(std::string_view bytes) {
+  auto digest = platform::signature::StartDigest();
+  platform::signature::Add(digest, bytes);
+  return HexText(platform::signature::Finish(std::move(digest)));
+}
+
+std::optional<Digests> SignedDigests(std::string_view script, std::string_view key) {
+  const std::size_t length = SignedLength(script);
+  const std::string_view content = script.substr(0, length);
+  if (!IsSha256(key) || content.empty() || !OneFits(content, script.substr(length), key)) {
+    return std::nullopt;
+  }
+  return DigestsIn(content);
+}
+
+}  // namespace modFunciones
