@@ -5,6 +5,7 @@
 #include "platform/files.h"
 #include "platform/http.h"
 #include "platform/processes.h"
+#include "platform/signature.h"
 #include "platform/system.h"
 #include "tests/support/scripted_window.h"
 
@@ -103,6 +104,22 @@ bool HasEnded(const Process&) { return true; }
 Process Start(const std::string&, int) { return {}; }
 void Sleep(std::uint32_t) {}
 }  // namespace platform::processes
+
+// The digest of "key" is all zeros, and that key has signed everything.
+namespace platform::signature {
+void CloseDigest::operator()(void* digest) const { delete static_cast<std::string*>(digest); }
+Digest StartDigest() { return Digest(new std::string); }
+void Add(const Digest& digest, std::string_view bytes) {
+  *static_cast<std::string*>(digest.get()) += bytes;
+}
+std::string Finish(Digest digest) {
+  return std::string(32, *static_cast<std::string*>(digest.get()) == "key" ? '\0' : 'x');
+}
+bool IsSignedBy(std::string_view publicKey, std::string_view message, std::string_view) {
+  machine.signedMessage = message;
+  return publicKey == "key";
+}
+}  // namespace platform::signature
 
 namespace platform::system {
 std::string CommandLineText() { return machine.commandLine; }

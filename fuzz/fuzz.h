@@ -23,5 +23,6 @@ struct Machine {
   std::string commandLine;
   std::string onlyFile;
   std::set<std::string> folders;
+  std::string signedMessage;  // the last one whose signature was looked at
 };
 extern Machine machine;

@@ -1,8 +1,7 @@
 #include "transfer/download.h"
 
 #include <array>
-#include <new>
-#include <stdexcept>
+#include <exception>
 #include <string_view>
 #include <utility>
 
@@ -133,9 +132,8 @@ std::string DownloadUrl(const std::string& url, const std::string& targetPath,
   try {
     result =
         targetPath.empty() ? ReadIntoMemory(body, check) : ReadIntoFile(body, check, targetPath);
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     // A body that does not fit into memory is a failed download.
-  } catch (const std::length_error&) {
   }
   if (TransferProgressOn) TotalBytesDone += FileBytesDone;
   return result;

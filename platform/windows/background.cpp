@@ -1,7 +1,5 @@
 #include "platform/windows/background.h"
 
-#include <windows.h>
-
 #include <memory>
 #include <utility>
 
@@ -15,23 +13,7 @@ namespace {
 constexpr DWORD ShortCall = 10;
 constexpr DWORD Rest = 100;
 
-/// One thread for all calls, since creating one costs more than most calls take.
-struct Worker {
-  Worker() = default;
-  ~Worker() {
-    CloseHandle(start);
-    CloseHandle(done);
-  }
-  Worker(const Worker&) = delete;
-  Worker& operator=(const Worker&) = delete;
-
-  HANDLE start = CreateEventW(nullptr, FALSE, FALSE, nullptr);
-  HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);  // until the next call
-  std::function<void()> call;  // handed over with start, handed back with done
-};
-
-// What runs calls, and whether it is at one. A worker lives as long as the process; none when the
-// system has no thread or events for it.
+// What runs calls, and whether it is at one.
 Worker* theWorker = nullptr;
 bool isAtWork = false;
 
@@ -45,26 +27,29 @@ DWORD WINAPI Work(void* argument) {
   return 0;
 }
 
-bool ProvideWorker() {
-  if (theWorker != nullptr) return true;
-  auto worker = std::make_unique<Worker>();
-  if (worker->start == nullptr || worker->done == nullptr) return false;
-  const HANDLE thread = CreateThread(nullptr, 0, Work, worker.get(), 0, nullptr);
-  if (thread == nullptr) return false;
-  CloseHandle(thread);
-  theWorker = worker.release();
-  return true;
+}  // namespace
+
+void Worker::Start(std::function<void()> next) {
+  call = std::move(next);
+  ResetEvent(done);
+  SetEvent(start);
 }
 
-}  // namespace
+Worker* NewWorker() {
+  auto worker = std::make_unique<Worker>();
+  if (worker->start == nullptr || worker->done == nullptr) return nullptr;
+  const HANDLE thread = CreateThread(nullptr, 0, Work, worker.get(), 0, nullptr);
+  if (thread == nullptr) return nullptr;
+  CloseHandle(thread);
+  return worker.release();
+}
 
 void StartBackgroundCall(std::function<void()> call) {
   FinishBackgroundCall();
-  if (!ProvideWorker()) return call();
-  theWorker->call = std::move(call);
+  if (theWorker == nullptr) theWorker = NewWorker();
+  if (theWorker == nullptr) return call();
+  theWorker->Start(std::move(call));
   isAtWork = true;
-  ResetEvent(theWorker->done);
-  SetEvent(theWorker->start);
 }
 
 void FinishBackgroundCall() {

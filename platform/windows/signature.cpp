@@ -4,10 +4,10 @@
 
 #include <wincrypt.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <vector>
 
+#include "platform/windows/background.h"
 #include "platform/windows/libraries.h"
 
 namespace platform::signature {
@@ -15,10 +15,14 @@ namespace {
 
 using windows::FunctionOf;
 using windows::LoadSystemLibrary;
+using windows::Worker;
 
 // wincrypt.h hides it from programs that start on systems which do not know it.
 constexpr ALG_ID Sha256 = ALG_CLASS_HASH | ALG_TYPE_ANY | 12;
 constexpr DWORD Sha256Size = 32;  // bytes
+
+/// What a digest hands to its thread at once, in bytes: it takes longer than waking the thread.
+constexpr std::size_t Batch = 128 * 1024;
 
 /// Acquired at first use and kept; 0 where the system has none.
 HCRYPTPROV Provider() {
@@ -30,19 +34,53 @@ HCRYPTPROV Provider() {
   return provider;
 }
 
+/// One for all digests, started with the first: a component that hangs may keep a later thread from
+/// beginning. Null where there is none.
+Worker* TheWorker() {
+  static Worker* const worker = windows::NewWorker();
+  return worker;
+}
+
+/// Hashing takes about as long as receiving, so the bytes are taken by another thread.
 struct Hash {
   Hash() { failed = CryptCreateHash(Provider(), Sha256, 0, 0, &handle) == FALSE; }
-  ~Hash() { CryptDestroyHash(handle); }
+  ~Hash() {
+    WaitForBatch();
+    CryptDestroyHash(handle);
+  }
   Hash(const Hash&) = delete;
   Hash& operator=(const Hash&) = delete;
 
   void Add(std::string_view bytes) {
+    waiting += bytes;
+    if (waiting.size() < Batch) return;
+    WaitForBatch();
+    taken.swap(waiting);
+    waiting.clear();
+    if (worker == nullptr) return Take(taken);
+    worker->Start([this] { Take(taken); });
+  }
+
+  /// Takes what was added and not yet taken.
+  void TakeRest() {
+    WaitForBatch();
+    Take(waiting);
+  }
+
+  void WaitForBatch() const {
+    if (worker != nullptr) WaitForSingleObject(worker->done, INFINITE);
+  }
+
+  void Take(const std::string& bytes) {
     failed = failed || CryptHashData(handle, reinterpret_cast<const BYTE*>(bytes.data()),
                                      static_cast<DWORD>(bytes.size()), 0) == FALSE;
   }
 
   HCRYPTHASH handle = 0;
   bool failed = false;
+  std::string waiting;
+  std::string taken;  // by the thread, unless that is done
+  Worker* worker = TheWorker();
 };
 
 Hash& HashOf(const Digest& digest) { return *static_cast<Hash*>(digest.get()); }
@@ -93,7 +131,8 @@ void Add(const Digest& digest, std::string_view bytes) { HashOf(digest).Add(byte
 std::string Finish(Digest digest) {
   std::string bytes(Sha256Size, '\0');
   DWORD size = Sha256Size;
-  const Hash& hash = HashOf(digest);
+  Hash& hash = HashOf(digest);
+  hash.TakeRest();
   if (hash.failed || CryptGetHashParam(hash.handle, HP_HASHVAL,
                                        reinterpret_cast<BYTE*>(bytes.data()), &size, 0) == FALSE) {
     return "";
@@ -107,6 +146,7 @@ bool IsSignedBy(std::string_view publicKey, std::string_view message, std::strin
   if (bits < LeastKeyBits || bits > MostKeyBits || signature.size() != (bits + 7) / 8) return false;
   Hash hash;
   hash.Add(message);
+  hash.TakeRest();
   // The provider wants the least significant byte first.
   const std::vector<BYTE> reversed(signature.rbegin(), signature.rend());
   return !hash.failed &&
