@@ -35,7 +35,7 @@ namespace platform::files {
 /// Windows 10 even one that would let it be deleted. Linux: does not.
 [[nodiscard]] bool Delete(const std::string& path);
 
-/// Renames a file or moves it to another folder; never overwrites.
+/// Renames a file or moves it to another folder; never overwrites. Linux: within one file system.
 [[nodiscard]] bool Rename(const std::string& oldPath, const std::string& newPath);
 
 [[nodiscard]] bool FolderExists(const std::string& path);
@@ -74,8 +74,8 @@ struct DiskSpace {
   std::uint32_t freeClusters = 0;
 };
 
-/// root: root folder of the volume, such as C:/. Windows: GetDiskFreeSpaceA. Linux: statvfs, in
-/// clusters so large that 32 bits count them.
+/// root: root folder of the volume, such as C:/. Windows: GetDiskFreeSpaceA. Linux: statvfs, of
+/// which 32 bits tell no more than 2^32 - 1 free clusters.
 [[nodiscard]] DiskSpace QueryDiskSpace(const std::string& root);
 
 }  // namespace platform::files

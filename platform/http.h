@@ -3,6 +3,10 @@
 // HTTP requests. The operations and their numbers are those of WinINet: an empty handle or false is
 // failure, an empty text argument means "none", and each handle is closed by its owner's end, which
 // has to come before that of the handle it was opened from.
+//
+// Calls come one after the other, and one body is on its way at a time: it is closed before the
+// next one is opened or a request is sent. Closing a body gives up what is being read of it and
+// nothing else, and does not wait for its server.
 
 #include <cstdint>
 #include <memory>
@@ -21,7 +25,7 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 [[nodiscard]] bool IsOffline();
 
 /// accessType: 0 is INTERNET_OPEN_TYPE_PRECONFIG, the system's proxy settings. Linux: those
-/// of the environment, such as http_proxy.
+/// of the environment, such as http_proxy; another type, or a proxy, fails.
 [[nodiscard]] Handle OpenRoot(const std::string& userAgent, std::int32_t accessType,
                               const std::string& proxy);
 
@@ -29,11 +33,12 @@ using Handle = std::unique_ptr<void, CloseInternetHandle>;
 
 /// version: such as "HTTP/1.0". secure: over https, the certificate checked by the system's rules
 /// (Linux: against the authorities in SSL_CERT_FILE where that is set). Redirections are followed.
+/// Linux: what is no HEAD of HTTP/1.0, or has a referrer, fails.
 [[nodiscard]] Handle OpenRequest(const Handle& connection, const std::string& verb,
                                  const std::string& objectName, const std::string& version,
                                  const std::string& referrer, bool secure);
 
-/// Adds header lines, each replacing one of the same name (Linux: both are sent).
+/// Adds header lines, each replacing one of the same name. Linux: fails if there are any.
 [[nodiscard]] bool AddRequestHeaders(const Handle& request, const std::string& headers);
 
 /// Sends the request and waits for the head of the answer; events are handled meanwhile. Linux: a
@@ -56,7 +61,7 @@ struct CloseBody {
 using Body = std::unique_ptr<void, CloseBody>;
 
 /// Starts a GET of an absolute URL; redirections are followed. Waits for the head of the answer,
-/// whatever its status; events are handled meanwhile.
+/// whatever its status; events are handled meanwhile. Linux: and for the first of its body.
 [[nodiscard]] Body OpenUrl(const Handle& root, const std::string& url);
 
 /// As for a request.

@@ -2,8 +2,9 @@
 
 // How often the window is looked after, as both layers do it. A loop that reads blocks sets texts,
 // draws and yields at every block, thousands of times a second: what it sets and draws is displayed
-// when a frame is over, and its yields look for events only now and then. A yield that stands alone
-// leaves nothing for later: after it the program may stand still for as long as it likes.
+// when a frame is over, and its yields look for events only now and then (Linux: with the frames).
+// A yield that stands alone leaves nothing for later: after it the program may stand still for as
+// long as it likes.
 
 #include <cstdint>
 

@@ -19,7 +19,7 @@ using Process = std::unique_ptr<void, CloseSystemHandle>;
 using Token = std::unique_ptr<void, CloseSystemHandle>;
 
 /// One entry of a snapshot: the process id and the file name of its executable. Linux: of a script,
-/// its own; a process that the user may not look into is left out.
+/// its interpreter; a process that the user may not look into is left out.
 struct Entry {
   std::uint32_t id = 0;
   std::string fileName;

@@ -32,7 +32,7 @@ namespace platform::system {
 /// Opens a file through the shell, owned by the desktop window; showValue is a SW_ value of
 /// ShowWindow. Returns the shell's code, above 32 on success. Windows: an .exe is started directly
 /// while a component that was left behind keeps libraries from being loaded. Linux: an executable
-/// file is started directly, in the folder if there is one; xdg-open is given anything else, alone.
+/// file is started, in the folder if there is one, and nothing else is opened.
 std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder, int showValue);
 

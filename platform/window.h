@@ -4,9 +4,11 @@
 // user-interface thread. Positions and sizes are in twips (1/1,440 inch); controls are named by
 // their index in the layout. Nothing here fails visibly: what the system refuses is left undone.
 //
-// What is set and drawn while the button can be pressed is displayed by the next yield, or by what
-// else lets the user look: Show, SetEnabled and ShowMessageBox. While the button is disabled, and
-// yields are rare, it is displayed at once.
+// Texts that are set and pictures that are refreshed while the button can be pressed are displayed
+// by the next yield, that of a loop being one only when a frame is over (platform/pace.h), or by
+// what else lets the user look: Show, SetEnabled and ShowMessageBox. While the button is disabled,
+// and yields are rare, they are displayed before the call returns. Everything else that is changed
+// changes at once, and is painted with the events of the next yield.
 
 #include <cstdint>
 #include <span>
@@ -48,8 +50,7 @@ void Show();
 
 void SetWindowCaption(std::string_view caption);
 
-/// Keeps the icon as it is when the file is no icon. Linux: or has no picture of 32 bits a pixel as
-/// a bitmap.
+/// Keeps the icon as it is when the file is no icon. Linux: always.
 void SetWindowIcon(const std::string& path);
 
 /// Height with title bar and borders. Linux: those that the Windows window has, whatever the window
@@ -65,8 +66,7 @@ void SetEnabled(int control, bool enabled);
 [[nodiscard]] bool IsEnabled(int control);
 void SetTop(int control, int top);
 
-/// Twips per pixel of the screen, 1,440 divided by its dots per inch. Linux: in steps of a
-/// quarter of 96.
+/// Twips per pixel of the screen, 1,440 divided by its dots per inch. Linux: 15.
 [[nodiscard]] double TwipsPerPixelX();
 [[nodiscard]] double TwipsPerPixelY();
 
@@ -89,7 +89,7 @@ enum class MousePointer { Default = 0, Hourglass = 11 };
 void SetMousePointer(MousePointer pointer);
 
 /// Modal. style and result are the numbers of the Windows call MessageBox. Linux: the buttons are
-/// those of MB_OK or MB_YESNO.
+/// those of MB_OK or MB_YESNO, and Escape is "No".
 int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view title);
 
 /// Yields: displays and paints what waits, handles the events that are waiting, and returns.

@@ -1,6 +1,7 @@
 #include "platform/files.h"
 
 #include <fcntl.h>
+#include <glob.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -9,10 +10,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
-#include <filesystem>
 #include <limits>
+#include <span>
 #include <utility>
 
+#include "base/replace.h"
 #include "platform/linux/paths.h"
 
 namespace platform::files {
@@ -67,59 +69,9 @@ mode_t KindOf(const std::string& systemPath) {
   return stat(systemPath.c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
 }
 
-/// Whether a name fits a pattern with "*" and "?". Only the last "*" met is ever tried longer.
-bool Matches(std::string_view name, std::string_view pattern) {
-  std::size_t inName = 0;
-  std::size_t inPattern = 0;
-  std::size_t star = std::string_view::npos;
-  std::size_t behindStar = 0;  // in the name: where what follows the star is tried
-  while (inName < name.size()) {
-    const char wanted = inPattern < pattern.size() ? pattern[inPattern] : '\0';
-    if (wanted == '*') {
-      star = inPattern++;
-      behindStar = inName;
-    } else if (wanted == '?' || wanted == name[inName]) {
-      ++inName;
-      ++inPattern;
-    } else if (star != std::string_view::npos) {
-      inPattern = star + 1;
-      inName = ++behindStar;
-    } else {
-      return false;
-    }
-  }
-  return pattern.find_first_not_of('*', inPattern) == std::string_view::npos;
-}
-
-std::vector<std::string> NamesIn(const std::string& systemFolder) {
-  namespace fs = std::filesystem;
-  std::vector<std::string> names;
-  std::error_code failure;
-  for (fs::directory_iterator entry(systemFolder, failure), end; !failure && entry != end;
-       entry.increment(failure)) {
-    names.push_back(ToProgramPath(entry->path().filename().string()));
-  }
-  return names;
-}
-
 bool IsVisiblePlainFile(const std::string& path) {
   const std::string systemPath = ToSystemPath(path);
   return !linux_layer::FileNameOf(systemPath).starts_with('.') && KindOf(systemPath) == S_IFREG;
-}
-
-/// Also for file systems that cannot be told not to overwrite.
-bool LinkAndUnlink(const std::string& oldPath, const std::string& newPath) {
-  return link(oldPath.c_str(), newPath.c_str()) == 0 && unlink(oldPath.c_str()) == 0;
-}
-
-bool CopyAndUnlink(const std::string& oldPath, const std::string& newPath) {
-  std::error_code failure;
-  if (std::filesystem::exists(newPath, failure)) return false;
-  if (!std::filesystem::copy_file(oldPath, newPath, failure)) {
-    unlink(newPath.c_str());  // half a file is none
-    return false;
-  }
-  return unlink(oldPath.c_str()) == 0;
 }
 
 }  // namespace
@@ -135,12 +87,16 @@ std::vector<std::string> Find(const std::string& pattern) {
     if (IsVisiblePlainFile(pattern)) found.push_back(pattern);
     return found;
   }
-  const std::string systemFolder = ToSystemPath(folder);
-  for (const auto& name : NamesIn(systemFolder.empty() ? "." : systemFolder)) {
-    if (Matches(name, last == "*.*" ? "*" : last) && IsVisiblePlainFile(folder + name)) {
-      found.push_back(folder + name);
-    }
+  // What a shell would take for a set of characters stands for itself.
+  const std::string systemPattern =
+      modFunciones::ReplaceAll(ToSystemPath(folder + (last == "*.*" ? "*" : last)), "[", "\\[");
+  glob_t matches = {};
+  const bool any = glob(systemPattern.c_str(), 0, nullptr, &matches) == 0;
+  for (const char* match : std::span(matches.gl_pathv, any ? matches.gl_pathc : 0)) {
+    const std::string path = folder + ToProgramPath(linux_layer::FileNameOf(match));
+    if (IsVisiblePlainFile(path)) found.push_back(path);
   }
+  globfree(&matches);
   return found;
 }
 
@@ -154,11 +110,10 @@ bool CanBeRenamed(const std::string& path) { return IsFile(path); }
 bool Delete(const std::string& path) { return unlink(ToSystemPath(path).c_str()) == 0; }
 
 bool Rename(const std::string& oldPath, const std::string& newPath) {
-  const std::string from = ToSystemPath(oldPath);
   const std::string to = ToSystemPath(newPath);
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
-  if (errno == EXDEV) return CopyAndUnlink(from, to);
-  return errno == EINVAL && LinkAndUnlink(from, to);
+  struct stat there = {};
+  return lstat(to.c_str(), &there) != 0 &&
+         std::rename(ToSystemPath(oldPath).c_str(), to.c_str()) == 0;
 }
 
 bool FolderExists(const std::string& path) { return KindOf(ToSystemPath(path)) == S_IFDIR; }
@@ -189,14 +144,11 @@ bool Close(File file) { return static_cast<OpenFile*>(file.get())->Close(); }
 
 DiskSpace QueryDiskSpace(const std::string& root) {
   constexpr std::uint32_t BytesPerSector = 512;
-  constexpr std::uint64_t Most = std::numeric_limits<std::uint32_t>::max();
   struct statvfs status = {};
   if (statvfs(ToSystemPath(root).c_str(), &status) != 0) return {};
-  // Larger clusters until 32 bits count them all.
-  std::uint64_t sectors = std::max<std::uint64_t>(1, status.f_frsize / BytesPerSector);
-  std::uint64_t free = status.f_bavail;
-  for (; free > Most; sectors *= 2) free /= 2;
-  return {static_cast<std::uint32_t>(std::min(sectors, Most)), BytesPerSector,
+  const auto free =
+      std::min<std::uint64_t>(status.f_bavail, std::numeric_limits<std::uint32_t>::max());
+  return {static_cast<std::uint32_t>(status.f_frsize / BytesPerSector), BytesPerSector,
           static_cast<std::uint32_t>(free)};
 }
 

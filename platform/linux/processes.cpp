@@ -12,8 +12,8 @@ extern "C" {  // glibc 2.36 does not say so itself
 #include <charconv>
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <thread>
+#include <variant>
 #include <vector>
 
 #include "base/text.h"
@@ -23,71 +23,36 @@ extern "C" {  // glibc 2.36 does not say so itself
 namespace platform::processes {
 namespace {
 
-constexpr int LongestTermination = 5000;        // milliseconds
-constexpr std::uint32_t StillActive = 259;      // STILL_ACTIVE
-constexpr int SignalledCode = 128;              // what a shell adds to the number of the signal
-constexpr std::size_t LongestCommandName = 15;  // of /proc/PID/comm
+constexpr int LongestTermination = 5000;    // milliseconds
+constexpr std::uint32_t StillActive = 259;  // STILL_ACTIVE
+constexpr int SignalledCode = 128;          // what a shell adds to the number of the signal
 constexpr std::int32_t NewestVersion = 10;
 constexpr PrivilegeId AnyPrivilege = 1;
 
-/// What the handles of this file point to.
-struct SystemObject {
-  SystemObject() = default;
-  virtual ~SystemObject() = default;
-  SystemObject(const SystemObject&) = delete;
-  SystemObject& operator=(const SystemObject&) = delete;
-};
-
-struct SnapshotObject : SystemObject {
+struct ListedProcesses {
   std::vector<Entry> entries;
   std::size_t next = 0;
 };
 
-struct ProcessObject : SystemObject {
-  explicit ProcessObject(int file) : descriptor(file) {}
-  ~ProcessObject() override {
-    close(descriptor);
-    if (child != 0) linux_layer::Abandon(child);
-  }
+/// A descriptor of the system's.
+struct OpenProcess {
+  explicit OpenProcess(int opened) : descriptor(opened) {}
+  ~OpenProcess() { close(descriptor); }
+  OpenProcess(const OpenProcess&) = delete;
+  OpenProcess& operator=(const OpenProcess&) = delete;
 
   int descriptor;
-  pid_t child = 0;  // of the object that Start gave out
 };
+
+/// What the handles of this file point to; a token is nothing.
+using SystemObject = std::variant<std::monostate, ListedProcesses, OpenProcess>;
 
 template <typename Object>
 Object& As(void* handle) {
-  return static_cast<Object&>(*static_cast<SystemObject*>(handle));
+  return std::get<Object>(*static_cast<SystemObject*>(handle));
 }
 
-int DescriptorOf(const Process& process) { return As<ProcessObject>(process.get()).descriptor; }
-
-std::vector<std::string> ArgumentsOf(const std::string& folder) {
-  std::ifstream file(folder + "/cmdline", std::ios::binary);
-  std::vector<std::string> arguments;
-  for (std::string argument; std::getline(file, argument, '\0');) arguments.push_back(argument);
-  return arguments;
-}
-
-/// A script runs inside its interpreter, behind whose name and option its own stands; the kernel
-/// then calls the process by the first 15 characters of the script's name.
-std::string ScriptOf(const std::string& folder) {
-  std::string name;
-  std::getline(std::ifstream(folder + "/comm"), name);
-  const auto arguments = ArgumentsOf(folder);
-  for (std::size_t i = 1; i < arguments.size() && i <= 2; ++i) {
-    std::string script = linux_layer::FileNameOf(arguments[i]);
-    if (!name.empty() && script.substr(0, LongestCommandName) == name) return script;
-  }
-  return "";
-}
-
-/// Empty for a process of the kernel, one that has ended, and one that is not ours to look into.
-std::string NameOf(const std::string& folder) {
-  const std::string executable = linux_layer::TargetOfLink(folder + "/exe");
-  if (executable.empty()) return "";
-  const std::string script = ScriptOf(folder);
-  return script.empty() ? linux_layer::FileNameOf(executable) : script;
-}
+int DescriptorOf(const Process& process) { return As<OpenProcess>(process.get()).descriptor; }
 
 bool EndsWithin(const Process& process, int milliseconds) {
   pollfd watched = {DescriptorOf(process), POLLIN, 0};
@@ -102,7 +67,8 @@ void CloseSystemHandle::operator()(void* handle) const {
 
 Snapshot TakeSnapshot(std::uint32_t /*kind*/) {
   namespace fs = std::filesystem;
-  auto snapshot = std::make_unique<SnapshotObject>();
+  Snapshot snapshot(new SystemObject(ListedProcesses()));
+  auto& entries = As<ListedProcesses>(snapshot.get()).entries;
   std::error_code failure;
   for (fs::directory_iterator entry("/proc", failure), end; !failure && entry != end;
        entry.increment(failure)) {
@@ -110,19 +76,21 @@ Snapshot TakeSnapshot(std::uint32_t /*kind*/) {
     std::uint32_t id = 0;
     const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), id);
     if (parsed.ec != std::errc{}) continue;
-    const std::string name = NameOf(entry->path().string());
-    if (!name.empty()) snapshot->entries.push_back({id, modFunciones::FromAnyUtf8(name)});
+    // None for a process of the kernel, one that has ended, and one that is not ours to look into.
+    const std::string program = linux_layer::TargetOfLink(entry->path().string() + "/exe");
+    if (program.empty()) continue;
+    entries.push_back({id, modFunciones::FromAnyUtf8(linux_layer::FileNameOf(program))});
   }
-  return Snapshot(static_cast<SystemObject*>(snapshot.release()));
+  return snapshot;
 }
 
 bool FirstEntry(const Snapshot& snapshot, Entry& entry) {
-  As<SnapshotObject>(snapshot.get()).next = 0;
+  As<ListedProcesses>(snapshot.get()).next = 0;
   return NextEntry(snapshot, entry);
 }
 
 bool NextEntry(const Snapshot& snapshot, Entry& entry) {
-  auto& object = As<SnapshotObject>(snapshot.get());
+  auto& object = As<ListedProcesses>(snapshot.get());
   if (object.next == object.entries.size()) return false;
   entry = object.entries[object.next++];
   return true;
@@ -143,8 +111,8 @@ bool AdjustPrivilege(const Token& /*token*/, PrivilegeId /*privilege*/,
 
 Process Open(std::uint32_t /*access*/, std::uint32_t id) {
   const int descriptor = pidfd_open(static_cast<pid_t>(id), 0);
-  return Process(descriptor < 0 ? nullptr
-                                : static_cast<SystemObject*>(new ProcessObject(descriptor)));
+  if (descriptor < 0) return nullptr;
+  return Process(new SystemObject(std::in_place_type<OpenProcess>, descriptor));
 }
 
 bool Terminate(const Process& process, std::uint32_t /*exitCode*/) {
@@ -175,15 +143,7 @@ Process Start(const std::string& commandLine, int /*showValue*/) {
   if (program.empty()) return nullptr;
   elements.erase(elements.begin());
   const auto child = linux_layer::Spawn(program, elements, "");
-  if (!child) return nullptr;
-
-  Process process = Open(0, static_cast<std::uint32_t>(*child));
-  if (process) {
-    As<ProcessObject>(process.get()).child = *child;
-  } else {
-    linux_layer::Abandon(*child);
-  }
-  return process;
+  return child ? Open(0, static_cast<std::uint32_t>(*child)) : nullptr;
 }
 
 void Sleep(std::uint32_t milliseconds) {

@@ -1,7 +1,6 @@
 #include "platform/linux/programs.h"
 
 #include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -9,7 +8,6 @@
 #include <filesystem>
 #include <sstream>
 #include <system_error>
-#include <thread>
 
 #include "base/text.h"
 #include "platform/linux/paths.h"
@@ -114,15 +112,6 @@ std::optional<pid_t> Spawn(const std::string& systemPath,
     return std::nullopt;
   }
   return child;
-}
-
-void Abandon(pid_t child) {
-  if (waitpid(child, nullptr, WNOHANG) != 0) return;
-  try {
-    std::thread([child] { waitpid(child, nullptr, 0); }).detach();
-  } catch (const std::system_error&) {
-    // Without a thread the child's entry stays in the process table until this process ends.
-  }
 }
 
 }  // namespace platform::linux_layer

@@ -19,12 +19,9 @@ namespace platform::linux_layer {
 [[nodiscard]] std::string FindProgram(const std::string& name);
 
 /// Starts an executable file; parameters are in the program's code page. An empty folder is the own
-/// working folder.
+/// working folder. What is left of a child that has ended stays until this process ends.
 [[nodiscard]] std::optional<pid_t> Spawn(const std::string& systemPath,
                                          const std::vector<std::string>& parameters,
                                          const std::string& systemFolder);
-
-/// Takes the exit status of a child that nobody asks for any more, as soon as there is one.
-void Abandon(pid_t child);
 
 }  // namespace platform::linux_layer

@@ -49,29 +49,6 @@ std::size_t Fill(std::string& buffer, std::string_view folder) {
   return folder.size();
 }
 
-bool StartDirectly(const std::string& file, const std::string& parameters,
-                   const std::string& folder) {
-  const std::string program = linux_layer::FindProgram(file);
-  if (program.empty()) return false;
-  const std::string systemFolder = linux_layer::ToSystemPath(folder);
-  std::error_code failure;
-  const bool folderExists = std::filesystem::is_directory(systemFolder, failure);
-  const auto child = linux_layer::Spawn(program, linux_layer::SplitCommandLine(parameters),
-                                        folderExists ? systemFolder : "");
-  if (child) linux_layer::Abandon(*child);
-  return child.has_value();
-}
-
-bool LetDesktopOpen(const std::string& file) {
-  const bool isUrl = file.find("://") != std::string::npos;
-  const std::string path =
-      isUrl ? file : modFunciones::FromAnyUtf8(linux_layer::ToSystemPath(file));
-  const std::string opener = linux_layer::FindProgram("xdg-open");
-  const auto child = opener.empty() ? std::nullopt : linux_layer::Spawn(opener, {path}, "");
-  if (child) linux_layer::Abandon(*child);
-  return child.has_value();
-}
-
 }  // namespace
 
 std::string CommandLineText() {
@@ -116,7 +93,15 @@ std::string DecimalSeparator() {
 std::int32_t OpenWithShell(const std::string& /*verb*/, const std::string& file,
                            const std::string& parameters, const std::string& folder,
                            int /*showValue*/) {
-  return StartDirectly(file, parameters, folder) || LetDesktopOpen(file) ? Opened : FileNotFound;
+  const std::string program = linux_layer::FindProgram(file);
+  if (program.empty()) return FileNotFound;
+  const std::string systemFolder = linux_layer::ToSystemPath(folder);
+  std::error_code failure;
+  const bool folderExists = std::filesystem::is_directory(systemFolder, failure);
+  return linux_layer::Spawn(program, linux_layer::SplitCommandLine(parameters),
+                            folderExists ? systemFolder : "")
+             ? Opened
+             : FileNotFound;
 }
 
 void EndProcess() { _exit(0); }

@@ -5,7 +5,7 @@
 
 #include "platform/window.h"
 
-namespace platform::windows {
+namespace platform::windows_layer {
 namespace {
 
 // Milliseconds. Most calls are over before anything else is to be done. Otherwise events are
@@ -73,4 +73,4 @@ void RunInBackground(std::function<void()> call) {
   FinishBackgroundCall();
 }
 
-}  // namespace platform::windows
+}  // namespace platform::windows_layer

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-namespace platform::windows {
+namespace platform::windows_layer {
 
 /// A thread for many calls, one at a time, since creating one costs more than most calls take. It
 /// lives as long as the process.
@@ -43,4 +43,4 @@ void AbandonBackgroundCall();
 /// Starts a call and finishes it.
 void RunInBackground(std::function<void()> call);
 
-}  // namespace platform::windows
+}  // namespace platform::windows_layer

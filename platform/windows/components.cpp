@@ -24,16 +24,17 @@ struct Component {
   Component(const Component&) = delete;
   Component& operator=(const Component&) = delete;
 
-  windows::WiderSearch search;
+  windows_layer::WiderSearch search;
   HMODULE module = nullptr;
 };
 
 /// A thread's start routine has one parameter more than a component's entry point.
 DWORD WINAPI RunEntryPoint(void* entryPoint) {
   // Components may create objects while they register.
-  const HMODULE com = windows::LoadSystemLibrary("ole32.dll");
-  const auto initialize = windows::FunctionOf<decltype(CoInitialize)>(com, "CoInitialize");
-  const auto uninitialize = windows::FunctionOf<decltype(CoUninitialize)>(com, "CoUninitialize");
+  const HMODULE com = windows_layer::LoadSystemLibrary("ole32.dll");
+  const auto initialize = windows_layer::FunctionOf<decltype(CoInitialize)>(com, "CoInitialize");
+  const auto uninitialize =
+      windows_layer::FunctionOf<decltype(CoUninitialize)>(com, "CoUninitialize");
   const bool isPrepared = SUCCEEDED(initialize(nullptr));
   const HRESULT result = reinterpret_cast<ComponentEntry*>(entryPoint)();
   if (isPrepared) uninitialize();
@@ -47,7 +48,7 @@ void FreeComponent::operator()(void* library) const { delete static_cast<Compone
 void CloseWorker::operator()(void* worker) const { CloseHandle(worker); }
 
 Library Load(const std::string& path) {
-  if (!windows::LoaderIsFree(LongestLoading)) return nullptr;
+  if (!windows_layer::LoaderIsFree(LongestLoading)) return nullptr;
   std::string fullPath(MAX_PATH, '\0');
   fullPath.resize(GetFullPathNameA(path.c_str(), MAX_PATH, fullPath.data(), nullptr));
   auto component = std::make_unique<Component>(fullPath.substr(0, fullPath.find_last_of('\\')));

@@ -79,7 +79,7 @@ bool DeleteName(const std::string& path) {
   using SetInformation = BOOL WINAPI(HANDLE file, int kind, void* information, DWORD size);
   constexpr int FileDispositionInfoEx = 21;  // numbers of winbase.h and winnt.h
   DWORD deleteAsPosixDoes = 3;
-  static const auto setInformation = windows::FunctionOf<SetInformation>(
+  static const auto setInformation = windows_layer::FunctionOf<SetInformation>(
       GetModuleHandleA("kernel32.dll"), "SetFileInformationByHandle");
   if (setInformation == nullptr) return false;
   const File file = Open(path, DELETE, ShareWithAll, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT);
@@ -194,7 +194,7 @@ bool Write(const File& file, std::string_view bytes) {
 
 bool Close(File file) {
   bool stored = false;
-  windows::RunInBackground([&] { stored = Store(file.get()); });  // a slow disk takes seconds
+  windows_layer::RunInBackground([&] { stored = Store(file.get()); });  // a slow disk takes seconds
   return stored;
 }
 

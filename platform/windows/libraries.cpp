@@ -5,7 +5,7 @@
 
 #include "platform/system.h"
 
-namespace platform::windows {
+namespace platform::windows_layer {
 namespace {
 
 using SetDefaultFolders = BOOL WINAPI(DWORD);
@@ -87,4 +87,4 @@ WiderSearch::~WiderSearch() {
   for (void* const cookie : added) removeFolder(cookie);
 }
 
-}  // namespace platform::windows
+}  // namespace platform::windows_layer

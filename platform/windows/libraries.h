@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace platform::windows {
+namespace platform::windows_layer {
 
 /// Loads a library of the operating system, such as "wininet.dll", by its full path in the system
 /// folder, so that a file of that name beside the program is never taken for it. It stays loaded.
@@ -41,4 +41,4 @@ class WiderSearch {
   std::vector<void*> added;
 };
 
-}  // namespace platform::windows
+}  // namespace platform::windows_layer

@@ -89,7 +89,7 @@ bool HasEnded(const Process& process) {
 }
 
 Process Start(const std::string& commandLine, int showValue) {
-  return windows::StartProgram(commandLine, nullptr, showValue);
+  return windows_layer::StartProgram(commandLine, nullptr, showValue);
 }
 
 void Sleep(std::uint32_t milliseconds) { ::Sleep(milliseconds); }

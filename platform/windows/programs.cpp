@@ -8,7 +8,7 @@
 #include "platform/files.h"
 #include "platform/windows/libraries.h"
 
-namespace platform::windows {
+namespace platform::windows_layer {
 namespace {
 
 constexpr DWORD ElevationRequired = 740;  // ERROR_ELEVATION_REQUIRED, newer than XP's headers
@@ -94,4 +94,4 @@ HMODULE LoadShell() {
   return shell;
 }
 
-}  // namespace platform::windows
+}  // namespace platform::windows_layer

@@ -8,7 +8,7 @@
 
 #include "platform/processes.h"
 
-namespace platform::windows {
+namespace platform::windows_layer {
 
 /// Starts a program with its parameters, without the shell and with nothing but what is loaded
 /// already, unless it needs more rights. A null folder is the own working folder.
@@ -23,4 +23,4 @@ namespace platform::windows {
 /// Prepares the thread for the shell and loads it.
 [[nodiscard]] HMODULE LoadShell();
 
-}  // namespace platform::windows
+}  // namespace platform::windows_layer

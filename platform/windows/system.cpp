@@ -78,13 +78,14 @@ std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            int showValue) {
   if (file.size() > MAX_PATH) return SE_ERR_FNF;  // a shell may not be made for more
   if (modFunciones::LowerCase(file).ends_with(".exe") &&
-      !windows::LoaderIsFree(windows::LongestOpening)) {
+      !windows_layer::LoaderIsFree(windows_layer::LongestOpening)) {
     const std::string commandLine = '"' + file + "\" " + parameters;
-    return windows::StartProgram(commandLine, folder.c_str(), showValue) ? Opened : SE_ERR_FNF;
+    return windows_layer::StartProgram(commandLine, folder.c_str(), showValue) ? Opened
+                                                                               : SE_ERR_FNF;
   }
   // Loaded here, at the end of a run, for the window to be on the screen the sooner.
-  const auto execute =
-      windows::FunctionOf<decltype(ShellExecuteA)>(windows::LoadShell(), "ShellExecuteA");
+  const auto execute = windows_layer::FunctionOf<decltype(ShellExecuteA)>(
+      windows_layer::LoadShell(), "ShellExecuteA");
   const HINSTANCE code = execute(GetDesktopWindow(), verb.c_str(), file.c_str(),
                                  NullWhenEmpty(parameters), folder.c_str(), showValue);
   return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(code));

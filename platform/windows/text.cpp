@@ -2,7 +2,7 @@
 
 #include "base/text.h"
 
-namespace platform::windows {
+namespace platform::windows_layer {
 
 std::wstring ToUtf16(std::string_view value) {
   std::wstring wide;
@@ -11,4 +11,4 @@ std::wstring ToUtf16(std::string_view value) {
   return wide;
 }
 
-}  // namespace platform::windows
+}  // namespace platform::windows_layer

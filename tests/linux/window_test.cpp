@@ -1,6 +1,8 @@
-// The real window of the native program, of which only the size is looked at, and its icon.
+// The real window of the native program, of which only the size is looked at, and the icon of the
+// Windows program.
 
-#include "platform/linux/icon_file.h"
+#include <cstring>
+
 #include "tests/support/program_fixture.h"
 
 namespace {
@@ -30,13 +32,17 @@ TEST_F(Program, EndsOnItsFinalScreenWhenADownloadBreaks) {
   EXPECT_EQ(Files(), (Tree{{"a.exe", "old"}, {"a.exe.tmp", "longer"}}));
 }
 
-TEST(BuiltInIcon, HasBitmapsBesideItsLargestPicture) {
-  for (const auto& [asked, found] : {std::pair{16, 16}, {32, 32}, {48, 48}, {64, 48}, {256, 48}}) {
-    const auto icon =
-        platform::linux_layer::ReadIcon(platform::linux_layer::BuiltInIconFile(), asked);
-    ASSERT_TRUE(icon) << asked;
-    EXPECT_EQ(icon->w(), found);
+/// Windows XP reads bitmaps only; each begins with the length of its header.
+TEST(Icon, HasBitmapsBesideItsCompressedPictures) {
+  const std::string icon = ReadWhole(OwnFolder() / "kestrane.ico");
+  std::string sizesOfBitmaps;
+  for (std::size_t entry = 6; entry < 6 + 16U * static_cast<unsigned char>(icon.at(4));
+       entry += 16) {
+    std::uint32_t picture = 0;
+    std::memcpy(&picture, icon.data() + entry + 12, sizeof picture);
+    if (icon.at(picture) == 40) sizesOfBitmaps += icon[entry];
   }
+  EXPECT_EQ(sizesOfBitmaps, "\x10\x20\x30");
 }
 
 }  // namespace

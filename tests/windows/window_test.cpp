@@ -333,11 +333,11 @@ TEST_F(Program, IsStartedThroughTheShellAsItIsWithoutIt) {
   const std::string rest = " append \"" + sandbox.Path("out") + "\" ";
   for (const auto& line : {app + rest + "1", '"' + app + '"' + rest + "\"2 3\"",
                            app.substr(0, app.size() - 4) + '\t' + rest + "4"}) {
-    run = platform::windows::StartThroughShell(line, nullptr, SW_HIDE);
+    run = platform::windows_layer::StartThroughShell(line, nullptr, SW_HIDE);
     ASSERT_TRUE(run && Ends()) << line;
   }
   EXPECT_EQ(sandbox.Read("out"), "1\n2 3\n4\n");
-  EXPECT_FALSE(platform::windows::StartThroughShell("kt-missing.exe /x", nullptr, SW_HIDE));
+  EXPECT_FALSE(platform::windows_layer::StartThroughShell("kt-missing.exe /x", nullptr, SW_HIDE));
 }
 
 TEST_F(Program, IsHardenedInItsHeader) {
