@@ -31,11 +31,13 @@
 
 #include "platform/windows/background.h"
 #include "platform/windows/libraries.h"
+#include "platform/windows/text.h"
 
 namespace platform::http {
 namespace {
 
 using windows_layer::FunctionOf;
+using windows_layer::NullWhenEmpty;
 using windows_layer::RunInBackground;
 
 /// The functions of the system's HTTP library, under their own names.
@@ -60,10 +62,6 @@ struct WinInet {
 const WinInet& Library() {
   static const WinInet library;
   return library;
-}
-
-const char* NullWhenEmpty(const std::string& value) {
-  return value.empty() ? nullptr : value.c_str();
 }
 
 /// Signing on at a company's proxy takes several requests over one connection.

@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "platform/windows/libraries.h"
 #include "platform/windows/programs.h"
+#include "platform/windows/text.h"
 
 namespace platform::system {
 namespace {
@@ -24,10 +25,6 @@ const std::string& ExecutablePath() {
     }
   }();
   return own;
-}
-
-const char* NullWhenEmpty(const std::string& value) {
-  return value.empty() ? nullptr : value.c_str();
 }
 
 }  // namespace
@@ -86,8 +83,9 @@ std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
   // Loaded here, at the end of a run, for the window to be on the screen the sooner.
   const auto execute = windows_layer::FunctionOf<decltype(ShellExecuteA)>(
       windows_layer::LoadShell(), "ShellExecuteA");
-  const HINSTANCE code = execute(GetDesktopWindow(), verb.c_str(), file.c_str(),
-                                 NullWhenEmpty(parameters), folder.c_str(), showValue);
+  const HINSTANCE code =
+      execute(GetDesktopWindow(), verb.c_str(), file.c_str(),
+              windows_layer::NullWhenEmpty(parameters), folder.c_str(), showValue);
   return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(code));
 }
 

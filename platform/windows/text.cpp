@@ -11,4 +11,8 @@ std::wstring ToUtf16(std::string_view value) {
   return wide;
 }
 
+const char* NullWhenEmpty(const std::string& value) {
+  return value.empty() ? nullptr : value.c_str();
+}
+
 }  // namespace platform::windows_layer
