@@ -13,9 +13,9 @@
 namespace platform::signature {
 namespace {
 
-using windows::FunctionOf;
-using windows::LoadSystemLibrary;
-using windows::Worker;
+using windows_layer::FunctionOf;
+using windows_layer::LoadSystemLibrary;
+using windows_layer::Worker;
 
 // wincrypt.h hides it from programs that start on systems which do not know it.
 constexpr ALG_ID Sha256 = ALG_CLASS_HASH | ALG_TYPE_ANY | 12;
@@ -37,7 +37,7 @@ HCRYPTPROV Provider() {
 /// One for all digests, started with the first: a component that hangs may keep a later thread from
 /// beginning. Null where there is none.
 Worker* TheWorker() {
-  static Worker* const worker = windows::NewWorker();
+  static Worker* const worker = windows_layer::NewWorker();
   return worker;
 }
 
