@@ -1,6 +1,6 @@
 // The least that the work of an update costs: bare loops over the calls that it cannot do without.
-//   floor file HOST PORT PATH READSIZE   fetches one file, with reads of READSIZE bytes
-//   floor rows HOST PORT PATH COUNT      probes, fetches and renames the files PATH/0, PATH/1 ...
+//   floor file SCHEME HOST PORT PATH READSIZE   fetches one file, with reads of READSIZE bytes
+//   floor rows SCHEME HOST PORT PATH COUNT      probes, fetches and renames PATH/0, PATH/1 ...
 // Everything is put into the current folder.
 
 #include <cstdlib>
@@ -12,17 +12,13 @@ namespace {
 
 constexpr std::size_t FastReadSize = 64 * 1024;
 
-std::string Url(const floors::Server& server, const std::string& path) {
-  return "http://" + server.host + ":" + std::to_string(server.port) + path;
-}
-
 bool CarryOutRows(const floors::Server& server, const std::string& folder, int count) {
   for (int i = 0; i < count; ++i) {
     if (!floors::Probe(server, folder + "/" + std::to_string(i))) return false;
   }
   for (int i = 0; i < count; ++i) {
     const std::string name = std::to_string(i);
-    if (!floors::Fetch(Url(server, folder + "/" + name), name + ".tmp", FastReadSize)) return false;
+    if (!floors::Fetch(server, folder + "/" + name, name + ".tmp", FastReadSize)) return false;
   }
   for (int i = 0; i < count; ++i) {
     const std::string name = std::to_string(i);
@@ -34,13 +30,13 @@ bool CarryOutRows(const floors::Server& server, const std::string& folder, int c
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 6) return EXIT_FAILURE;
+  if (argc != 7) return EXIT_FAILURE;
   const std::string work = argv[1];
-  const floors::Server server = {argv[2], static_cast<std::uint16_t>(std::stoi(argv[3]))};
-  const std::string path = argv[4];
-  const int number = std::stoi(argv[5]);
+  const floors::Server server = {argv[2], argv[3], static_cast<std::uint16_t>(std::stoi(argv[4]))};
+  const std::string path = argv[5];
+  const int number = std::stoi(argv[6]);
   const bool done = work == "file"
-                        ? floors::Fetch(Url(server, path), "file", static_cast<std::size_t>(number))
+                        ? floors::Fetch(server, path, "file", static_cast<std::size_t>(number))
                         : CarryOutRows(server, path, number);
   return done ? EXIT_SUCCESS : EXIT_FAILURE;
 }

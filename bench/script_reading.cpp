@@ -2,9 +2,12 @@
 // it, or with std::getline and cuts at the bar character.
 //   script_reading product LINES
 //   script_reading floor LINES
+//   script_reading file FILE    that script, as the program does it
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include "base/arrays.h"
@@ -35,6 +38,11 @@ std::string MakeScript(int lines) {
   return script;
 }
 
+std::string Content(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 bool ReadAsTheProgram(const std::string& script) {
   modPrincipal::ScriptLines = modPrincipal::CutScript(script);
   return modPrincipal::ParseUpdateScript(modPrincipal::ScriptLines).empty() &&
@@ -60,12 +68,12 @@ bool ReadWithGetline(const std::string& script) {
 
 int main(int argc, char** argv) {
   if (argc != 3) return EXIT_FAILURE;
-  const bool asTheProgram = argv[1] == std::string("product");
-  const std::string script = MakeScript(std::stoi(argv[2]));
-  modPrincipal::AppVersion = "2.7.1";
+  const std::string mode = argv[1];
+  const std::string script = mode == "file" ? Content(argv[2]) : MakeScript(std::stoi(argv[2]));
+  modPrincipal::AppVersion = mode == "file" ? "999.0.0" : "2.7.1";
   bool read = false;
   const double time =
-      TimeOf([&] { read = asTheProgram ? ReadAsTheProgram(script) : ReadWithGetline(script); });
+      TimeOf([&] { read = mode == "floor" ? ReadWithGetline(script) : ReadAsTheProgram(script); });
   std::printf("%.2f\n", time);
   return read ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 namespace floors {
@@ -20,6 +20,9 @@ Easy Open(const std::string& url) {
   Easy easy(curl_easy_init());
   curl_easy_setopt(easy.get(), CURLOPT_URL, url.c_str());
   curl_easy_setopt(easy.get(), CURLOPT_USERAGENT, UserAgent);
+  if (const char* authorities = std::getenv("SSL_CERT_FILE")) {
+    curl_easy_setopt(easy.get(), CURLOPT_CAINFO, authorities);
+  }
   return easy;
 }
 
@@ -45,15 +48,16 @@ std::size_t WriteInBlocks(const char* bytes, std::size_t size, std::size_t count
 }  // namespace
 
 bool Probe(const Server& server, const std::string& path) {
-  const std::string url = "http://" + server.host + ":" + std::to_string(server.port) + path;
+  const std::string url = server.Url(path);
   long status = 0;
   curl_off_t length = -1;
   return Head(url, status, length) && status == 200 && Head(url, status, length) && length >= 0;
 }
 
-bool Fetch(const std::string& url, const std::string& target, std::size_t /*readSize*/) {
+bool Fetch(const Server& server, const std::string& path, const std::string& target,
+           std::size_t /*readSize*/) {
   int file = open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  const Easy easy = Open(url);
+  const Easy easy = Open(server.Url(path));
   curl_easy_setopt(easy.get(), CURLOPT_WRITEFUNCTION, WriteInBlocks);
   curl_easy_setopt(easy.get(), CURLOPT_WRITEDATA, &file);
   const bool fetched = curl_easy_perform(easy.get()) == CURLE_OK;
