@@ -6,12 +6,11 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "base/arrays.h"
 #include "bench/stopwatch.h"
+#include "install/file_helpers.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
 #include "script/parser.h"
@@ -36,11 +35,6 @@ std::string MakeScript(int lines) {
     script += "\r\n";
   }
   return script;
-}
-
-std::string Content(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 bool ReadAsTheProgram(const std::string& script) {
@@ -69,7 +63,8 @@ bool ReadWithGetline(const std::string& script) {
 int main(int argc, char** argv) {
   if (argc != 3) return EXIT_FAILURE;
   const std::string mode = argv[1];
-  const std::string script = mode == "file" ? Content(argv[2]) : MakeScript(std::stoi(argv[2]));
+  const std::string script =
+      mode == "file" ? modFunciones::FileReadAll(argv[2]) : MakeScript(std::stoi(argv[2]));
   modPrincipal::AppVersion = mode == "file" ? "999.0.0" : "2.7.1";
   bool read = false;
   const double time =

@@ -16,9 +16,6 @@ from machine import FOLDER, LINUX, OUTPUT, ROOT, WINDOWS, virtual_display
 from report import Table, write_json
 from updates import make_certificates, web_server
 
-OUTSIDE_WISH = "bold: outside the wish"
-
-
 def parse_arguments() -> argparse.Namespace:
     parser = argparse.ArgumentParser(
         prog="bench", formatter_class=argparse.RawDescriptionHelpFormatter,
@@ -47,7 +44,8 @@ def build(systems: list) -> None:
     for system in [LINUX, *systems]:  # the standstill is seen by a program of Linux
         steps += [["cmake", "--preset", system.name], ["cmake", "--build", "--preset", system.name]]
     for step in steps:
-        subprocess.run(step, cwd=ROOT, check=True, stdout=sys.stderr)
+        if subprocess.run(step, cwd=ROOT, stdout=sys.stderr).returncode != 0:
+            sys.exit(f"bench: {' '.join(step)} failed")
 
 
 def measure(names: list[str], systems: list, rounds: int) -> list[Row | Growth]:
