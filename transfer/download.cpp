@@ -84,7 +84,7 @@ bool ReadBody(const platform::http::Body& body, PublisherCheck* check, Store sto
     }
     const std::string_view block(buffer.data(), bytesRead);
     if (check != nullptr) check->Add(block);
-    if (!store(block)) return false;
+    if (bytesRead > 0 && !store(block)) return false;
   } while (bytesRead > 0);
   return IsWhole(body, received);
 }
