@@ -110,7 +110,7 @@ def line(bench: Bench) -> Iterator[Row]:
             taken = take_in_turns(min(bench.rounds, MOST_LINE_ROUNDS),
                                   {"product": lambda: updates_over_line(programs),
                                    "floor": lambda: floor_updates_over_line(programs)})
-        yield Row(f"{programs.system.title}, 100 files of 4 KiB, one of 20 MB, far",
+        yield Row(f"{programs.system.title}, 100 × 4 KiB and 20 MB over a line",
                   f"{programs.system.http_library}, the same requests", 1.05,
                   taken["product"].figure("all"), taken["floor"].figure("all"))
 
