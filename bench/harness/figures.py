@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import statistics
+import subprocess
 import sys
 from collections.abc import Callable
 from dataclasses import dataclass, field
@@ -14,9 +15,12 @@ class NotTaken(Exception):
     """Why a sample could not be taken."""
 
 
+FAILURES = (NotTaken, OSError, ValueError, subprocess.SubprocessError)
+
+
 @dataclass
 class Figure:
-    """One thing measured: a value a round, and their median. One failed round, and it is missing."""
+    """One thing measured: a value a round. Where a round failed, all of it is missing."""
 
     unit: str
     values: list[float]
@@ -63,7 +67,7 @@ def take_in_turns(rounds: int, takers: dict[str, Callable[[], Sample]]) -> dict[
             print(f"  {turn} of {rounds}: {name}\x1b[K", end="\r", file=sys.stderr, flush=True)
             try:
                 taken[name].samples.append(take())
-            except NotTaken as failure:
+            except FAILURES as failure:
                 taken[name].failures.append(f"{name}, round {turn}: {failure}")
     print("\x1b[K", end="", file=sys.stderr, flush=True)
     return taken

@@ -10,8 +10,20 @@ from dataclasses import dataclass
 import tool
 from figures import Growth, NotTaken, Row, Sample, Series, fixed, growth_of, take_in_turns
 from machine import FOLDER, LINUX, ROOT, WINDOWS, System, milliseconds, poll, run
-from updates import (APP, LASTING, LINE_FILE, LINE_ROWS, MEGABYTE, ROW_SIZE, TITLE, Programs, Servers,
-                     file_sample, is_downloading, rows_sample, trusting_the_authority)
+from updates import (
+    APP,
+    LASTING,
+    LINE_FILE,
+    LINE_ROWS,
+    MEGABYTE,
+    ROW_SIZE,
+    TITLE,
+    Programs,
+    Servers,
+    file_sample,
+    rows_sample,
+    trusting_the_authority,
+)
 
 LARGEST_PROGRAM = 300  # KB
 LONGEST_WAIT = fixed(100, "ms")  # that nobody feels
@@ -26,7 +38,11 @@ class Bench:
 
     def programs(self, *systems: System) -> list[Programs]:
         """Of the systems that are measured; of all of them unless some are named."""
-        return [Programs(system, self.servers) for system in self.systems if system in (systems or self.systems)]
+        return [
+            Programs(system, self.servers)
+            for system in self.systems
+            if system in (systems or self.systems)
+        ]
 
     def take(self, **takers: Callable[[], Sample]) -> dict[str, Series]:
         return take_in_turns(self.rounds, takers)
@@ -53,18 +69,37 @@ def curl_fetches_file(programs: Programs, size: int) -> Sample:
 
 def file(bench: Bench) -> Iterator[Row]:
     for windows in bench.programs(WINDOWS):
-        taken = bench.take(product=lambda: updates_file(windows, 100),
-                           small_reads=lambda: floor_fetches_file(windows, 100, 1024),
-                           large_reads=lambda: floor_fetches_file(windows, 100, 65536))
+        taken = bench.take(
+            product=lambda: updates_file(windows, 100),
+            small_reads=lambda: floor_fetches_file(windows, 100, 1024),
+            large_reads=lambda: floor_fetches_file(windows, 100, 65536),
+        )
         product = taken["product"].figure("time")
-        yield Row("Windows, 100 MB in one ADD", "WinINet, reads of 1 KiB, no window", 0.2, product,
-                  taken["small_reads"].figure("time"))
-        yield Row("the same", "WinINet, reads of 64 KiB, no window", 1.5, product,
-                  taken["large_reads"].figure("time"))
+        yield Row(
+            "Windows, 100 MB in one ADD",
+            "WinINet, reads of 1 KiB, no window",
+            0.2,
+            product,
+            taken["small_reads"].figure("time"),
+        )
+        yield Row(
+            "Windows, 100 MB in one ADD",
+            "WinINet, reads of 64 KiB, no window",
+            1.5,
+            product,
+            taken["large_reads"].figure("time"),
+        )
     for linux in bench.programs(LINUX):
-        taken = bench.take(product=lambda: updates_file(linux, 500), curl=lambda: curl_fetches_file(linux, 500))
-        yield Row("Linux, 500 MB in one ADD", "curl -o", 1.4, taken["product"].figure("time"),
-                  taken["curl"].figure("time"))
+        taken = bench.take(
+            product=lambda: updates_file(linux, 500), curl=lambda: curl_fetches_file(linux, 500)
+        )
+        yield Row(
+            "Linux, 500 MB in one ADD",
+            "curl -o",
+            1.4,
+            taken["product"].figure("time"),
+            taken["curl"].figure("time"),
+        )
 
 
 # --- Small files.
@@ -75,44 +110,65 @@ def updates_rows(programs: Programs, count: int) -> Sample:
 
 
 def floor_updates_rows(programs: Programs, count: int) -> Sample:
-    return rows_sample("row", [ROW_SIZE] * count,
-                       lambda: programs.floor("rows", *programs.servers.near.arguments, "/row", count))
+    return rows_sample(
+        "row",
+        [ROW_SIZE] * count,
+        lambda: programs.floor("rows", *programs.servers.near.arguments, "/row", count),
+    )
 
 
 def rows(bench: Bench) -> Iterator[Row]:
     for programs in bench.programs():
         system = programs.system
-        taken = bench.take(product=lambda: updates_rows(programs, 1000),
-                           floor=lambda: floor_updates_rows(programs, 1000))
-        parts = (("probes", f"{system.title}, 1,000 ADD rows of 4 KiB: probes",
-                  f"{system.http_library}, the same HEADs", 1.1),
-                 ("download", "the same: download", f"{system.http_library}, the same GETs to files", 1.3),
-                 ("install", "the same: install", "the same renames", 1.5))
-        for part, work, against, at_most in parts:
-            yield Row(work, against, at_most, taken["product"].figure(part), taken["floor"].figure(part))
+        taken = bench.take(
+            product=lambda: updates_rows(programs, 1000),
+            floor=lambda: floor_updates_rows(programs, 1000),
+        )
+        parts = (
+            ("probes", f"{system.http_library}, the same HEADs", 1.1),
+            ("download", f"{system.http_library}, the same GETs to files", 1.3),
+            ("install", "the same renames", 1.5),
+        )
+        for part, against, at_most in parts:
+            yield Row(
+                f"{system.title}, 1,000 ADD rows of 4 KiB: {part}",
+                against,
+                at_most,
+                taken["product"].figure(part),
+                taken["floor"].figure(part),
+            )
 
 
 FAR_SIZES = [ROW_SIZE] * LINE_ROWS + [LINE_FILE]
 
 
 def updates_over_line(programs: Programs) -> Sample:
-    return rows_sample("far", FAR_SIZES, lambda: programs.update("far"))
+    with trusting_the_authority(programs.system):
+        return rows_sample("far", FAR_SIZES, lambda: programs.update("far"))
 
 
 def floor_updates_over_line(programs: Programs) -> Sample:
-    return rows_sample("far", FAR_SIZES,
-                       lambda: programs.floor("rows", *programs.servers.far.arguments, "/far", len(FAR_SIZES)))
+    arguments = (*programs.servers.far.arguments, "/far", len(FAR_SIZES))
+    with trusting_the_authority(programs.system):
+        return rows_sample("far", FAR_SIZES, lambda: programs.floor("rows", *arguments))
 
 
 def line(bench: Bench) -> Iterator[Row]:
     for programs in bench.programs():
-        with trusting_the_authority(programs.system):
-            taken = take_in_turns(min(bench.rounds, MOST_LINE_ROUNDS),
-                                  {"product": lambda: updates_over_line(programs),
-                                   "floor": lambda: floor_updates_over_line(programs)})
-        yield Row(f"{programs.system.title}, 100 × 4 KiB and 20 MB over a line",
-                  f"{programs.system.http_library}, the same requests", 1.05,
-                  taken["product"].figure("all"), taken["floor"].figure("all"))
+        taken = take_in_turns(
+            min(bench.rounds, MOST_LINE_ROUNDS),
+            {
+                "product": lambda: updates_over_line(programs),
+                "floor": lambda: floor_updates_over_line(programs),
+            },
+        )
+        yield Row(
+            f"{programs.system.title}, 100 × 4 KiB and 20 MB over a line",
+            f"{programs.system.http_library}, the same requests",
+            1.05,
+            taken["product"].figure("all"),
+            taken["floor"].figure("all"),
+        )
 
 
 # --- The script, read in a process of its own by the program's procedures.
@@ -120,13 +176,17 @@ def line(bench: Bench) -> Iterator[Row]:
 
 def script(bench: Bench) -> Iterator[Row]:
     for programs in bench.programs():
-        taken = bench.take(product=lambda: programs.time_told_by("script_reading", "product", 1_000_000),
-                           getline=lambda: programs.time_told_by("script_reading", "floor", 1_000_000),
-                           tenth=lambda: programs.time_told_by("script_reading", "product", 100_000))
+        taken = bench.take(
+            product=lambda: programs.time_told_by("script_reading", "product", 1_000_000),
+            getline=lambda: programs.time_told_by("script_reading", "floor", 1_000_000),
+            tenth=lambda: programs.time_told_by("script_reading", "product", 100_000),
+        )
+        work = f"{programs.system.title}, script of 1,000,000 lines"
         product = taken["product"].figure("time")
-        yield Row(f"{programs.system.title}, script of 1,000,000 lines", "std::getline, cuts at the bar", 1.5,
-                  product, taken["getline"].figure("time"))
-        yield Row("the same", "the program, 100,000 lines", 11, product, taken["tenth"].figure("time"))
+        yield Row(
+            work, "std::getline, cuts at the bar", 1.5, product, taken["getline"].figure("time")
+        )
+        yield Row(work, "the program, 100,000 lines", 11, product, taken["tenth"].figure("time"))
 
 
 # --- The start, as another Windows program sees it.
@@ -140,13 +200,26 @@ def start(bench: Bench) -> Iterator[Row]:
     for windows in bench.programs(WINDOWS):
         program = f"Kestrane.exe 1.0.0 any {windows.servers.near.url}/slow.txt none NO {TITLE}"
         floors = str(windows.system.programs / "bench").replace("/", "\\")
-        taken = bench.take(product=lambda: start_of(windows, "KestraneWindow", program),
-                           empty=lambda: start_of(windows, "EmptyWindow", f"Z:{floors}\\empty_window.exe"),
-                           styled=lambda: start_of(windows, "EmptyWindow", f"Z:{floors}\\styled_window.exe"))
+        taken = bench.take(
+            product=lambda: start_of(windows, "KestraneWindow", program),
+            empty=lambda: start_of(windows, "EmptyWindow", f"Z:{floors}\\empty_window.exe"),
+            styled=lambda: start_of(windows, "EmptyWindow", f"Z:{floors}\\styled_window.exe"),
+        )
         product = taken["product"].figure("time")
-        yield Row("Windows, start to window", "an empty window", 1.15, product, taken["empty"].figure("time"))
-        yield Row("the same", "one with the system's visual styles", 1.15, product,
-                  taken["styled"].figure("time"))
+        yield Row(
+            "Windows, start to window",
+            "an empty window",
+            1.15,
+            product,
+            taken["empty"].figure("time"),
+        )
+        yield Row(
+            "Windows, start to window",
+            "one with the system's visual styles",
+            1.15,
+            product,
+            taken["styled"].figure("time"),
+        )
 
 
 # --- Memory and size of the program.
@@ -155,22 +228,38 @@ def start(bench: Bench) -> Iterator[Row]:
 def peak_memory(programs: Programs, size: int) -> Sample:
     programs.prepare()
     peak = FOLDER / "peak"
-    run(["/usr/bin/time", "-f", "%M", "-o", peak, *programs.kestrane(f"file-{size}")], APP, programs.environment)
+    run(
+        ["/usr/bin/time", "-f", "%M", "-o", peak, *programs.kestrane(f"file-{size}")],
+        APP,
+        programs.environment,
+    )
     return {"peak": float(peak.read_text())}
 
 
 def memory(bench: Bench) -> Iterator[Row]:
     for programs in bench.programs():
-        taken = bench.take(large=lambda: peak_memory(programs, 500), small=lambda: peak_memory(programs, 5))
-        yield Row(f"{programs.system.title}, peak memory for 500 MB", "the same for 5 MB", 1.02,
-                  taken["large"].figure("peak", "KB"), taken["small"].figure("peak", "KB"))
+        taken = bench.take(
+            large=lambda: peak_memory(programs, 500), small=lambda: peak_memory(programs, 5)
+        )
+        yield Row(
+            f"{programs.system.title}, peak memory for 500 MB",
+            "the same for 5 MB",
+            1.02,
+            taken["large"].figure("peak", "KB"),
+            taken["small"].figure("peak", "KB"),
+        )
 
 
 def size(bench: Bench) -> Iterator[Row]:
     for windows in bench.programs(WINDOWS):
         bytes_in_file = (windows.system.programs / "Kestrane.exe").stat().st_size
-        yield Row("Windows, size of the program", f"{LARGEST_PROGRAM} KB", 1, fixed(bytes_in_file / 1024, "KB"),
-                  fixed(LARGEST_PROGRAM, "KB"))
+        yield Row(
+            "Windows, size of the program",
+            f"{LARGEST_PROGRAM} KB",
+            1,
+            fixed(bytes_in_file / 1024, "KB"),
+            fixed(LARGEST_PROGRAM, "KB"),
+        )
 
 
 # --- The window while a download runs.
@@ -178,8 +267,11 @@ def size(bench: Bench) -> Iterator[Row]:
 
 def windows_shown() -> list[str]:
     """Those with the program's title: its own, and that of its question."""
-    found = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", f"^{TITLE}$"], capture_output=True,
-                           text=True)
+    found = subprocess.run(
+        ["xdotool", "search", "--onlyvisible", "--name", f"^{TITLE}$"],
+        capture_output=True,
+        text=True,
+    )
     return found.stdout.split()
 
 
@@ -191,7 +283,7 @@ def is_unfinished(size: int) -> bool:
 
 
 def time_to_question(programs: Programs, script: str, size: int) -> Sample:
-    """From the press of the button to the question on the screen, where the download stands still."""
+    """From the press of the button to the question, while which the download stands still."""
     with programs.download(script):
         if not poll(10, lambda: len(windows_shown()) == 1):
             raise NotTaken("there is no window")
@@ -212,11 +304,13 @@ def time_to_question(programs: Programs, script: str, size: int) -> Sample:
 
 def cancel(bench: Bench) -> Iterator[Row]:
     for programs in bench.programs():
-        taken = bench.take(slow=lambda: time_to_question(programs, "slow", 500),
-                           fast=lambda: time_to_question(programs, f"file-{LASTING}", LASTING))
-        yield Row(f'{programs.system.title}, "Cancelar" to question, 1 KB/s', "100 ms", 1,
-                  taken["slow"].figure("time"), LONGEST_WAIT)
-        yield Row("the same at full speed", "100 ms", 1, taken["fast"].figure("time"), LONGEST_WAIT)
+        taken = bench.take(
+            slow=lambda: time_to_question(programs, "slow", 500),
+            fast=lambda: time_to_question(programs, f"file-{LASTING}", LASTING),
+        )
+        work = f'{programs.system.title}, "Cancelar" to question'
+        yield Row(f"{work}, 1 KB/s", "100 ms", 1, taken["slow"].figure("time"), LONGEST_WAIT)
+        yield Row(f"{work}, full speed", "100 ms", 1, taken["fast"].figure("time"), LONGEST_WAIT)
 
 
 def longest_standstill(programs: Programs) -> Sample:
@@ -228,8 +322,13 @@ def longest_standstill(programs: Programs) -> Sample:
 def smooth(bench: Bench) -> Iterator[Row]:
     for programs in bench.programs():
         taken = bench.take(product=lambda: longest_standstill(programs))
-        yield Row(f"{programs.system.title}, longest standstill at 2 MB/s", "100 ms", 1,
-                  taken["product"].figure("time"), LONGEST_WAIT)
+        yield Row(
+            f"{programs.system.title}, longest standstill at 2 MB/s",
+            "100 ms",
+            1,
+            taken["product"].figure("time"),
+            LONGEST_WAIT,
+        )
 
 
 def processor_use(programs: Programs) -> Sample:
@@ -246,8 +345,13 @@ def processor_use(programs: Programs) -> Sample:
 def waiting(bench: Bench) -> Iterator[Row]:
     for programs in bench.programs():
         taken = bench.take(product=lambda: processor_use(programs))
-        yield Row(f"{programs.system.title}, processor time at 1 KB/s", "one processor", 0.01,
-                  taken["product"].figure("used", "%"), fixed(100, "%"))
+        yield Row(
+            f"{programs.system.title}, processor time at 1 KB/s",
+            "one processor",
+            0.01,
+            taken["product"].figure("used", "%"),
+            fixed(100, "%"),
+        )
 
 
 # --- The tool for publishers.
@@ -270,28 +374,61 @@ def growth_of_rows(bench: Bench, programs: Programs) -> Iterator[Growth | Row]:
     """Beside that of the floor, which grows as well."""
     steps = (5, 50, 500)
     takers = {"product": updates_rows, "floor": floor_updates_rows}
-    taken = bench.take(**{f"{name} {step}": lambda take=take, step=step: take(programs, step)
-                          for step in steps for name, take in takers.items()})
+    taken = bench.take(
+        **{
+            f"{name} {step}": lambda take=take, step=step: take(programs, step)
+            for step in steps
+            for name, take in takers.items()
+        }
+    )
     costs = {name: [taken[f"{name} {step}"].figure("all") for step in steps] for name in takers}
     work = f"{programs.system.title}, rows (5 of 4 KiB)"
-    for name, label in (("product", work), ("floor", "the same, the floor")):
-        yield Growth(label, {f"{step // steps[0]}×": cost for step, cost in zip(steps, costs[name])})
+    for name, label in (("product", work), ("floor", f"{work}, the floor")):
+        yield Growth(
+            label, {f"{step // steps[0]}×": cost for step, cost in zip(steps, costs[name])}
+        )
     factors = {name: growth_of(figures[-1], figures[0]) for name, figures in costs.items()}
-    yield Row(f"{programs.system.title}, cost of 500 rows against 5", "the same of the floor", 1.1,
-              factors["product"], factors["floor"])
+    yield Row(
+        f"{programs.system.title}, cost of 500 rows against 5",
+        "the same of the floor",
+        1.1,
+        factors["product"],
+        factors["floor"],
+    )
 
 
 def growth(bench: Bench) -> Iterator[Growth | Row]:
     for programs in bench.programs():
         title = programs.system.title
-        yield grown(bench, f"{title}, bytes (10 MB)", (10, 100, 1000), lambda mb: updates_file(programs, mb))
-        yield grown(bench, f"{title}, lines (10,000)", (10_000, 100_000, 1_000_000),
-                    lambda lines: programs.time_told_by("script_reading", "product", lines))
-        yield grown(bench, f"{title}, bars drawn (1,000)", (1_000, 10_000, 100_000),
-                    lambda bars: programs.time_told_by("bars", bars))
+        yield grown(
+            bench, f"{title}, bytes (10 MB)", (10, 100, 1000), lambda mb: updates_file(programs, mb)
+        )
+        yield grown(
+            bench,
+            f"{title}, lines (10,000)",
+            (10_000, 100_000, 1_000_000),
+            lambda lines: programs.time_told_by("script_reading", "product", lines),
+        )
+        yield grown(
+            bench,
+            f"{title}, bars drawn (1,000)",
+            (1_000, 10_000, 100_000),
+            lambda bars: programs.time_told_by("bars", bars),
+        )
         yield from growth_of_rows(bench, programs)
 
 
-GROUPS = {"file": file, "rows": rows, "line": line, "script": script, "start": start, "memory": memory,
-          "size": size, "cancel": cancel, "smooth": smooth, "waiting": waiting, "publish": publish,
-          "growth": growth}
+GROUPS = {
+    "file": file,
+    "rows": rows,
+    "line": line,
+    "script": script,
+    "start": start,
+    "memory": memory,
+    "size": size,
+    "cancel": cancel,
+    "smooth": smooth,
+    "waiting": waiting,
+    "publish": publish,
+    "growth": growth,
+}

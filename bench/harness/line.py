@@ -43,8 +43,12 @@ async def send(pieces: asyncio.Queue, writer: asyncio.StreamWriter) -> None:
         pass  # nor the end
 
 
-async def carry(reader: asyncio.StreamReader, writer: asyncio.StreamWriter, direction: Direction,
-                established: float) -> None:
+async def carry(
+    reader: asyncio.StreamReader,
+    writer: asyncio.StreamWriter,
+    direction: Direction,
+    established: float,
+) -> None:
     loop = asyncio.get_running_loop()
     pieces: asyncio.Queue = asyncio.Queue(IN_FLIGHT)
     sender = asyncio.create_task(send(pieces, writer))
@@ -64,8 +68,10 @@ async def serve(port: int, server_port: int) -> None:
     async def pass_on(reader: asyncio.StreamReader, writer: asyncio.StreamWriter) -> None:
         established = asyncio.get_running_loop().time() + ROUND_TRIP
         from_server, to_server = await asyncio.open_connection("127.0.0.1", server_port)
-        await asyncio.gather(carry(reader, to_server, there, established),
-                             carry(from_server, writer, back, established))
+        await asyncio.gather(
+            carry(reader, to_server, there, established),
+            carry(from_server, writer, back, established),
+        )
         to_server.close()
         writer.close()
 

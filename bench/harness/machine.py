@@ -44,7 +44,9 @@ class System:
         ticks = 0
         for process in Path("/proc").glob("[0-9]*"):
             try:
-                if f"BENCHED={self.name}".encode() not in (process / "environ").read_bytes().split(b"\0"):
+                if f"BENCHED={self.name}".encode() not in (process / "environ").read_bytes().split(
+                    b"\0"
+                ):
                     continue
                 fields = (process / "stat").read_text().rpartition(")")[2].split()
                 ticks += int(fields[11]) + int(fields[12])
@@ -71,14 +73,26 @@ def milliseconds(start: float, end: float) -> float:
     return 1000 * (end - start)
 
 
-def run(command: list, cwd: Path, environment: dict[str, str] | None = None,
-        good: tuple[int, ...] = (0,)) -> str:
+def run(
+    command: list,
+    cwd: Path,
+    environment: dict[str, str] | None = None,
+    good: tuple[int, ...] = (0,),
+) -> str:
     """What the command prints; what it says beside that goes to the log."""
     with OUTPUT.open("a") as log:
         try:
-            done = subprocess.run([str(word) for word in command], cwd=cwd, env=environment, stderr=log,
-                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True,
-                                  errors="replace", timeout=LONGEST_RUN)
+            done = subprocess.run(
+                [str(word) for word in command],
+                cwd=cwd,
+                env=environment,
+                stderr=log,
+                stdin=subprocess.DEVNULL,
+                stdout=subprocess.PIPE,
+                text=True,
+                errors="replace",
+                timeout=LONGEST_RUN,
+            )
         except subprocess.TimeoutExpired:
             raise NotTaken(f"not over within {LONGEST_RUN} s")
     if done.returncode not in good:
@@ -98,8 +112,13 @@ def time_of(command: list, cwd: Path, good: tuple[int, ...] = (0,)) -> dict[str,
 def running(command: list, **options) -> Iterator[subprocess.Popen]:
     """A program that is ended, if it has not ended by itself, with the block."""
     with OUTPUT.open("a") as log:
-        process = subprocess.Popen([str(word) for word in command], stdin=subprocess.DEVNULL, stdout=log,
-                                   stderr=log, **options)
+        process = subprocess.Popen(
+            [str(word) for word in command],
+            stdin=subprocess.DEVNULL,
+            stdout=log,
+            stderr=log,
+            **options,
+        )
         try:
             yield process
         finally:
@@ -120,7 +139,10 @@ def free_ports(count: int) -> list[int]:
 @contextmanager
 def serving(command: list, port: int) -> Iterator[None]:
     with running(command) as server:
-        if not poll(5, lambda: port_is_taken(port) or server.poll() is not None) or server.poll() is not None:
+        if (
+            not poll(5, lambda: port_is_taken(port) or server.poll() is not None)
+            or server.poll() is not None
+        ):
             sys.exit(f"bench: {Path(command[0]).name} did not start; see {OUTPUT}")
         yield
 
@@ -139,7 +161,9 @@ def virtual_display() -> Iterator[None]:
         if Path(f"/tmp/.X{number}-lock").exists() or Path(f"/tmp/.X11-unix/X{number}").exists():
             continue
         os.environ["DISPLAY"] = f":{number}"
-        with running(["Xvfb", f":{number}", "-screen", "0", "1024x768x24", "-nolisten", "tcp"]) as server:
+        with running(
+            ["Xvfb", f":{number}", "-screen", "0", "1024x768x24", "-nolisten", "tcp"]
+        ) as server:
             # Should another server take the number first, this one ends while that one answers.
             if poll(5, display_answers, 0.05) and server.poll() is None:
                 yield

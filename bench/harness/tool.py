@@ -34,8 +34,10 @@ def write_blocks(count: int) -> Path:
     for release in range(1, count + 1):
         version = version_of(release)
         lines.append(f"VERSION|<|{version}")
-        lines += [f"UPDATE|$AppPath\\part{row}.dll|{URL}/{version}/part{row}.dll"
-                  for row in range(ROWS_IN_BLOCK)]
+        lines += [
+            f"UPDATE|$AppPath\\part{row}.dll|{URL}/{version}/part{row}.dll"
+            for row in range(ROWS_IN_BLOCK)
+        ]
         lines.append("END")
     script = PLACE / f"{count}.txt"
     script.write_text("\n".join(lines) + "\n")
@@ -49,28 +51,63 @@ def time_of(*command: object) -> Sample:
 def blocks(rounds: int, *command: str) -> Iterator[Growth | Row]:
     scripts = {count: write_blocks(count) for count in BLOCKS}
     name, *options = command
-    taken = take_in_turns(rounds, {
-        str(count): lambda script=script: time_of(TOOL, name, script, *options)
-        for count, script in scripts.items()})
+    taken = take_in_turns(
+        rounds,
+        {
+            str(count): lambda script=script: time_of(TOOL, name, script, *options)
+            for count, script in scripts.items()
+        },
+    )
     costs = {count: series.figure("time") for count, series in taken.items()}
     yield Growth(f"{' '.join(command)}, blocks of {ROWS_IN_BLOCK} rows", costs)
     most, fewest = str(BLOCKS[-1]), str(BLOCKS[0])
-    yield Row(f"{' '.join(command)}, {most} blocks", f"{fewest} blocks", BLOCKS[-1] / BLOCKS[0] * 1.1,
-              costs[most], costs[fewest])
+    yield Row(
+        f"{' '.join(command)}, {most} blocks",
+        f"{fewest} blocks",
+        BLOCKS[-1] / BLOCKS[0] * 1.1,
+        costs[most],
+        costs[fewest],
+    )
 
 
 def many_lines(rounds: int) -> Iterator[Row]:
     script = write_blocks(MANY_LINES // (ROWS_IN_BLOCK + 2))
-    taken = take_in_turns(rounds, {
-        "check": lambda: time_of(TOOL, "check", script),
-        "program": lambda: {"time": float(run([READING, "file", script], PLACE))}})
-    yield Row("check, script of 1,000,000 lines", "the program reads them", 3, taken["check"].figure("time"),
-              taken["program"].figure("time"))
+    taken = take_in_turns(
+        rounds,
+        {
+            "check": lambda: time_of(TOOL, "check", script),
+            "program": lambda: {"time": float(run([READING, "file", script], PLACE))},
+        },
+    )
+    yield Row(
+        "check, script of 1,000,000 lines",
+        "the program reads them",
+        3,
+        taken["check"].figure("time"),
+        taken["program"].figure("time"),
+    )
 
 
 def make() -> Sample:
-    return time_of(TOOL, "make", "old", "new", "--url", URL, "--from", "1.0.0", "--to", "2.0.0", "--name",
-                   "Ledger", "--updater", f"{URL}/Kestrane.exe", "1.0.0", "--site", "site")
+    return time_of(
+        TOOL,
+        "make",
+        "old",
+        "new",
+        "--url",
+        URL,
+        "--from",
+        "1.0.0",
+        "--to",
+        "2.0.0",
+        "--name",
+        "Ledger",
+        "--updater",
+        f"{URL}/Kestrane.exe",
+        "1.0.0",
+        "--site",
+        "site",
+    )
 
 
 def make_anew() -> Sample:
@@ -92,10 +129,23 @@ def releases(rounds: int) -> Iterator[Row]:
         (PLACE / name).mkdir()
     for file in range(FILES):
         (PLACE / "new" / f"part{file}.dat").write_bytes(os.urandom(FILE_SIZE))
-    taken = take_in_turns(rounds, {"make": make_anew, "cp": copy, "make again": make, "diff": compare})
-    yield Row("make, 5,000 files and 1 GB", "cp -r", 1.3, taken["make"].figure("time"), taken["cp"].figure("time"))
-    yield Row("the same, once more", "diff -rq", 1, taken["make again"].figure("time"),
-              taken["diff"].figure("time"))
+    taken = take_in_turns(
+        rounds, {"make": make_anew, "cp": copy, "make again": make, "diff": compare}
+    )
+    yield Row(
+        "make, 5,000 files and 1 GB",
+        "cp -r",
+        1.3,
+        taken["make"].figure("time"),
+        taken["cp"].figure("time"),
+    )
+    yield Row(
+        "make, 5,000 files and 1 GB, once more",
+        "diff -rq",
+        1,
+        taken["make again"].figure("time"),
+        taken["diff"].figure("time"),
+    )
 
 
 def measure(rounds: int) -> Iterator[Growth | Row]:

@@ -14,7 +14,18 @@ from dataclasses import dataclass
 from pathlib import Path
 
 from figures import NotTaken, Sample
-from machine import FOLDER, WINDOWS, System, free_ports, line_to, milliseconds, poll, run, running, serving
+from machine import (
+    FOLDER,
+    WINDOWS,
+    System,
+    free_ports,
+    line_to,
+    milliseconds,
+    poll,
+    run,
+    running,
+    serving,
+)
 from watch import CLOSE_WRITE, MOVED_TO, OPEN, watching
 
 SITE = FOLDER / "site"
@@ -63,18 +74,42 @@ def make_certificates() -> None:
     """For localhost, of an authority that nobody else trusts."""
 
     def make(name: str, host: str, *options: str) -> None:
-        run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:P-256", "-nodes",
-             "-days", "2", "-subj", f"/CN={host}", "-addext", f"subjectAltName=DNS:{host}",
-             "-keyout", f"{name}.key", "-out", f"{name}.pem", *options], FOLDER)
+        run(
+            [
+                "openssl",
+                "req",
+                "-x509",
+                "-newkey",
+                "ec",
+                "-pkeyopt",
+                "ec_paramgen_curve:P-256",
+                "-nodes",
+                "-days",
+                "2",
+                "-subj",
+                f"/CN={host}",
+                "-addext",
+                f"subjectAltName=DNS:{host}",
+                "-keyout",
+                f"{name}.key",
+                "-out",
+                f"{name}.pem",
+                *options,
+            ],
+            FOLDER,
+        )
 
     make("authority", "authority.example")
     make("localhost", "localhost", "-CA", "authority.pem", "-CAkey", "authority.key")
-    run(["openssl", "x509", "-in", "authority.pem", "-outform", "der", "-out", "authority.der"], FOLDER)
+    run(
+        ["openssl", "x509", "-in", "authority.pem", "-outform", "der", "-out", "authority.der"],
+        FOLDER,
+    )
 
 
 @contextmanager
 def trusting_the_authority(system: System) -> Iterator[None]:
-    """Linux: the environment names it. Windows: in the user's list, as the system keeps it there."""
+    """Linux: the environment names it. Windows: it enters the user's list in the registry."""
     if system is not WINDOWS:
         yield
         return
@@ -83,8 +118,11 @@ def trusting_the_authority(system: System) -> Iterator[None]:
     key = rf"HKCU\Software\Microsoft\SystemCertificates\Root\Certificates\{digest}"
     cert_cert_prop_id = 32  # of wincrypt.h
     entry = struct.pack("<III", cert_cert_prop_id, 1, len(certificate)) + certificate
-    run(["wine", "reg", "add", key, "/v", "Blob", "/t", "REG_BINARY", "/d", entry.hex(), "/f"], FOLDER,
-        system.environment)
+    run(
+        ["wine", "reg", "add", key, "/v", "Blob", "/t", "REG_BINARY", "/d", entry.hex(), "/f"],
+        FOLDER,
+        system.environment,
+    )
     try:
         yield
     finally:
@@ -99,9 +137,11 @@ def web_server() -> Iterator[Servers]:
     site = f"""root "{SITE}"; sendfile on;
       location = /slow {{ limit_rate 1k; }}
       location = /steady {{ limit_rate 2m; sendfile_max_chunk 16k; }}"""
-    temporary = "".join(f"{use}_temp_path {use};\n" for use in
-                        ("client_body", "proxy", "fastcgi", "uwsgi", "scgi"))
-    (NGINX / "nginx.conf").write_text(f"""daemon off; master_process off; pid nginx.pid; events {{}}
+    temporary = "".join(
+        f"{use}_temp_path {use};\n" for use in ("client_body", "proxy", "fastcgi", "uwsgi", "scgi")
+    )
+    (NGINX / "nginx.conf").write_text(
+        f"""daemon off; master_process off; pid nginx.pid; events {{}}
       http {{
       log_format times '$msec $request_time $request_method $uri';
       access_log access.log times;
@@ -110,10 +150,13 @@ def web_server() -> Iterator[Servers]:
       server {{ listen 127.0.0.1:{secure} ssl; {site}
         ssl_protocols TLSv1.2 TLSv1.3;
         ssl_certificate "{FOLDER}/localhost.pem"; ssl_certificate_key "{FOLDER}/localhost.key"; }}
-      }}""")
+      }}"""
+    )
     nginx = shutil.which("nginx", path=os.environ["PATH"] + ":/usr/sbin")
     with ExitStack() as stack:
-        stack.enter_context(serving([nginx, "-p", NGINX, "-e", "error.log", "-c", "nginx.conf"], near))
+        stack.enter_context(
+            serving([nginx, "-p", NGINX, "-e", "error.log", "-c", "nginx.conf"], near)
+        )
         stack.enter_context(line_to(secure, far))
         servers = Servers(Server("http", "127.0.0.1", near), Server("https", "localhost", far))
         lay_out_site(servers)
@@ -166,7 +209,9 @@ class Programs:
         """An empty folder with the program alone, without what the system's HTTP library keeps of
         earlier downloads, each of which makes the next one slower, and with all that was written
         before on the disk."""
-        caches = Path(os.environ["WINEPREFIX"]).glob("drive_c/users/*/AppData/Local/Microsoft/Windows/INetCache/*")
+        caches = Path(os.environ["WINEPREFIX"]).glob(
+            "drive_c/users/*/AppData/Local/Microsoft/Windows/INetCache/*"
+        )
         for old in (*APP.iterdir(), *caches):
             shutil.rmtree(old) if old.is_dir() else old.unlink()
         os.sync()
@@ -176,7 +221,16 @@ class Programs:
     def kestrane(self, script: str) -> list:
         """The command that lets the program carry out a script, and end."""
         url = f"{self.servers.near.url}/{script}.txt"
-        return [*self.system.launcher, APP / "Kestrane.exe", "1.0.0", "any", url, "none", "NO", TITLE]
+        return [
+            *self.system.launcher,
+            APP / "Kestrane.exe",
+            "1.0.0",
+            "any",
+            url,
+            "none",
+            "NO",
+            TITLE,
+        ]
 
     @property
     def environment(self) -> dict[str, str]:
@@ -230,12 +284,18 @@ class Request:
 
 
 def requests(method: str, folder: str, count: int) -> list[Request]:
-    """Those that the server has answered, as many as there have to be; it may log the last one late."""
+    """Those that the server has answered; it may log the last one late."""
 
     def logged() -> list[Request]:
         lines = [line.split() for line in LOG.read_text().splitlines()]
-        every = [Request(float(end), float(took), method, path) for end, took, method, path in lines]
-        return [request for request in every if request.method == method and request.path.startswith(folder)]
+        every = [
+            Request(float(end), float(took), method, path) for end, took, method, path in lines
+        ]
+        return [
+            request
+            for request in every
+            if request.method == method and request.path.startswith(folder)
+        ]
 
     if not poll(5, lambda: len(logged()) >= count) or len(logged()) != count:
         raise NotTaken(f"{len(logged())} requests {method} of {folder} instead of {count}")

@@ -48,7 +48,7 @@ class Watch:
         events = os.read(self.descriptor, 65536)
         while events:
             watch, mask, _, length = HEAD.unpack_from(events)
-            events = events[HEAD.size + length:]
+            events = events[HEAD.size + length :]
             for kind in (CLOSE_WRITE, MOVED_TO, OPEN):
                 if mask & kind:
                     self.times.setdefault((kind, self.paths[watch]), []).append(now)
