@@ -81,11 +81,14 @@ def tell_of(lines: list[Row | Growth]) -> int:
     """What could not be taken; the exit status."""
     outside = sum(1 for line in lines if isinstance(line, Row) and line.is_within is False)
     print(f"\n{outside} rows outside the wish, in bold.")
-    failures = dict.fromkeys(
-        failure for line in lines for figure in line.figures for failure in figure.failures
-    )
+    failures = {
+        f"missing: {line.work}: {failure}": None  # once, though several rows lack it
+        for line in lines
+        for figure in line.figures
+        for failure in figure.failures
+    }
     for failure in failures:
-        print(f"missing: {failure}")
+        print(failure)
     return 1 if failures else 0
 
 
