@@ -59,17 +59,22 @@ class Series:
         return Figure(unit, [sample[name] for sample in self.samples], self.failures)
 
 
+def show_progress(text: str) -> None:
+    if sys.stderr.isatty():
+        print(f"\r{text}\x1b[K", end="", file=sys.stderr, flush=True)
+
+
 def take_in_turns(rounds: int, takers: dict[str, Callable[[], Sample]]) -> dict[str, Series]:
     """One sample of each a round, so that what slows the machine down slows all of them."""
     taken = {name: Series() for name in takers}
     for turn in range(1, rounds + 1):
         for name, take in takers.items():
-            print(f"  {turn} of {rounds}: {name}\x1b[K", end="\r", file=sys.stderr, flush=True)
+            show_progress(f"  {turn} of {rounds}: {name}")
             try:
                 taken[name].samples.append(take())
             except FAILURES as failure:
                 taken[name].failures.append(f"{name}, round {turn}: {failure}")
-    print("\x1b[K", end="", file=sys.stderr, flush=True)
+    show_progress("")
     return taken
 
 

@@ -283,7 +283,7 @@ def is_unfinished(size: int) -> bool:
 
 
 def time_to_question(programs: Programs, script: str, size: int) -> Sample:
-    """From the press of the button to the question, while which the download stands still."""
+    """From the press of the button to the question, at which the download stands still."""
     with programs.download(script):
         if not poll(10, lambda: len(windows_shown()) == 1):
             raise NotTaken("there is no window")
