@@ -11,7 +11,7 @@ import sys
 from pathlib import Path
 
 import plot
-from figures import Growth, Row
+from figures import Growth, NotTaken, Row
 from groups import GROUPS, Bench
 from machine import FOLDER, LINUX, OUTPUT, ROOT, WINDOWS, virtual_display
 from report import Table, write_json
@@ -104,9 +104,13 @@ def main() -> int:
     FOLDER.mkdir(parents=True)
     OUTPUT.touch()
     os.environ["no_proxy"] = "localhost,127.0.0.1"
-    make_certificates()
-    subprocess.run(["wineserver", "-w"])  # one without the mark
-    lines = measure(arguments.groups or list(GROUPS), systems, arguments.rounds)
+    if WINDOWS in systems:
+        subprocess.run(["wineserver", "-w"])  # one without the mark
+    try:
+        make_certificates()
+        lines = measure(arguments.groups or list(GROUPS), systems, arguments.rounds)
+    except NotTaken as failure:
+        sys.exit(f"bench: {failure}")
     if arguments.json:
         write_json(arguments.json, lines, arguments.rounds)
     return tell_of(lines)

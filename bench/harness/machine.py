@@ -41,12 +41,11 @@ class System:
 
     def processor_seconds(self) -> float:
         """Of all processes with the mark, so far."""
+        mark = f"BENCHED={self.name}".encode()
         ticks = 0
         for process in Path("/proc").glob("[0-9]*"):
             try:
-                if f"BENCHED={self.name}".encode() not in (process / "environ").read_bytes().split(
-                    b"\0"
-                ):
+                if mark not in (process / "environ").read_bytes().split(b"\0"):
                     continue
                 fields = (process / "stat").read_text().rpartition(")")[2].split()
                 ticks += int(fields[11]) + int(fields[12])
@@ -123,7 +122,11 @@ def running(command: list, **options) -> Iterator[subprocess.Popen]:
             yield process
         finally:
             process.terminate()
-            process.wait()
+            try:
+                process.wait(10)
+            except subprocess.TimeoutExpired:
+                process.kill()
+                process.wait()
 
 
 def port_is_taken(port: int) -> bool:
@@ -139,10 +142,8 @@ def free_ports(count: int) -> list[int]:
 @contextmanager
 def serving(command: list, port: int) -> Iterator[None]:
     with running(command) as server:
-        if (
-            not poll(5, lambda: port_is_taken(port) or server.poll() is not None)
-            or server.poll() is not None
-        ):
+        poll(5, lambda: port_is_taken(port) or server.poll() is not None)
+        if server.poll() is not None or not port_is_taken(port):
             sys.exit(f"bench: {Path(command[0]).name} did not start; see {OUTPUT}")
         yield
 
