@@ -111,9 +111,11 @@ class ProgramWindow : public Program {
     ASSERT_TRUE(WaitForText(lblFileProgreso, "4 KB/9 KB"));
   }
 
-  /// A value below the current user's key for as long as the object lives.
+  /// A value below the current user's key for as long as the object lives; not in a user's own
+  /// Windows.
   static auto RegistryValue(const char* key, const char* name, DWORD type, const void* data,
                             DWORD size) {
+    if (!faults::OnWine()) return std::shared_ptr<void>();
     RegSetKeyValueA(HKEY_CURRENT_USER, key, name, type, data, size);
     return std::shared_ptr<void>(nullptr,
                                  [=](void*) { RegDeleteKeyValueA(HKEY_CURRENT_USER, key, name); });
@@ -139,6 +141,7 @@ TEST_F(ProgramWindow, KeepsToItsLayout) {
   };
   ServeScript("MSG|" + std::string("¿Añadir «más»?"_ansi) + "|EXCLAMATION");
   for (const auto& [dotsPerInch, places, finalPlace] : cases) {
+    if (dotsPerInch != 96 && !faults::OnWine()) continue;  // it is the system's own
     SCOPED_TRACE(dotsPerInch);
     const auto value = RegistryValue("Control Panel\\Desktop", "LogPixels", REG_DWORD, &dotsPerInch,
                                      sizeof dotsPerInch);
