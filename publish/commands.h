@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "publish/make.h"
+#include "publish/order.h"
 
 namespace publish {
 

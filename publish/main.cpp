@@ -83,10 +83,12 @@ int RunMake(MakeArguments arguments) {
     order.updaterUrl = arguments.updater[0];
     order.updaterVersion = arguments.updater[1];
   }
-  for (auto* texts : {&order.wishes.backups, &order.wishes.components, &order.wishes.lastLines}) {
+  publish::Wishes& wishes = order.wishes;
+  for (auto* texts : {&wishes.backups, &wishes.kept, &wishes.components, &wishes.programs,
+                      &wishes.firstLines, &wishes.lastLines, &order.excluded}) {
     for (auto& text : *texts) text = TextOf(text);
   }
-  for (auto* names : {&order.wishes.backups, &order.wishes.components}) {
+  for (auto* names : {&wishes.backups, &wishes.kept, &wishes.components}) {
     for (auto& name : *names) std::replace(name.begin(), name.end(), '/', '\\');
   }
   return publish::RunMake(order, arguments.asJson);
@@ -95,7 +97,7 @@ int RunMake(MakeArguments arguments) {
 /// An option that may be given several times, a value each.
 void AddList(CLI::App& command, const char* name, std::vector<std::string>& values,
              const char* help) {
-  command.add_option(name, values, help)->allow_extra_args(false);
+  command.add_option(name, values, help)->allow_extra_args(false)->group("Lists");
 }
 
 Execution DefineMake(CLI::App& command) {
@@ -116,17 +118,29 @@ Execution DefineMake(CLI::App& command) {
       ->type_name("URL VERSION");
   AddList(command, "--backup", order.wishes.backups,
           "File that users may have edited: the old one is kept as .bak");
+  AddList(command, "--keep", order.wishes.kept,
+          "File that is the user's: installed where it is missing, never replaced or removed");
+  AddList(command, "--exclude", order.excluded,
+          "Pattern such as *.log or cache/*: these files are left out of both folders");
+  AddList(command, "--kill", order.wishes.programs,
+          "Program to end, beside those of OLD; by the end of its name");
+  AddList(command, "--first", order.wishes.firstLines, "Line for the beginning of the block");
   AddList(command, "--register", order.wishes.components,
           "DLL or OCX that registers itself, or unregisters where it goes");
   AddList(command, "--then", order.wishes.lastLines, "Line for the end of the block");
   command.add_flag("--older", order.coversOlder,
                    "Also give every file of NEW to all other versions below it");
+  command.add_flag("--force", order.force, "Replace files that are published already");
+  command.add_flag("--dry-run", order.isTrial, "Tell what would be made, and write nothing");
   command.add_flag("--json", arguments->asJson, JsonHelp);
   command.footer(
       "The upload folder gets the files, in a folder named after the new version, and the script\n"
       "update.txt with one more block. The script is then checked; the exit status is that of "
       "check.\n"
-      "--backup, --register and --then may be given several times.\n\n"
+      "Options of the last group may be given several times. All of them can stand in a file, a\n"
+      "line each such as keep = [\"config.ini\", \"users.db\"], below a line [make]: --config "
+      "names it,\n"
+      "and kestrane.toml is read where it is there.\n\n"
       "Example:\n"
       "  kestrane-publish make ledger-2.7.1 ledger-3.2.0 --url https://updates.example/ledger \\\n"
       "    --from 2.7.1 --to 3.2.0 --name Ledger --register reports.ocx --backup rates.txt \\\n"
@@ -151,6 +165,9 @@ int RunCommandLine(int argc, char** argv) {
   app.set_version_flag("--version", KESTRANE_VERSION);
   app.require_subcommand(1);
   app.allow_windows_style_options(false);  // what begins with a slash is a path
+  app.fallthrough();                       // --config may stand behind the command
+  app.allow_config_extras(CLI::config_extras_mode::error);
+  app.set_config("--config", "kestrane.toml", "File with options, below the [name] of a command");
   std::map<const CLI::App*, Execution> executions;
   for (const auto& [name, purpose, define] : Commands) {
     CLI::App* const command = app.add_subcommand(name, purpose);

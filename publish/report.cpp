@@ -7,6 +7,7 @@
 #include "base/arrays.h"
 #include "base/text.h"
 #include "platform/console.h"
+#include "publish/source.h"
 #include "publish/versions.h"
 #include "run/messages.h"
 
@@ -34,7 +35,7 @@ std::size_t Count(const Findings& findings, Severity severity) {
                     [&](const Finding& finding) { return finding.severity == severity; }));
 }
 
-std::string Number(std::int64_t number, const char* unit) {
+std::string Number(std::uint64_t number, const char* unit) {
   std::string digits = std::to_string(number);
   for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, ",");
   return digits + " " + unit + (number == 1 ? "" : "s");
@@ -44,6 +45,60 @@ Json AsJson(const Finding& finding) {
   return {{"severity", LookOf(finding.severity).word},
           {"line", finding.line},
           {"text", modFunciones::ToUtf8(finding.text)}};
+}
+
+Json AsJson(const Examination& examination) {
+  const auto& [scriptName, verdict, findings] = examination;
+  Json json = {{"script", scriptName},
+               {"verdict", modFunciones::ToUtf8(verdict)},
+               {"errors", Count(findings, Severity::Error)},
+               {"warnings", Count(findings, Severity::Warning)},
+               {"findings", Json::array()}};
+  for (const auto& finding : findings) json["findings"].push_back(AsJson(finding));
+  return json;
+}
+
+Json AsJson(const Order& order, const Made& made) {
+  Json json = {{"written", !order.isTrial}, {"from", order.from},  {"to", order.to},
+               {"changed", made.changed},   {"added", made.added}, {"removed", made.removed},
+               {"bytes", made.bytes},       {"notes", made.notes}, {"block", Json::array()}};
+  for (const auto& line : made.block) json["block"].push_back(modFunciones::ToUtf8(line));
+  return json;
+}
+
+void Print(const Json& json) { std::cout << json.dump(2) << "\n"; }
+
+void PrintExamination(const Examination& examination) {
+  const auto& [scriptName, verdict, findings] = examination;
+  for (const auto& [severity, line, text] : findings) {
+    const auto& look = LookOf(severity);
+    std::cout << Coloured(look.word, look.colour) << ": "
+              << (line > 0 ? "line " + std::to_string(line) + ": " : "")
+              << modFunciones::ToUtf8(text) << "\n";
+  }
+  std::cout << scriptName << ": " << Number(Count(findings, Severity::Error), "error") << ", "
+            << Number(Count(findings, Severity::Warning), "warning") << "; the updater "
+            << (verdict.empty() ? "understands it" : "refuses it: " + modFunciones::ToUtf8(verdict))
+            << "\n";
+}
+
+void PrintMade(const Order& order, const Made& made) {
+  std::cout << "From " << order.from << " to " << order.to << ": " << Number(made.changed, "file")
+            << " changed, " << made.added << " new, " << made.removed << " gone. A user downloads "
+            << Number(made.bytes, "byte") << ".\n";
+  if (made.bytes > 0) {
+    std::cout << "A file with one changed byte is downloaded whole; the largest of these is "
+              << made.largest << ", " << Number(made.largestBytes, "byte") << ".\n";
+  }
+  for (const auto& note : made.notes)
+    std::cout << Coloured("note", "\033[36m") << ": " << note << "\n";
+  if (order.isTrial) {
+    for (const auto& line : made.block) std::cout << "  " << modFunciones::ToUtf8(line) << "\n";
+    std::cout << "Nothing was written; without --dry-run this block would be.\n";
+  } else {
+    std::cout << "Upload what is in " << Utf8Of(order.site) << ": the folders first, " << ScriptName
+              << " last.\n";
+  }
 }
 
 std::string InstalledText(const Outcome& outcome) {
@@ -100,7 +155,8 @@ void PrintAction(const TakenAction& action, const Script& script, bool probed) {
   Fields shown = script.lines[action.line];
   shown[0] = modPrincipal::CommandWord(shown);
   std::cout << modFunciones::ToUtf8(modFunciones::Join(shown, "  "));
-  if (probed && action.size > 0) std::cout << "  (" << Number(action.size, "byte") << ")";
+  if (probed && action.size > 0)
+    std::cout << "  (" << Number(static_cast<std::uint64_t>(action.size), "byte") << ")";
   if (action.missing) std::cout << "  (not available)";
   std::cout << "\n";
 }
@@ -112,7 +168,7 @@ void PrintOffer(const Offer& offer, bool probed) {
   if (!offer.failure.empty()) {
     std::cout << "  (not available)\n  final screen: " << modFunciones::ToUtf8(offer.failure);
   } else if (probed) {
-    std::cout << "  (" << Number(offer.bytes, "byte") << ")";
+    std::cout << "  (" << Number(static_cast<std::uint64_t>(offer.bytes), "byte") << ")";
   }
   std::cout << "\n\n";
 }
@@ -126,36 +182,34 @@ void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   for (const auto& action : outcome.reading.actions) {
     PrintAction(action, script, probed);
   }
-  if (probed && isUpdate) std::cout << "  in all " << Number(outcome.bytes, "byte") << "\n";
+  if (probed && isUpdate)
+    std::cout << "  in all " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte") << "\n";
   std::cout << "  final screen: " << modFunciones::ToUtf8(outcome.finalScreen) << "\n\n";
 }
 
 }  // namespace
 
-void ReportFindings(const std::string& scriptName, const std::string& verdict,
-                    const Findings& findings, bool asJson) {
-  const auto errors = Count(findings, Severity::Error);
-  const auto warnings = Count(findings, Severity::Warning);
+void ReportFindings(const Examination& examination, bool asJson) {
   if (asJson) {
-    Json json = {{"script", scriptName},
-                 {"verdict", modFunciones::ToUtf8(verdict)},
-                 {"errors", errors},
-                 {"warnings", warnings},
-                 {"findings", Json::array()}};
-    for (const auto& finding : findings) json["findings"].push_back(AsJson(finding));
-    std::cout << json.dump(2) << "\n";
-    return;
+    Print(AsJson(examination));
+  } else {
+    PrintExamination(examination);
   }
-  for (const auto& [severity, line, text] : findings) {
-    const auto& look = LookOf(severity);
-    std::cout << Coloured(look.word, look.colour) << ": "
-              << (line > 0 ? "line " + std::to_string(line) + ": " : "")
-              << modFunciones::ToUtf8(text) << "\n";
+}
+
+void ReportProblems(const std::vector<std::string>& problems, bool asJson) {
+  if (asJson) return Print({{"problems", problems}});
+  for (const auto& problem : problems) std::cerr << problem << "\n";
+}
+
+void ReportMade(const Order& order, const Made& made, const Examination& examination, bool asJson) {
+  if (asJson) {
+    Json json = AsJson(examination);
+    json["made"] = AsJson(order, made);
+    return Print(json);
   }
-  std::cout << scriptName << ": " << Number(static_cast<std::int64_t>(errors), "error") << ", "
-            << Number(static_cast<std::int64_t>(warnings), "warning") << "; the updater "
-            << (verdict.empty() ? "understands it" : "refuses it: " + modFunciones::ToUtf8(verdict))
-            << "\n";
+  PrintMade(order, made);
+  PrintExamination(examination);
 }
 
 void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,
@@ -165,8 +219,7 @@ void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<
     for (const auto& outcome : outcomes) {
       json["installed"].push_back(AsJson(script, outcome, probed));
     }
-    std::cout << json.dump(2) << "\n";
-    return;
+    return Print(json);
   }
   PrintOffer(offer, probed);
   for (const auto& outcome : outcomes) PrintOutcome(script, outcome, probed);

@@ -22,7 +22,8 @@ run_block() {
       eval "${command//$site/$address}" 2>&1 | sed -E "s#$address#$site#; s/[0-9,]+ byte/N byte/"
       sed -i "s#$address#$site#" site/update.txt
     else
-      eval "$command" 2>&1 || true # the findings tell
+      # The findings tell; sizes are those of a build.
+      eval "$command" 2>&1 | sed -E "/download/s/[0-9,]+ byte/N byte/" || true
     fi
   done
 }

@@ -22,6 +22,7 @@ using namespace publish;
 using namespace testing;
 using modFunciones::FromUtf8;
 using modFunciones::ToUtf8;
+using namespace std::string_literals;
 using Texts = std::vector<std::string>;
 
 const std::string header = "1.0.3|https://u/Kestrane.exe\nNAME|Ledger\n";
@@ -36,15 +37,16 @@ Texts FindingsOf(const std::string& script, const Knowledge& knowledge = {}) {
   return texts;
 }
 
+/// A program that says that it is version 1.0.REVISION.
+std::string Updater(const char* revision) {
+  return "MZ\xBD\x04\xEF\xFE\0\0\1\0\0\0\1\0\0\0"s + revision + "\0"s;
+}
+
 std::string Block(const std::string& lines) {  // of old versions; the first line is line 5
   return header + "VERSION|<|3.2.0\nSLEEP|1\n" + lines;
 }
 
 TEST(Check, TellsWhatIsWrong) {
-  using namespace std::string_literals;
-  const auto record = [](const char* revision) {
-    return "MZ\xBD\x04\xEF\xFE\0\0\1\0\0\0\1\0\0\0"s + revision + "\0"s;
-  };
   const std::string ends = "\nEND\nEND\nEND";
   const std::string exe = "UPDATE|$AppPath\\Ledger.exe" + url;
   const std::string old = header + "VERSION|=|2\n";
@@ -60,9 +62,9 @@ TEST(Check, TellsWhatIsWrong) {
       {"1.0.3|HTTPS://u:99999/x" + ends, {"E1 at most 32767"}},
       {"1.0.3|HTTP://localhost.u/x" + ends, {"W1 plain http"}},
       {"1.0.3|http://127.0.0.1:80/x" + ends, {}},
-      {header + ends, {"W1 will not get it"}, {"", record("\4")}},
-      {header + ends, {"E1 again and again"}, {"", record("\2")}},
-      {header + ends, {}, {"", record("\3")}},
+      {header + ends, {"W1 will not get it"}, {"", Updater("\4")}},
+      {header + ends, {"E1 again and again"}, {"", Updater("\2")}},
+      {header + ends, {}, {"", Updater("\3")}},
 
       {Block("NAME||"), {"E5 no name"}},
       {Block("VERSION|=<|2"), {"E5 no comparator"}},
@@ -186,6 +188,7 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
 
 class Making : public Test {
  protected:
+  const std::string component = "it exports DllRegisterServer";
   Sandbox sandbox;
   Order order = {.oldFolder = sandbox.Folder("old"),
                  .newFolder = sandbox.Folder("new"),
@@ -196,39 +199,82 @@ class Making : public Test {
                  .name = "",
                  .updaterUrl = "https://u/k",
                  .updaterVersion = "1.0.3",
+                 .excluded = {},
                  .wishes = {}};
 };
 
 TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
-  sandbox.Fill({{"old/app.exe", "1"}, {"old/same", "="}, {"old/gone.dll", "1"}, {"old/ini", "1"}});
-  sandbox.Fill({{"new/App.exe", "2"}, {"new/same", "="}, {"new/d e/f", "2"}, {"new/ini", "2"}});
+  sandbox.Fill({{"old/app.exe", "1"}, {"old/same.exe", "="}, {"old/gone.dll", component}});
+  sandbox.Fill({{"new/App.exe", "2"}, {"new/same.exe", "="}, {"new/d e/f", component}});
+  sandbox.Fill({{"old/ini", "1"}, {"new/ini", "2"}, {"old/mine", "1"}, {"new/d e/yours", "2"}});
+  sandbox.Fill({{"new/a.log", "1"}, {"old/LOGS/x|", "2"}, {"old/c/same", "2"}});
   std::filesystem::rename(order.newFolder / "d e/f", order.newFolder / "d e" / u8"ñ#.ocx");
-  sandbox.Write("new/KESTRANE.exe", "the updater is no file of the application");
-  sandbox.Write("site/update.txt",
-                "# kept\r\n1.0.2|x\nNAME|Old\nVERSION|=|0.9.0\n# kept\nSLEEP|1\nEND\n"
-                "VERSION|=|1.0.0\nSLEEP|1\nEND\n# kept\nVERSION|<|2.0.0\nSLEEP|1\nEND\n");
+  sandbox.Write("new/Kestrane.exe", Updater("\2"));
+  sandbox.Fill({{"site/1.0.0/a b", "named"}, {"site/1.0.0/left", "over"}});
+  sandbox.Write(
+      "site/update.txt",
+      "# kept\r\n1.0.2|x\nNAME|Old\nVERSION|=|0.9.0\n# kept\nADD|x|https://u/l/1.0.0/a%20b\n"
+      "END\nVERSION|=|1.0.0\nSLEEP|1\nEND\nVERSION|<|1.0.0\nSLEEP|1\nEND\n"
+      "# kept\nVERSION|<|2.0.0\nSLEEP|1\nEND\n");
   order.name = "Ledger";
   order.coversOlder = true;
-  order.wishes = {"", {"INI"}, {"gone.dll", "D E\\\xF1#.ocx"}, {"SLEEP|5"}};
-  EXPECT_EQ(Make(order), Texts{});
+  order.excluded = {"*.LOG", "logs\\*", "?/same"};
+  order.wishes = {.url = "",
+                  .backups = {"INI"},
+                  .kept = {"MINE", "d e\\yours"},
+                  .components = {"gone.dll", "D E\\\xF1#.ocx"},
+                  .programs = {"Tray.exe"},
+                  .firstLines = {"SLEEP|4"},
+                  .lastLines = {"SLEEP|5"}};
+  const Made made = Make(order);
+  EXPECT_EQ(made.problems, Texts{});
+  EXPECT_THAT(made.notes,
+              ElementsAre(HasSubstr("again and again"), HasSubstr("below 1.0.0 is gone"),
+                          HasSubstr("no valid version"), HasSubstr("names 1.0.0/left any more")));
   const std::string ocx = "ADD|$AppPath\\d e\\\xF1#.ocx|https://u/l/2.0.0/d%20e/%C3%B1%23.ocx\n";
   const std::string ini = "ADD|$AppPath\\ini|https://u/l/2.0.0/ini\n";
+  const std::string yours =
+      "UPDATE|$AppPath\\d e\\yours.default|https://u/l/2.0.0/d%20e/yours\n"
+      "EXECUTE|$WinSysPath\\cmd.exe /c if not exist \"$AppPath\\d e\\yours\" move "
+      "\"$AppPath\\d e\\yours.default\" \"$AppPath\\d e\\yours\"|WAIT|HIDE\n"
+      "DELETE|$AppPath\\d e\\yours.default\n";
+  const std::string kills = "SLEEP|4\nKILL|app.exe\nKILL|same.exe\nKILL|tray.exe\n";
   const std::string rest = "REGISTER|$AppPath\\d e\\\xF1#.ocx\nSLEEP|5\nEND\n";
   EXPECT_EQ(sandbox.Read("site/update.txt"),
-            "# kept\n1.0.3|https://u/k\nNAME|Ledger\nVERSION|=|0.9.0\n# kept\nSLEEP|1\nEND\n"
-            "VERSION|=|1.0.0\nKILL|app.exe\nUNREGISTER|$AppPath\\gone.dll\n"
-            "UPDATE|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" +
-                ini + ocx + "DELETE|$AppPath\\gone.dll\n" + rest +
-                "# kept\nVERSION|<|2.0.0\nKILL|app.exe\n"
-                "ADD|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" +
-                ocx + ini + "ADD|$AppPath\\same|https://u/l/2.0.0/same\n" + rest);
-  EXPECT_EQ(ReadFile(order.site / "2.0.0/d e" / u8"ñ#.ocx"), "2");
-  EXPECT_EQ(FindingsOf(sandbox.Read("site/update.txt"), {order.to, ""}), Texts{});
+            "# kept\n1.0.3|https://u/k\nNAME|Ledger\nVERSION|=|0.9.0\n# kept\n"
+            "ADD|x|https://u/l/1.0.0/a%20b\nEND\n"
+            "VERSION|=|1.0.0\n" +
+                kills +
+                "UNREGISTER|$AppPath\\gone.dll\n"
+                "UPDATE|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" +
+                ini + yours + ocx + "DELETE|$AppPath\\gone.dll\n" + rest +
+                "# kept\nVERSION|<|2.0.0\n" + kills +
+                "ADD|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" + yours + ocx + ini +
+                "ADD|$AppPath\\same.exe|https://u/l/2.0.0/same.exe\n" + rest);
+  EXPECT_EQ(ReadFile(order.site / "2.0.0/d e" / u8"ñ#.ocx"), component);
+  EXPECT_EQ(FindingsOf(sandbox.Read("site/update.txt"), {order.to, ""}),
+            Texts{"W6 The path begins with no macro and no drive, so that it depends on the folder "
+                  "in which the updater was started."});
+
+  // What is published stays as it is.
+  EXPECT_EQ(Make(order).problems, Texts{});
+  sandbox.Write("new/ini", "3");
+  EXPECT_THAT(Make(order).problems, ElementsAre(HasSubstr("content already for 2.0.0/ini, which")));
+  EXPECT_EQ(sandbox.Read("site/2.0.0/ini"), "2");
+  order.force = true;
+  EXPECT_EQ(Make(order).problems, Texts{});
+  EXPECT_EQ(sandbox.Read("site/2.0.0/ini"), "3");
 
   order.from = "2.0.0";
   order.to = "3.0.0";
   order.coversOlder = false;
-  EXPECT_EQ(Make(order), Texts{});
+  const std::string before = sandbox.Read("site/update.txt");
+  order.isTrial = true;
+  EXPECT_THAT(Make(order).block, Contains("VERSION|=|2.0.0"));
+  EXPECT_EQ(sandbox.Read("site/update.txt"), before);
+  EXPECT_FALSE(sandbox.Has("site/3.0.0"));
+  order.isTrial = false;
+  EXPECT_EQ(Make(order).problems, Texts{});
   const Script ladder = CutWithNumbers(sandbox.Read("site/update.txt"));
   for (const char* installed : {"0.9.0", "1.0.0", "1.5.0", "2.0.0"}) {
     EXPECT_FALSE(Read(ladder, {modPrincipal::VersionToNumber(installed)}).actions.empty())
@@ -244,7 +290,17 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
     std::map<std::string, std::string> files;
     std::function<void(Order&)> change = [](Order&) {};
   } cases[] = {
-      {"no version", {}, [](Order& o) { o.from = "x"; }},
+      {"no version such as", {}, [](Order& o) { o.from = "x"; }},
+      {"more than three parts", {}, [](Order& o) { o.to = "2.0.0.0"; }},
+      {"needless 0", {}, [](Order& o) { o.to = "02.0.0"; }},
+      {"lie one in the other", {}, [](Order& o) { o.site = o.newFolder / "site"; }},
+      {"no updater for Windows", {{"new/Kestrane.exe", "ELF"}}},
+      {"a is no component", {}, [](Order& o) { o.wishes.components = {"a"}; }},
+      {"would replace the %", {{"new/%a", "x"}}, [](Order& o) { o.wishes.kept = {"%a"}; }},
+      {"write over a.default", {{"new/a.default", "x"}}, [](Order& o) { o.wishes.kept = {"a"}; }},
+      {"accent that is a character of its own",
+       {},
+       [](Order& o) { std::ofstream(o.newFolder / u8"e\u0301") << "x"; }},
       {"does not come after", {}, [](Order& o) { o.to = "0.9.0"; }},
       {"folders are alike", {{"new/a", "1"}}},
       {"new files are empty", {{"new/a", ""}}},
@@ -267,7 +323,7 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
     sandbox.Fill(files);
     Order changed = order;
     change(changed);
-    EXPECT_THAT(Make(changed), ElementsAre(HasSubstr(problem)));
+    EXPECT_THAT(Make(changed).problems, ElementsAre(HasSubstr(problem)));
     EXPECT_FALSE(sandbox.Has("site"));
   }
 }
