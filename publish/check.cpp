@@ -21,6 +21,11 @@ Findings CheckText(const Script& script) {
                "save it as Windows-1252 (\"ANSI\")."}};
     }
   }
+  if (script.text.find('\r') != std::string::npos && script.text.find('\n') == std::string::npos) {
+    return {{Severity::Error, 1,
+             "The lines end with carriage returns alone, which the updater drops, so that it reads "
+             "one long line: save the text with the line ends of Windows."}};
+  }
   if (script.lines.size() < modPrincipal::LeastLines) {
     return {{Severity::Error, 0,
              "The script needs at least four lines beside comments and blank ones, but has " +

@@ -57,9 +57,10 @@ TEST(Check, TellsWhatIsWrong) {
   } cases[] = {
       {"\xEF\xBB\xBF" + header + "END\nEND", {"E1 byte-order mark"}},
       {header + "#\n\nEND", {"E0 but has 3"}},
-      {"1.0.3|https://u|" + ends, {"E1 exactly two fields"}},
+      {"1.0.3|x\rNAME|x\rEND\rEND\r", {"E1 save the text with the line ends"}},
+      {"1.0.3|https://u/x|" + ends, {"E1 exactly two fields"}},
       {"1.0.3|ftp://u/x" + ends, {"E1 no URL that the updater can use"}},
-      {"1.0.3|HTTPS://u:99999/x" + ends, {"E1 at most 32767"}},
+      {"1.0.3|HTTPS://u:99999/x" + ends, {"E1 to 32767"}},
       {"1.0.3|HTTP://localhost.u/x" + ends, {"W1 plain http"}},
       {"1.0.3|http://127.0.0.1:80/x" + ends, {}},
       {header + ends, {"W1 will not get it"}, {"", Updater("\4")}},
@@ -68,7 +69,7 @@ TEST(Check, TellsWhatIsWrong) {
 
       {Block("NAME||"), {"E5 no name"}},
       {Block("VERSION|=<|2"), {"E5 no comparator"}},
-      {Block("VERSION|=|2.x"), {"E5 no version such as"}},
+      {Block("VERSION|=|2.x"), {"E5 at most three digits each"}},
       {Block("EXECUTE|x|WAIT"), {"E5 needs 4 fields, EXECUTE|command|WAIT|window, but has 3"}},
       {Block("ADD |$AppPath\\a" + url), {"E5 spaces around the command ADD"}},
       {Block(" \t\nSLEEP|1"), {"E5 nothing but blanks"}},
@@ -101,25 +102,57 @@ TEST(Check, TellsWhatIsWrong) {
       {Block("KILL|le.exe"), {"W5 the name is short"}},
       {Block("KILL| ledger.exe"), {"W5 ends nothing"}},
       {Block("KILL|"), {"W5 ends nothing"}},
+      {Block("MSG|B now|x|NOTHING"), {"W5 into 4 fields, but MSG takes 3: MSG|text|icon"}},
+      {Block("MSG|B now|NOTHING||"), {}},
+      {Block("VERSION|=|02.1.0"), {"E5 needless 0"}},
+      {Block("VERSION|=|0.1.0.4"), {"W5 more than three parts"}},
+      {Block("SLEEP|1\n"), {"W5 something may be cut off"}},
+
+      {Block("ADD|$AppPath\\a/b" + url), {"E5 at backslashes only"}},
+      {Block("DELETE|$AppPath\\a/b"), {"W5 wants a backslash"}},
+      {Block("ADD|$AppPath\\a:b.dll" + url), {"E5 may have"}},
+      {Block("ADD|$AppPath\\..\\b.\\c" + url), {}},
+      {Block("ADD|$AppPath\\b.\\c" + url), {"W5 full stop"}},
+      {Block("DELETE|C:\\" + std::string(251, 'a')), {}},
+      {Block("DELETE|C:\\" + std::string(252, 'a')), {"E5 too long"}},
+      {Block("DELETE|$WinPath\\" + std::string(174, 'a')), {}},
+      {Block("DELETE|$WinPath\\" + std::string(175, 'a')), {"W5 at most 79 characters"}},
+      {Block("DELETE|$AppPath\\*.EXE"), {"E5 deletes the updater too", "W5 every file that fits"}},
+      {Block("REGISTER|$AppPath\\a\nADD|$AppPath\\A" + url), {"E5 before line 6 puts"}},
+      {Block("ADD|$AppPath\\a" + url + "\nDELETE|$AppPath\\A"), {"E6 that line 5 puts"}},
+      {Block("ADD|$AppPath\\a" + url + "\nEXECUTE|x|WAIT|MAX\nDELETE|$AppPath\\a"), {}},
+      {Block("ADD|$AppPath\\a" + url + "\nDELETE|$AppPath\\?"),
+       {"E6 that line 5 puts", "W6 every file that fits"}},
+      {Block("ADD|$AppPath\\a|https://u/a\\b"), {"E5 has a backslash"}},
+      {Block("ADD|$AppPath\\a|https://u/a#b"), {"E5 write %23"}},
+      {Block("ADD|$AppPath\\a|https://u/5%/%41"), {"W5 write %25"}},
+      {Block("ADD|$AppPath\\a|https://u:0/a"), {"E5 from 1 to 32767"}},
+      {Block("ADD|$AppPath\\a|https://u/a/"), {"E5 that of a folder"}},
+      {Block("ADD|$AppPath\\a|https://u"), {"E5 that of a folder"}},
+      {Block("ADD|$AppPath\\a|https://u/a?b=/"), {}},
+      {Block("ADD|$AppPath\\a|https://u/a "), {"E5 take them away"}},
 
       {Block("END\nVERSION|<|2\nSLEEP|1\nSLEEP|2\nEND"), {"W7 No installed version"}},
-      {Block("X\nSLEEP|1\nVERSION|<|3\nSLEEP|1"), {"E5 is no command"}},
+      {Block("X\nSLEEP|1\nVERSION|<|3\nSLEEP|1"), {"E5 is no command", "W3 to that of line 7"}},
       {header + "VERSION|>=|2\n!SLEEP|1", {}},
       {header + "VERSION|<=|2\nSLEEP|1", {"W3 holds for 2 itself"}},
       {header + "VERSION|<=|2\nSLEEP|1", {}, {"2.0.1", ""}},
-      {Block(""), {"E3 newest release"}, {"2.9.9", ""}},
+      {Block("END\n"), {"E3 newest release"}, {"2.9.9", ""}},
       {old + "ADD|$AppPath\\a" + url + "\nVERSION|<|3\nUPDATE|$AppPath\\A" + url,
-       {"E6 that of line 4"}},
+       {"E6 that of line 4", "W3 to that of line 5"}},
       {old + "ADD|$AppPath\\a" + url + "\nEND\nVERSION|<|3\nUPDATE|$AppPath\\A" + url, {}},
       {old + "KILL|Ledger.EXE\n" + exe, {}},
       {old + exe + "\n!KILL|ledger.exe", {}},
       {old + "ADD|$AppPath\\Kestrane.exe" + url, {"E4 cannot replace itself"}},
   };
-  for (const auto& [script, expected, knowledge] : cases) {
+  for (const auto& [text, expected, knowledge] : cases) {
+    const bool isOpen = text.find("VERSION") != std::string::npos && !text.ends_with('\n');
+    const std::string script = text + (isOpen ? "\nEND" : "");
     std::vector<Matcher<std::string>> matchers;
-    for (const auto& text : expected) {
-      const auto blank = text.find(' ') + 1;
-      matchers.push_back(AllOf(StartsWith(text.substr(0, blank)), HasSubstr(text.substr(blank))));
+    for (const auto& finding : expected) {
+      const auto blank = finding.find(' ') + 1;
+      matchers.push_back(
+          AllOf(StartsWith(finding.substr(0, blank)), HasSubstr(finding.substr(blank))));
     }
     EXPECT_THAT(FindingsOf(script, knowledge), ElementsAreArray(matchers)) << script;
   }
