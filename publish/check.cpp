@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "publish/reading.h"
+#include "publish/site.h"
 #include "publish/versions.h"
 #include "script/version.h"
 
@@ -72,6 +73,7 @@ Findings Check(const Script& script, const Knowledge& knowledge) {
   CheckLines(script, findings);
   if (Verdict(script).empty()) CheckFlow(script, knowledge.newest, findings);
   CheckHeaderVersion(script, knowledge.updater, findings);
+  if (!knowledge.site.empty()) CheckSite(script, Site(knowledge.site, script), findings);
   Sort(findings);
   return findings;
 }

@@ -7,7 +7,6 @@
 
 #include "base/decimal.h"
 #include "base/text.h"
-#include "publish/pattern.h"
 #include "publish/source.h"
 #include "publish/versions.h"
 #include "script/version.h"
@@ -435,9 +434,7 @@ Remark NameThatEndsWithADot(const Line& /*line*/, const Argument& argument,
 
 Remark DeletionOfTheUpdater(const Line& /*line*/, const Argument& argument,
                             const std::string& path) {
-  if (argument.kind != Kind::Files) return {};
-  const std::string lowerPath = LowerCase(path);
-  if (!Fits("$apppath\\kestrane.exe", lowerPath)) return {};
+  if (argument.kind != Kind::Files || !DeletesUpdater(LowerCase(path))) return {};
   return {Severity::Error,
           "This deletes the updater too, which runs and cannot be deleted: the update ends with a "
           "failure."};

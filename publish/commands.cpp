@@ -19,12 +19,7 @@ constexpr int Failed = 2;
 std::optional<Script> Load(const std::string& fileOrUrl, bool asJson) {
   auto text = Fetch(fileOrUrl);
   if (text) return CutWithNumbers(std::move(*text));
-  ReportProblems(
-      {fileOrUrl + " cannot be read" +
-       (IsUrl(fileOrUrl) ? ": the updater gets no answer with status 200 there, or over https no "
-                           "certificate that it trusts."
-                         : ".")},
-      asJson);
+  ReportProblems({fileOrUrl + " " + WhyUnreadable(fileOrUrl) + "."}, asJson);
   return std::nullopt;
 }
 
@@ -42,10 +37,17 @@ std::filesystem::path UpdaterAtHand(const std::filesystem::path& scriptFile, con
   return {};
 }
 
+/// The folder of a script that is a file.
+std::filesystem::path SiteOf(const std::string& name) {
+  if (IsUrl(name)) return {};
+  const auto folder = PathOf(name).parent_path();
+  return folder.empty() ? "." : folder;
+}
+
 Findings CheckAsPublished(const std::string& name, const Script& script, const std::string& newest,
                           std::filesystem::path updater) {
   if (updater.empty() && !IsUrl(name)) updater = UpdaterAtHand(PathOf(name), script);
-  return Check(script, {newest, ReadFile(updater).value_or("")});
+  return Check(script, {newest, ReadFile(updater).value_or(""), SiteOf(name)});
 }
 
 }  // namespace
@@ -72,12 +74,13 @@ int RunSimulate(const SimulateOptions& options) {
     outcomes.push_back(Simulate(*script, installed, options.probe));
   }
   if (options.all) outcomes = SimulateAll(*script, options.probe);
+  if (!options.site.empty())
+    CompareWithSite(*script, Site(PathOf(options.site), *script), outcomes);
   const Offer offer = SimulateOffer(*script, options.probe);
-  ReportOutcomes(*script, offer, outcomes, options.probe, options.asJson);
-  const bool isRefused = std::any_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) {
-    return !outcome.reading.failure.empty();
-  });
-  return isRefused || !offer.failure.empty() ? Failed : 0;
+  const Form form = options.asJson ? Form::Json : options.inShort ? Form::Summary : Form::Text;
+  ReportOutcomes(*script, offer, outcomes, options.probe, form);
+  const bool goesWrong = std::any_of(outcomes.begin(), outcomes.end(), GoesWrong);
+  return goesWrong || !offer.failure.empty() ? Failed : 0;
 }
 
 int RunMake(const Order& order, bool asJson) {
@@ -88,7 +91,8 @@ int RunMake(const Order& order, bool asJson) {
   }
   const std::string name = Utf8Of(order.site / ScriptName);
   const Script script = CutWithNumbers(made.script);
-  const Findings findings = CheckAsPublished(name, script, order.to, {});
+  const Findings findings =
+      order.isTrial ? Check(script, {order.to, ""}) : CheckAsPublished(name, script, order.to, {});
   ReportMade(order, made, {name, Verdict(script), findings}, asJson);
   return StatusOf(findings);
 }

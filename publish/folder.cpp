@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "publish/pattern.h"
+#include "publish/progress.h"
 #include "publish/source.h"
 #include "script/commands.h"
 
@@ -122,7 +123,10 @@ bool HaveSameContent(const fs::path& a, const fs::path& b) {
 
 Difference Compare(const Folder& oldFolder, const Folder& newFolder) {
   Difference difference;
+  std::size_t compared = 0;
+  StartProgress("Comparing files", newFolder.size());
   for (const auto& [key, file] : newFolder) {
+    ShowProgress(++compared);
     const auto old = oldFolder.find(key);
     if (old == oldFolder.end()) {
       difference.added.push_back(file);
@@ -132,6 +136,7 @@ Difference Compare(const Folder& oldFolder, const Folder& newFolder) {
       difference.present.push_back(file);
     }
   }
+  EndProgress();
   for (const auto& [key, file] : oldFolder) {
     if (!newFolder.contains(key)) difference.removed.push_back(file);
   }

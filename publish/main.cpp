@@ -45,11 +45,16 @@ Execution DefineSimulate(CLI::App& command) {
   which->add_option("--installed", options->installed, "Installed versions");
   which->add_flag("--matrix", options->all, "Every version that the script tells apart");
   which->require_option(1);
-  command.add_flag("--probe", options->probe,
-                   "Ask the server for every file, with two HEAD requests each");
+  auto* const probe = command.add_flag(
+      "--probe", options->probe, "Ask the server for every file, with two HEAD requests each");
+  command
+      .add_option("--site", options->site,
+                  "Upload folder, with whose files the sizes on the server are compared")
+      ->needs(probe);
+  command.add_flag("--summary", options->inShort, "Two lines for each installation");
   command.add_flag("--json", options->asJson, JsonHelp);
   command.footer(
-      "Nothing is downloaded or carried out. Exit status: 0, or 2 where a script is refused.\n\n"
+      "Nothing is downloaded or carried out. Exit status: 0, or 2 where an update fails.\n\n"
       "Examples:\n"
       "  kestrane-publish simulate site/update.txt --installed 2.7.1 3.1.0\n"
       "  kestrane-publish simulate https://updates.example/ledger/update.txt --matrix --probe");

@@ -11,6 +11,7 @@
 #include "publish/script_text.h"
 #include "publish/source.h"
 #include "publish/versions.h"
+#include "publish/words.h"
 #include "script/version.h"
 
 namespace publish {

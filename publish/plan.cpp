@@ -9,6 +9,7 @@
 #include "publish/source.h"
 #include "publish/urls.h"
 #include "publish/versions.h"
+#include "publish/words.h"
 #include "script/version.h"
 
 namespace publish {
@@ -174,15 +175,6 @@ std::vector<std::string> Unnamed(const Plan& plan) {
   }
   std::sort(unnamed.begin(), unnamed.end());
   return unnamed;
-}
-
-std::string Some(const std::vector<std::string>& names) {
-  constexpr std::size_t Most = 5;
-  const std::size_t shown = std::min(names.size(), Most);
-  std::string text;
-  for (std::size_t i = 0; i < shown; ++i) text += (i == 0 ? "" : ", ") + names[i];
-  const std::size_t more = names.size() - shown;
-  return text + (more > 0 ? " and " + std::to_string(more) + " more" : "");
 }
 
 }  // namespace publish

@@ -41,7 +41,4 @@ void CheckUploads(const Plan& plan, Problems& problems);
 /// Files of the upload folder that no line of the script names, by their names below it.
 [[nodiscard]] std::vector<std::string> Unnamed(const Plan& plan);
 
-/// Some names of many, as a sentence has them.
-[[nodiscard]] std::string Some(const std::vector<std::string>& names);
-
 }  // namespace publish

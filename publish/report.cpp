@@ -1,7 +1,9 @@
 #include "publish/report.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "base/arrays.h"
@@ -9,6 +11,7 @@
 #include "platform/console.h"
 #include "publish/source.h"
 #include "publish/versions.h"
+#include "publish/words.h"
 #include "run/messages.h"
 
 namespace publish {
@@ -25,7 +28,9 @@ constexpr SeverityLook Looks[] = {{"error", "\033[31m"}, {"warning", "\033[33m"}
 const SeverityLook& LookOf(Severity severity) { return Looks[static_cast<std::size_t>(severity)]; }
 
 std::string Coloured(const std::string& text, const char* colour) {
-  static const bool inColour = platform::console::IsTerminal(platform::console::Stream::Output);
+  static const char* const unwanted = std::getenv("NO_COLOR");
+  static const bool inColour = platform::console::IsTerminal(platform::console::Stream::Output) &&
+                               (unwanted == nullptr || *unwanted == '\0');
   return inColour ? colour + text + "\033[0m" : text;
 }
 
@@ -33,12 +38,6 @@ std::size_t Count(const Findings& findings, Severity severity) {
   return static_cast<std::size_t>(
       std::count_if(findings.begin(), findings.end(),
                     [&](const Finding& finding) { return finding.severity == severity; }));
-}
-
-std::string Number(std::uint64_t number, const char* unit) {
-  std::string digits = std::to_string(number);
-  for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, ",");
-  return digits + " " + unit + (number == 1 ? "" : "s");
 }
 
 Json AsJson(const Finding& finding) {
@@ -68,18 +67,47 @@ Json AsJson(const Order& order, const Made& made) {
 
 void Print(const Json& json) { std::cout << json.dump(2) << "\n"; }
 
-void PrintExamination(const Examination& examination) {
-  const auto& [scriptName, verdict, findings] = examination;
-  for (const auto& [severity, line, text] : findings) {
-    const auto& look = LookOf(severity);
-    std::cout << Coloured(look.word, look.colour) << ": "
-              << (line > 0 ? "line " + std::to_string(line) + ": " : "")
-              << modFunciones::ToUtf8(text) << "\n";
+/// A finding, with the other lines that it was found in.
+struct Group {
+  const Finding* first;
+  std::vector<std::string> others;
+};
+
+std::vector<Group> Grouped(const Findings& findings) {
+  std::vector<Group> groups;
+  std::map<std::pair<Severity, std::string_view>, std::size_t> known;
+  for (const auto& finding : findings) {
+    const auto [at, isNew] =
+        known.insert({{finding.severity, std::string_view(finding.text)}, groups.size()});
+    if (isNew) {
+      groups.push_back({&finding, {}});
+    } else {
+      groups[at->second].others.push_back(std::to_string(finding.line));
+    }
   }
+  return groups;
+}
+
+void PrintExamination(const Examination& examination) {
+  constexpr std::size_t Most = 100;
+  const auto& [scriptName, verdict, findings] = examination;
+  const auto groups = Grouped(findings);
+  for (std::size_t i = 0; i < std::min(groups.size(), Most); ++i) {
+    const auto& [severity, line, text] = *groups[i].first;
+    const auto& look = LookOf(severity);
+    const auto& others = groups[i].others;
+    std::cout << scriptName << ":" << (line > 0 ? std::to_string(line) + ":" : "") << " "
+              << Coloured(look.word, look.colour) << ": " << modFunciones::ToUtf8(text);
+    if (!others.empty()) {
+      std::cout << " (also in line" << (others.size() > 1 ? "s " : " ") << Some(others) << ")";
+    }
+    std::cout << "\n";
+  }
+  if (groups.size() > Most) std::cout << "and " << groups.size() - Most << " more findings\n";
   std::cout << scriptName << ": " << Number(Count(findings, Severity::Error), "error") << ", "
             << Number(Count(findings, Severity::Warning), "warning") << "; the updater "
-            << (verdict.empty() ? "understands it" : "refuses it: " + modFunciones::ToUtf8(verdict))
-            << "\n";
+            << (verdict.empty() ? "understands it" : "refuses it, and says:") << "\n";
+  if (!verdict.empty()) std::cout << "  " << modFunciones::ToUtf8(verdict) << "\n";
 }
 
 void PrintMade(const Order& order, const Made& made) {
@@ -108,6 +136,15 @@ std::string InstalledText(const Outcome& outcome) {
   return outcome.first + " to " + outcome.last;
 }
 
+/// What is said of actions that are not done, by their fate.
+constexpr struct {
+  const char* key;
+  const char* text;
+} FateWords[] = {{"", ""},
+                 {"missing", "not available"},
+                 {"fails", "fails"},
+                 {"notStarted", "not started: neither WAIT nor NOWAIT"}};
+
 /// The marker stands apart, so that the command word is always found in the same place.
 Json AsJson(const TakenAction& action, const Script& script, bool probed) {
   const Fields& line = script.lines[action.line];
@@ -120,7 +157,8 @@ Json AsJson(const TakenAction& action, const Script& script, bool probed) {
                {"command", modFunciones::ToUtf8(modPrincipal::CommandWord(line))},
                {"arguments", arguments}};
   if (probed) json["bytes"] = action.size;
-  if (action.missing) json["missing"] = true;
+  if (action.published) json["bytesInTheUploadFolder"] = *action.published;
+  if (action.fate != Fate::Done) json[FateWords[static_cast<std::size_t>(action.fate)].key] = true;
   return json;
 }
 
@@ -155,9 +193,15 @@ void PrintAction(const TakenAction& action, const Script& script, bool probed) {
   Fields shown = script.lines[action.line];
   shown[0] = modPrincipal::CommandWord(shown);
   std::cout << modFunciones::ToUtf8(modFunciones::Join(shown, "  "));
-  if (probed && action.size > 0)
+  const bool isFile = action.command->effect == modPrincipal::Effect::Download;
+  if (action.fate != Fate::Done) {
+    std::cout << "  (" << FateWords[static_cast<std::size_t>(action.fate)].text << ")";
+  } else if (probed && isFile) {
     std::cout << "  (" << Number(static_cast<std::uint64_t>(action.size), "byte") << ")";
-  if (action.missing) std::cout << "  (not available)";
+  }
+  if (action.published) {
+    std::cout << "  (but " << Number(*action.published, "byte") << " in the upload folder)";
+  }
   std::cout << "\n";
 }
 
@@ -176,7 +220,8 @@ void PrintOffer(const Offer& offer, bool probed) {
 void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   std::cout << Coloured("Installed: " + modFunciones::ToUtf8(InstalledText(outcome)), "\033[1m")
             << "\n";
-  const bool isUpdate = outcome.finalScreen == modPrincipal::Success;
+  const bool isUpdate =
+      outcome.reading.failure.empty() && outcome.finalScreen != modPrincipal::NothingToDo;
   if (isUpdate)
     std::cout << "  in the window: " << modFunciones::ToUtf8(outcome.reading.name) << "\n";
   for (const auto& action : outcome.reading.actions) {
@@ -185,6 +230,13 @@ void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   if (probed && isUpdate)
     std::cout << "  in all " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte") << "\n";
   std::cout << "  final screen: " << modFunciones::ToUtf8(outcome.finalScreen) << "\n\n";
+}
+
+void PrintInShort(const Outcome& outcome, bool probed) {
+  std::cout << modFunciones::ToUtf8(InstalledText(outcome)) << ": "
+            << Number(outcome.reading.actions.size(), "action");
+  if (probed) std::cout << ", " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte");
+  std::cout << "\n  " << modFunciones::ToUtf8(outcome.finalScreen) << "\n";
 }
 
 }  // namespace
@@ -213,8 +265,8 @@ void ReportMade(const Order& order, const Made& made, const Examination& examina
 }
 
 void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,
-                    bool probed, bool asJson) {
-  if (asJson) {
+                    bool probed, Form form) {
+  if (form == Form::Json) {
     Json json = {{"updater", AsJson(offer, probed)}, {"installed", Json::array()}};
     for (const auto& outcome : outcomes) {
       json["installed"].push_back(AsJson(script, outcome, probed));
@@ -222,7 +274,13 @@ void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<
     return Print(json);
   }
   PrintOffer(offer, probed);
-  for (const auto& outcome : outcomes) PrintOutcome(script, outcome, probed);
+  for (const auto& outcome : outcomes) {
+    if (form == Form::Summary) {
+      PrintInShort(outcome, probed);
+    } else {
+      PrintOutcome(script, outcome, probed);
+    }
+  }
 }
 
 int StatusOf(const Findings& findings) {

@@ -25,9 +25,11 @@ void ReportProblems(const std::vector<std::string>& problems, bool asJson);
 
 void ReportMade(const Order& order, const Made& made, const Examination& examination, bool asJson);
 
+enum class Form { Text, Summary, Json };
+
 /// probed: sizes are known.
 void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,
-                    bool probed, bool asJson);
+                    bool probed, Form form);
 
 /// The exit status for findings: 0 without any, 1 for warnings, 2 for errors.
 [[nodiscard]] int StatusOf(const Findings& findings);

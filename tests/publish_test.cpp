@@ -4,8 +4,10 @@
 
 #include <random>
 
+#include "base/replace.h"
 #include "base/text.h"
 #include "publish/check.h"
+#include "publish/commands.h"
 #include "publish/make.h"
 #include "publish/reading.h"
 #include "publish/simulate.h"
@@ -113,6 +115,7 @@ TEST(Check, TellsWhatIsWrong) {
       {Block("ADD|$AppPath\\a:b.dll" + url), {"E5 may have"}},
       {Block("ADD|$AppPath\\..\\b.\\c" + url), {}},
       {Block("ADD|$AppPath\\b.\\c" + url), {"W5 full stop"}},
+      {Block("DELETE|\\\\pc\\share\\a"), {}},
       {Block("DELETE|C:\\" + std::string(251, 'a')), {}},
       {Block("DELETE|C:\\" + std::string(252, 'a')), {"E5 too long"}},
       {Block("DELETE|$WinPath\\" + std::string(174, 'a')), {}},
@@ -194,9 +197,11 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
   Texts met;  // by each range: lines, "!" when immediate, with their bytes; the final screen
   for (const auto& [first, last, reading, finalScreen, bytes] : SimulateAll(script, true)) {
     std::string actions;
-    for (const auto& [line, block, command, immediate, missing, size] : reading.actions) {
-      actions += " " + std::to_string(script.numbers[line]) +
-                 (immediate ? "!" : ":" + (missing ? "missing" : std::to_string(size)));
+    for (const auto& action : reading.actions) {
+      const char* const fates[] = {"", "missing", "fails", "idle"};
+      const std::string size = action.size > 0 ? std::to_string(action.size) : "";
+      actions += " " + std::to_string(script.numbers[action.line]) +
+                 (action.immediate ? "!" : ":") + size + fates[static_cast<int>(action.fate)];
     }
     met.push_back(first + "-" + last + actions + " " + std::to_string(bytes) + finalScreen);
   }
@@ -359,6 +364,148 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
     EXPECT_THAT(Make(changed).problems, ElementsAre(HasSubstr(problem)));
     EXPECT_FALSE(sandbox.Has("site"));
   }
+}
+
+/// What a command prints, and its exit status; the sandbox as "@".
+class Tool : public Making {
+ protected:
+  std::string Prints(const std::function<int()>& command) const {
+    internal::CaptureStdout();
+    internal::CaptureStderr();
+    const int status = command();
+    const std::string printed = internal::GetCapturedStdout() + internal::GetCapturedStderr();
+    return modFunciones::ReplaceAll(modFunciones::ReplaceAll(printed, "\r", ""),
+                                    Utf8Of(sandbox.Folder("")), "@") +
+           std::to_string(status);
+  }
+  std::string Checks(const std::string& file, bool asJson = false) const {
+    return Prints([&] { return RunCheck({file, "", "", asJson}); });
+  }
+  std::string Simulates(const std::string& script, SimulateOptions options) const {
+    sandbox.Write("site/s", script);
+    options.script = Utf8Of(sandbox.Folder("site/s"));
+    return Prints([&] { return RunSimulate(options); });
+  }
+};
+
+TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
+  sandbox.Write("s", Block("KILL|\n!NAME|x\nKILL|\nKILL|\nEND"));
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("s"))),
+            "@s:5: warning: KILL without a name ends nothing. (also in lines 7, 8)\n"
+            "@s:6: warning: The \"!\" has no effect on NAME.\n"
+            "@s: 0 errors, 4 warnings; the updater understands it\n1");
+  sandbox.Write("s", "1|x");
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("s"))),
+            "@s: error: The script needs at least four lines beside comments and blank ones, but "
+            "has 1.\n@s: 1 error, 0 warnings; the updater refuses it, and says:\n  " +
+                ToUtf8(modPrincipal::ScriptNotUnderstood) + "\n2");
+  sandbox.Write("s", Block("END\n"));
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("s"))),
+            "@s: 0 errors, 0 warnings; the updater understands it\n0");
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("none"))), "@none is not there.\n2");
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("")), true),
+            "{\n  \"problems\": [\n    \"@ is a folder.\"\n  ]\n}\n2");
+  std::optional<LoopbackServer> server(std::in_place);
+  const std::string gone = server->Url("/");
+  EXPECT_EQ(Checks(gone), gone + " is answered with status 404 instead of 200.\n2");
+  server.reset();
+  EXPECT_EQ(Checks(gone),
+            gone + " gives no answer: there is no such server, or none that listens.\n2");
+
+  // Against the upload folder beside it.
+  sandbox.Fill({{"site/1/a b", "x"}, {"site/1/empty", ""}});
+  sandbox.Write("site/s", Block("ADD|$AppPath\\a|https://u/l/1/a%20b\nADD|$AppPath\\b|https://u/x\n"
+                                "ADD|$AppPath\\c|https://u/l/1/gone\nADD|$AppPath\\d|https://u/l/1/"
+                                "empty\nEND"));
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("site/s"))),
+            "@site/s:7: error: The upload folder has no file for this URL, though it has others.\n"
+            "@site/s:8: warning: The file in the upload folder is empty.\n"
+            "@site/s: 1 error, 1 warning; the updater understands it\n2");
+}
+
+TEST_F(Tool, SimulatesTheFailuresThatAreKnownBeforehand) {
+  LoopbackServer server;
+  server.Serve("/l/a", {.body = "12345"});
+  server.Serve("/l/empty", {});
+  sandbox.Fill({{"site/a", "1234567"}, {"site/empty", ""}});
+  const std::string a = "|" + server.Url("/l/a");
+  const std::string empty = "|" + server.Url("/l/empty");
+  const std::string failure = ToUtf8(modPrincipal::WriteFailure) + "\n2";
+  const struct {
+    std::string lines;
+    Texts actions;  // as they are printed
+    std::string ending;
+    bool probe = false;  // with the upload folder
+  } cases[] = {
+      {"ADD|x" + a + "\nUPDATE|X" + a + "\nKILL|y",
+       {"5           ADD  x  " + a.substr(1),
+        "6           UPDATE  X  " + a.substr(1) + "  (fails)"},
+       failure},
+      {"KILL|y\nADD|x*" + a + "\n!KILL|x",
+       {"7  at once  KILL  x", "6           ADD  x*  " + a.substr(1) + "  (fails)"},
+       failure},
+      {"ADD|x|", {"5           ADD  x    (fails)"}, failure},
+      {"UPDATE|$AppPath\\kestrane.EXE" + a,
+       {"5           UPDATE  $AppPath\\kestrane.EXE  " + a.substr(1) + "  (fails)"},
+       failure},
+      {"DELETE|$AppPath\\*.exe\nKILL|y",
+       {"5           DELETE  $AppPath\\*.exe  (fails)", "6           KILL  y"},
+       ToUtf8(modPrincipal::DeleteFailure) + "\n2"},
+      {"EXECUTE|x|SOON|MAX",
+       {"5           EXECUTE  x  SOON  MAX  (not started: neither WAIT nor NOWAIT)"},
+       ToUtf8(modPrincipal::Success) + "\n0"},
+      {"KILL|y\nADD|x" + empty,
+       {"5           KILL  y", "6           ADD  x  " + empty.substr(1) + "  (fails)"},
+       failure,
+       true},
+      {"ADD|x" + a + "\nADD|y" + empty,
+       {"5           ADD  x  " + a.substr(1) + "  (5 bytes)  (but 7 bytes in the upload folder)",
+        "6           ADD  y  " + empty.substr(1) + "  (0 bytes)"},
+       ToUtf8(modPrincipal::Success) + "\n2",
+       true},
+  };
+  for (const auto& [lines, actions, ending, probe] : cases) {
+    SimulateOptions wanted;
+    wanted.probe = probe;
+    if (probe) wanted.site = Utf8Of(sandbox.Folder("site"));
+    wanted.installed = {" 2.7.1"};  // the blank is lost on the way to the program
+    const std::string printed =
+        Simulates("1.0.3|" + server.Url("/l/a") + "\nNAME|x\nVERSION|=|2.7.1\n#\n" + lines, wanted);
+    std::string expected = "  in the window: x\n";
+    for (const auto& action : actions) expected += "  line    " + action + "\n";
+    EXPECT_THAT(printed, HasSubstr(expected));
+    wanted.inShort = true;
+    EXPECT_THAT(Simulates("1.0.3|x\nNAME|x\nVERSION|=|2.7.1\n#\n" + lines, wanted),
+                HasSubstr("\n 2.7.1: " + std::to_string(actions.size()) + " action"));
+    const auto last = printed.rfind("final screen: ");
+    EXPECT_EQ(modFunciones::ReplaceAll(printed.substr(last + 14), "\n\n", "\n"), ending) << lines;
+  }
+}
+
+TEST_F(Tool, TellsWhatItMade) {
+  sandbox.Fill({{"old/gone.exe", "1"}, {"old/a", "1"}, {"new/a", "22"}, {"new/b", "4444"}});
+  sandbox.Write("new/Kestrane.exe", Updater("\3"));
+  order.url += "/";
+  order.updaterUrl = "";
+  sandbox.Write("site/2.0.0", "in the way");
+  EXPECT_EQ(Prints([&] { return RunMake(order, false); }),
+            "The upload folder cannot be written.\n2");
+  EXPECT_FALSE(sandbox.Has("site/update.txt"));
+  std::filesystem::remove(order.site / "2.0.0");
+  EXPECT_EQ(
+      Prints([&] { return RunMake(order, false); }),
+      "From 1.0.0 to 2.0.0: 1 file changed, 1 new, 1 gone. A user downloads 6 bytes.\n"
+      "A file with one changed byte is downloaded whole; the largest of these is b, 4 bytes.\n"
+      "Upload what is in @site: the folders first, update.txt last.\n"
+      "@site/update.txt: 0 errors, 0 warnings; the updater understands it\n0");
+  EXPECT_EQ(sandbox.Read("site/update.txt"),
+            "1.0.3|https://u/l/kestrane/1.0.3/Kestrane.exe\nVERSION|=|1.0.0\nKILL|gone.exe\n"
+            "UPDATE|$AppPath\\a|https://u/l/2.0.0/a\nADD|$AppPath\\b|https://u/l/2.0.0/b\n"
+            "DELETE|$AppPath\\gone.exe\nEND\n");
+  EXPECT_EQ(sandbox.Read("site/kestrane/1.0.3/Kestrane.exe"), Updater("\3"));
+  if (sandbox.Has("new/A")) return;  // names of files are told apart by letter case here
+  sandbox.Write("new/A", "x");
+  EXPECT_THAT(Make(order).problems, Contains(HasSubstr("in letter case only")));
 }
 
 TEST(Encoding, GoesBothWays) {
