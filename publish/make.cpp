@@ -111,10 +111,13 @@ void CheckScript(const Plan& plan, Problems& problems) {
   }
 }
 
+/// What is published already stays untouched where it is the same.
 bool Copy(const fs::path& file, const fs::path& target) {
+  if (HaveSameContent(file, target)) return true;
   std::error_code error;
   fs::create_directories(target.parent_path(), error);
-  return fs::copy_file(file, target, fs::copy_options::overwrite_existing, error);
+  fs::remove(target, error);  // copying over it fails with some libraries
+  return fs::copy_file(file, target, error);
 }
 
 bool CopyFiles(const Plan& plan) {

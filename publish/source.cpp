@@ -36,9 +36,10 @@ std::string StatusOf(const std::string& url) {
   const auto port = parts.empty() ? std::nullopt : modFunciones::PortNumber(parts[1]);
   if (!port) return "";
   std::int32_t length = modFunciones::TransferBlockSize;
-  return modFunciones::HttpHeadQuery(modFunciones::HTTP_QUERY_STATUS_CODE, parts[0], *port,
-                                     parts[2], length, "", "", "", modFunciones::UserAgentText,
-                                     modFunciones::PreconfiguredAccess, "", parts.size() > 3);
+  const std::string status = modFunciones::HttpHeadQuery(
+      modFunciones::HTTP_QUERY_STATUS_CODE, parts[0], *port, parts[2], length, "", "", "",
+      modFunciones::UserAgentText, modFunciones::PreconfiguredAccess, "", parts.size() > 3);
+  return status == "0" ? "" : status;  // what Windows says without one
 }
 
 }  // namespace

@@ -245,7 +245,7 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
   sandbox.Fill({{"old/app.exe", "1"}, {"old/same.exe", "="}, {"old/gone.dll", component}});
   sandbox.Fill({{"new/App.exe", "2"}, {"new/same.exe", "="}, {"new/d e/f", component}});
   sandbox.Fill({{"old/ini", "1"}, {"new/ini", "2"}, {"old/mine", "1"}, {"new/d e/yours", "2"}});
-  sandbox.Fill({{"new/a.log", "1"}, {"old/LOGS/x|", "2"}, {"old/c/same", "2"}});
+  sandbox.Fill({{"new/a.log", "1"}, {"old/LOGS/$AppPath", "2"}, {"old/c/same", "2"}});
   std::filesystem::rename(order.newFolder / "d e/f", order.newFolder / "d e" / u8"ñ#.ocx");
   sandbox.Write("new/Kestrane.exe", Updater("\2"));
   sandbox.Fill({{"site/1.0.0/a b", "named"}, {"site/1.0.0/left", "over"}});
