@@ -423,63 +423,43 @@ TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
             "@site/s: 1 error, 1 warning; the updater understands it\n2");
 }
 
-TEST_F(Tool, SimulatesTheFailuresThatAreKnownBeforehand) {
+TEST_F(Tool, TellsWhatGoesWrongInASimulation) {
   LoopbackServer server;
   server.Serve("/l/a", {.body = "12345"});
   server.Serve("/l/empty", {});
+  const std::string a = server.Url("/l/a");
+  const std::string empty = server.Url("/l/empty");
+  const std::string start = "1|" + a + "\nNAME|x\nVERSION|=|2.7.1\n#\n";
+  const std::string offer = "An updater older than 1 first replaces itself from " + a;
+  const std::string failing =
+      start + "DELETE|$AppPath\\*.exe\nEXECUTE|x|SOON|MAX\nUPDATE|$AppPath\\kestrane.EXE|" + a +
+      "\nKILL|x";
+  // The blank is lost on the way to the program.
+  EXPECT_EQ(Simulates(failing, {.script = "", .installed = {" 2.7.1"}, .site = ""}),
+            offer +
+                "\n\nInstalled:  2.7.1\n  in the window: x\n"
+                "  line    5           DELETE  $AppPath\\*.exe  (fails)\n"
+                "  line    6           EXECUTE  x  SOON  MAX  "
+                "(not started: neither WAIT nor NOWAIT)\n"
+                "  line    7           UPDATE  $AppPath\\kestrane.EXE  " +
+                a + "  (fails)\n  final screen: " + ToUtf8(modPrincipal::WriteFailure) + "\n\n2");
   sandbox.Fill({{"site/a", "1234567"}, {"site/empty", ""}});
-  const std::string a = "|" + server.Url("/l/a");
-  const std::string empty = "|" + server.Url("/l/empty");
-  const std::string failure = ToUtf8(modPrincipal::WriteFailure) + "\n2";
-  const struct {
-    std::string lines;
-    Texts actions;  // as they are printed
-    std::string ending;
-    bool probe = false;  // with the upload folder
-  } cases[] = {
-      {"ADD|x" + a + "\nUPDATE|X" + a + "\nKILL|y",
-       {"5           ADD  x  " + a.substr(1),
-        "6           UPDATE  X  " + a.substr(1) + "  (fails)"},
-       failure},
-      {"KILL|y\nADD|x*" + a + "\n!KILL|x",
-       {"7  at once  KILL  x", "6           ADD  x*  " + a.substr(1) + "  (fails)"},
-       failure},
-      {"ADD|x|", {"5           ADD  x    (fails)"}, failure},
-      {"UPDATE|$AppPath\\kestrane.EXE" + a,
-       {"5           UPDATE  $AppPath\\kestrane.EXE  " + a.substr(1) + "  (fails)"},
-       failure},
-      {"DELETE|$AppPath\\*.exe\nKILL|y",
-       {"5           DELETE  $AppPath\\*.exe  (fails)", "6           KILL  y"},
-       ToUtf8(modPrincipal::DeleteFailure) + "\n2"},
-      {"EXECUTE|x|SOON|MAX",
-       {"5           EXECUTE  x  SOON  MAX  (not started: neither WAIT nor NOWAIT)"},
-       ToUtf8(modPrincipal::Success) + "\n0"},
-      {"KILL|y\nADD|x" + empty,
-       {"5           KILL  y", "6           ADD  x  " + empty.substr(1) + "  (fails)"},
-       failure,
-       true},
-      {"ADD|x" + a + "\nADD|y" + empty,
-       {"5           ADD  x  " + a.substr(1) + "  (5 bytes)  (but 7 bytes in the upload folder)",
-        "6           ADD  y  " + empty.substr(1) + "  (0 bytes)"},
-       ToUtf8(modPrincipal::Success) + "\n2",
-       true},
-  };
-  for (const auto& [lines, actions, ending, probe] : cases) {
-    SimulateOptions wanted;
-    wanted.probe = probe;
-    if (probe) wanted.site = Utf8Of(sandbox.Folder("site"));
-    wanted.installed = {" 2.7.1"};  // the blank is lost on the way to the program
-    const std::string printed =
-        Simulates("1.0.3|" + server.Url("/l/a") + "\nNAME|x\nVERSION|=|2.7.1\n#\n" + lines, wanted);
-    std::string expected = "  in the window: x\n";
-    for (const auto& action : actions) expected += "  line    " + action + "\n";
-    EXPECT_THAT(printed, HasSubstr(expected));
-    wanted.inShort = true;
-    EXPECT_THAT(Simulates("1.0.3|x\nNAME|x\nVERSION|=|2.7.1\n#\n" + lines, wanted),
-                HasSubstr("\n 2.7.1: " + std::to_string(actions.size()) + " action"));
-    const auto last = printed.rfind("final screen: ");
-    EXPECT_EQ(modFunciones::ReplaceAll(printed.substr(last + 14), "\n\n", "\n"), ending) << lines;
-  }
+  SimulateOptions options = {.script = "", .installed = {"2.7.1"}, .probe = true, .site = ""};
+  options.site = Utf8Of(sandbox.Folder("site"));
+  const std::string script = start + "ADD|x|" + a + "\nADD|y|" + empty;
+  EXPECT_EQ(Simulates(script, options), offer +
+                                            "  (5 bytes)\n\nInstalled: 2.7.1\n  in the window: x\n"
+                                            "  line    5           ADD  x  " +
+                                            a +
+                                            "  (5 bytes)  (but 7 bytes in the upload folder)\n"
+                                            "  line    6           ADD  y  " +
+                                            empty +
+                                            "  (0 bytes)\n  in all 5 bytes\n  final screen: " +
+                                            ToUtf8(modPrincipal::Success) + "\n\n2");
+  options.inShort = true;
+  sandbox.Write("site/a", "abcde");
+  EXPECT_EQ(Simulates(script, options), offer + "  (5 bytes)\n\n2.7.1: 2 actions, 5 bytes\n  " +
+                                            ToUtf8(modPrincipal::Success) + "\n0");
 }
 
 TEST_F(Tool, TellsWhatItMade) {
