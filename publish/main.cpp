@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "platform/console.h"
 #include "publish/commands.h"
+#include "publish/serve.h"
 #include "publish/source.h"
 
 namespace {
@@ -59,6 +60,18 @@ Execution DefineSimulate(CLI::App& command) {
       "  kestrane-publish simulate site/update.txt --installed 2.7.1 3.1.0\n"
       "  kestrane-publish simulate https://updates.example/ledger/update.txt --matrix --probe");
   return [options] { return publish::RunSimulate(*options); };
+}
+
+Execution DefineServe(CLI::App& command) {
+  auto options = std::make_shared<publish::ServeOptions>();
+  command.add_option("SITE", options->site, "Upload folder")->required();
+  command.add_option("--url", options->url, "Where it will be found, if its script does not tell");
+  command.add_option("--port", options->port, "Port on this machine")
+      ->check(CLI::Range(1, INT16_MAX))
+      ->capture_default_str();
+  command.footer(
+      "Nobody outside of this machine is served. The script is served with URLs that lead here.");
+  return [options] { return publish::RunServe(*options); };
 }
 
 /// Paths and texts as they are given, in UTF-8.
@@ -162,6 +175,7 @@ constexpr struct {
     {"check", "Tell what is wrong with a script", DefineCheck},
     {"simulate", "Tell what a script does, without doing it", DefineSimulate},
     {"make", "Make the update that turns one folder into another", DefineMake},
+    {"serve", "Serve an upload folder to this machine, for a trial", DefineServe},
 };
 
 int RunCommandLine(int argc, char** argv) {

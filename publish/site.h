@@ -18,6 +18,9 @@ class Site {
   /// The file of a URL, which may be missing; nothing for a URL that leads elsewhere.
   [[nodiscard]] std::optional<std::filesystem::path> FileOf(const std::string& url) const;
 
+  /// Where the folder is found, with a "/" at its end; empty where the script does not tell.
+  [[nodiscard]] const std::string& Url() const { return base; }
+
  private:
   std::filesystem::path root;
   std::string base;  // of its URLs; empty: none was found
