@@ -4,6 +4,7 @@
 #include <set>
 
 #include "base/text.h"
+#include "publish/urls.h"
 
 namespace publish {
 namespace {
@@ -12,28 +13,54 @@ using modFunciones::LowerCase;
 
 std::string Installed(const std::string& name) { return "$AppPath\\" + name; }
 
-bool AreAmong(const Lines& names, const std::string& name) {
-  return std::any_of(names.begin(), names.end(), [&](const std::string& wanted) {
-    return LowerCase(wanted) == LowerCase(name);
-  });
+bool IsProgram(const std::string& lowerName) { return lowerName.ends_with(".exe"); }
+
+/// Whether a running program may hold the file.
+bool IsModule(const FolderFile& file) {
+  const std::string name = LowerCase(file.name);
+  return IsProgram(name) || name.ends_with(".dll") || name.ends_with(".ocx");
 }
 
-/// A program that runs can be neither replaced nor deleted. One that is new may be there all the
-/// same.
-void EndPrograms(const Difference& difference, Lines& block) {
+/// What runs can be neither replaced nor deleted, and any program of the application may hold what
+/// is. A program that is new may be there all the same.
+void EndPrograms(const Difference& difference, const Wishes& wishes, Lines& block) {
   std::set<std::string> programs;
-  for (const auto* files : {&difference.added, &difference.changed, &difference.removed}) {
-    for (const auto& file : *files) {
+  const auto end = [&](const std::vector<FolderFile>& files) {
+    for (const auto& file : files) {
       const std::string program = LowerCase(file.name.substr(file.name.find_last_of('\\') + 1));
-      if (program.ends_with(".exe")) programs.insert(program);
+      if (IsProgram(program)) programs.insert(program);
     }
+  };
+  const auto touchesModules = [](const std::vector<FolderFile>& files) {
+    return std::any_of(files.begin(), files.end(), IsModule);
+  };
+  end(difference.added);
+  end(difference.changed);
+  end(difference.removed);
+  if (touchesModules(difference.changed) || touchesModules(difference.removed)) {
+    end(difference.present);
   }
+  for (const auto& name : wishes.programs) programs.insert(LowerCase(name));
   for (const auto& program : programs) block.push_back("KILL|" + program);
+}
+
+/// The script has no condition for files, but the command interpreter of Windows has.
+void PutWhereMissing(const std::string& name, const Wishes& wishes, Lines& block) {
+  const std::string path = Installed(name);
+  const std::string fresh = path + FreshSuffix;
+  block.push_back("UPDATE|" + fresh + "|" + UrlBelow(wishes.url, name));
+  block.push_back("EXECUTE|$WinSysPath\\cmd.exe /c if not exist \"" + path + "\" move \"" + fresh +
+                  "\" \"" + path + "\"|WAIT|HIDE");
+  block.push_back("DELETE|" + fresh);
 }
 
 void PutFiles(const std::vector<FolderFile>& files, bool mayBeThere, const Wishes& wishes,
               Lines& block) {
   for (const auto& file : files) {
+    if (AreAmong(wishes.kept, file.name)) {
+      PutWhereMissing(file.name, wishes, block);
+      continue;
+    }
     const bool replaces = mayBeThere && !AreAmong(wishes.backups, file.name);
     block.push_back((replaces ? "UPDATE|" : "ADD|") + Installed(file.name) + "|" +
                     UrlBelow(wishes.url, file.name));
@@ -49,10 +76,17 @@ void RegisterComponents(const char* word, const std::vector<FolderFile>& files,
 
 }  // namespace
 
+bool AreAmong(const Lines& names, const std::string& name) {
+  return std::any_of(names.begin(), names.end(), [&](const std::string& wanted) {
+    return LowerCase(wanted) == LowerCase(name);
+  });
+}
+
 Lines BlockFor(const std::string& comparator, const std::string& version,
                const Difference& difference, const Wishes& wishes) {
   Lines block = {"VERSION|" + comparator + "|" + version};
-  EndPrograms(difference, block);
+  block.insert(block.end(), wishes.firstLines.begin(), wishes.firstLines.end());
+  EndPrograms(difference, wishes, block);
   RegisterComponents("UNREGISTER|", difference.removed, wishes, block);
   PutFiles(difference.changed, true, wishes, block);
   PutFiles(difference.added, false, wishes, block);
@@ -62,24 +96,6 @@ Lines BlockFor(const std::string& comparator, const std::string& version,
   block.insert(block.end(), wishes.lastLines.begin(), wishes.lastLines.end());
   block.emplace_back("END");
   return block;
-}
-
-std::string UrlBelow(const std::string& url, const std::string& name) {
-  constexpr std::string_view Plain =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
-  constexpr const char* Digits = "0123456789ABCDEF";
-  std::string below = url;
-  for (const char character : modFunciones::ToUtf8(name)) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (character == '\\') {
-      below += '/';
-    } else if (Plain.find(character) != std::string_view::npos) {
-      below += character;
-    } else {
-      below += {'%', Digits[byte / 16], Digits[byte % 16]};
-    }
-  }
-  return below;
 }
 
 }  // namespace publish

@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "publish/reading.h"
+#include "publish/site.h"
 #include "publish/versions.h"
 #include "script/version.h"
 
@@ -20,6 +21,11 @@ Findings CheckText(const Script& script) {
                "The text begins with a byte-order mark, so that no installation understands it: "
                "save it as Windows-1252 (\"ANSI\")."}};
     }
+  }
+  if (script.text.find('\r') != std::string::npos && script.text.find('\n') == std::string::npos) {
+    return {{Severity::Error, 1,
+             "The lines end with carriage returns alone, which the updater drops, so that it reads "
+             "one long line: save the text with the line ends of Windows."}};
   }
   if (script.lines.size() < modPrincipal::LeastLines) {
     return {{Severity::Error, 0,
@@ -67,6 +73,7 @@ Findings Check(const Script& script, const Knowledge& knowledge) {
   CheckLines(script, findings);
   if (Verdict(script).empty()) CheckFlow(script, knowledge.newest, findings);
   CheckHeaderVersion(script, knowledge.updater, findings);
+  if (!knowledge.site.empty()) CheckSite(script, Site(knowledge.site, script), findings);
   Sort(findings);
   return findings;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include "publish/check_rules.h"
@@ -11,6 +12,7 @@ namespace publish {
 struct Knowledge {
   std::string newest;   // the newest release of the application; may be empty
   std::string updater;  // the file of the updater that the header offers, its bytes; may be empty
+  std::filesystem::path site = {};  // the upload folder; may be empty
 };
 
 /// Everything there is to know about a script, errors first, then by line.

@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "publish/check_rules.h"
+#include "publish/pattern.h"
 #include "publish/reading.h"
 #include "publish/versions.h"
 #include "script/version.h"
@@ -63,6 +64,12 @@ void CollectPuts(Flow& flow) {
   std::stable_sort(flow.puts.begin(), flow.puts.end(), ByHash);
 }
 
+Puts PutsOf(const Flow& flow, const std::string& path) {
+  const auto [first, end] =
+      std::equal_range(flow.puts.begin(), flow.puts.end(), Put{HashOf(path), nullptr}, ByHash);
+  return {first, end};
+}
+
 /// The first that puts the file of a path in place and that somebody meets who meets another action
 /// as well; null when there is none.
 template <typename Condition>
@@ -111,14 +118,88 @@ void FindDestinationsInTheWay(const Flow& flow) {
     const auto writes = [&](const TakenAction& put) {
       return !isBackup || put.command->verb == Verb::Add;
     };
-    const auto [first, end] =
-        std::equal_range(flow.puts.begin(), flow.puts.end(), Put{HashOf(path), nullptr}, ByHash);
-    if (const auto* const keeper = FirstMet(flow, {first, end}, path, action, writes)) {
+    if (const auto* const keeper = FirstMet(flow, PutsOf(flow, path), path, action, writes)) {
       flow.findings.push_back({Severity::Error, flow.NumberOf(action),
                                "The destination is where line " +
                                    std::to_string(flow.NumberOf(*keeper)) +
                                    " keeps its download or its backup."});
     }
+  }
+}
+
+void FindComponentsRegisteredTooEarly(const Flow& flow) {
+  for (const auto& action : flow.reading.actions) {
+    if (action.command->verb != Verb::Register) continue;
+    const std::string path = flow.TextOf(action);
+    const auto comesLater = [&](const TakenAction& put) {
+      return action.immediate || put.line > action.line;
+    };
+    if (const auto* const put = FirstMet(flow, PutsOf(flow, path), path, action, comesLater)) {
+      flow.findings.push_back({Severity::Error, flow.NumberOf(action),
+                               "The component is registered before line " +
+                                   std::to_string(flow.NumberOf(*put)) + " puts it in place."});
+    }
+  }
+}
+
+/// Unless a program may have used the file meanwhile.
+void FindFilesDeletedAtOnce(const Flow& flow) {
+  std::vector<std::size_t> programs;  // lines that start one
+  for (const auto& action : flow.reading.actions) {
+    if (action.command->verb == Verb::Execute) programs.push_back(action.line);
+    if (action.command->verb != Verb::Delete || action.immediate) continue;
+    const std::string pattern = flow.TextOf(action);
+    const auto isWasted = [&](const TakenAction& put) {
+      const bool isUsed = !programs.empty() && programs.back() > put.line;
+      return put.line < action.line && !isUsed && Fits(flow.TextOf(put), pattern);
+    };
+    const TakenAction* put = nullptr;
+    if (pattern.find_first_of("*?") == std::string::npos) {
+      put = FirstMet(flow, PutsOf(flow, pattern), pattern, action, isWasted);
+    } else {
+      const auto found = std::find_if(flow.puts.begin(), flow.puts.end(), [&](const Put& any) {
+        return flow.AudienceOf(*any.action).Overlaps(flow.AudienceOf(action)) &&
+               isWasted(*any.action);
+      });
+      if (found != flow.puts.end()) put = found->action;
+    }
+    if (put == nullptr) continue;
+    flow.findings.push_back({Severity::Error, flow.NumberOf(action),
+                             "This deletes the file that line " +
+                                 std::to_string(flow.NumberOf(*put)) + " puts in place."});
+  }
+}
+
+/// Whether an END stands between a VERSION line and the next.
+bool IsClosed(const Script& script, std::size_t opening) {
+  for (std::size_t i = opening + 1; i < script.lines.size(); ++i) {
+    if (Is(script.lines[i], Verb::End)) return true;
+    if (Is(script.lines[i], Verb::Version)) return false;
+  }
+  return false;
+}
+
+void FindMissingEnds(const Flow& flow) {
+  if (!Is(flow.script.lines.back(), Verb::End)) {
+    flow.findings.push_back({Severity::Warning, flow.script.numbers.back(),
+                             "No END closes the script: something may be cut off."});
+  }
+  std::vector<const Block*> open;  // that have actions, and nobody has met another one since
+  const Block* last = nullptr;
+  for (const auto& action : flow.reading.actions) {
+    const Block* const block = &flow.reading.blocks[action.block];
+    if (block == last) continue;
+    last = block;
+    std::erase_if(open, [&](const Block* earlier) {
+      if (!earlier->audience.Overlaps(block->audience)) return false;
+      flow.findings.push_back(
+          {Severity::Warning, flow.script.numbers[earlier->opening],
+           "No END closes the block, so that installations that it is for go on "
+           "to that of line " +
+               std::to_string(flow.script.numbers[block->opening]) + "."});
+      return true;
+    });
+    if (!IsClosed(flow.script, block->opening)) open.push_back(block);
   }
 }
 
@@ -247,6 +328,9 @@ void CheckFlow(const Script& script, const std::string& newest, Findings& findin
   CollectPuts(flow);
   FindDestinationsGivenTwice(flow);
   FindDestinationsInTheWay(flow);
+  FindComponentsRegisteredTooEarly(flow);
+  FindFilesDeletedAtOnce(flow);
+  FindMissingEnds(flow);
   FindProgramsInUse(flow);
   FindEndlessUpdates(flow, newest);
   FindIdleActions(flow);

@@ -8,6 +8,7 @@
 #include "base/decimal.h"
 #include "base/text.h"
 #include "publish/source.h"
+#include "publish/versions.h"
 #include "script/version.h"
 #include "transfer/url.h"
 
@@ -48,13 +49,16 @@ std::string_view Trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
 }
 
+constexpr const char* NoVersion =
+    " is no version of up to three numbers, of at most three digits each, such as 3.2.0";
+
 std::string WhyHeaderIsRefused(const Fields& fields) {
   if (fields.size() != 2) {
     return "The header must have exactly two fields, the updater's version and its URL, but has " +
            std::to_string(fields.size());
   }
   if (modPrincipal::VersionToNumber(fields[0]) == 0) {
-    return "The header's " + Quoted(fields[0]) + " is no version such as 1.0.3";
+    return "The header's " + Quoted(fields[0]) + NoVersion;
   }
   return "The header names no URL";
 }
@@ -65,7 +69,7 @@ std::string WhyVersionIsRefused(const Fields& fields) {
            std::to_string(fields.size());
   }
   if (FindComparator(fields[1]) != nullptr) {
-    return Quoted(fields[2]) + " is no version such as 3.2.0";
+    return Quoted(fields[2]) + NoVersion;
   }
   if (FindComparator(Trimmed(fields[1])) != nullptr) {
     return "There are spaces around the comparator";
@@ -211,12 +215,30 @@ Remark OddCharacters(const Line& line) {
   return {};
 }
 
+/// Whether more follows than the command takes.
+bool HasSurplus(const Line& line) {
+  if (line.command == nullptr || !line.command->IsAction()) return false;
+  const auto taken = std::min(line.fields.size(), line.command->Arguments().size() + 1);
+  return std::any_of(line.fields.begin() + static_cast<std::ptrdiff_t>(taken), line.fields.end(),
+                     [](const std::string& field) { return !field.empty(); });
+}
+
+Remark SurplusFields(const Line& line) {
+  if (!HasSurplus(line)) return {};
+  return {Severity::Warning, "The line is cut at each \"|\" into " +
+                                 std::to_string(line.fields.size()) + " fields, but " +
+                                 line.Word() + " takes " +
+                                 std::to_string(line.command->Arguments().size() + 1) + ": " +
+                                 FormOf(*line.command) + "."};
+}
+
 // The rules for one argument: what it is to be, and what is written there.
 
 bool IsPath(Kind kind) { return kind == Kind::Path || kind == Kind::Files; }
 
 Remark UnknownWord(const Line& line, const Argument& argument, const std::string& written) {
   if (argument.words.empty() || ValueOf(argument.words, written)) return {};
+  if (argument.kind == Kind::Style && HasSurplus(line)) return {};  // SurplusFields tells
   const std::string said = Quoted(written) + " is no ";
   const std::string name(argument.name);
   if (argument.kind == Kind::Choice) {
@@ -235,24 +257,65 @@ Remark PauseThatIsNone(const Line& /*line*/, const Argument& argument, const std
           Quoted(written) + " is no number of milliseconds: the pause is left out."};
 }
 
+Remark OddVersion(const Line& /*line*/, const Argument& argument, const std::string& written) {
+  const bool isVersion =
+      argument.kind == Kind::Version && modPrincipal::VersionToNumber(written) != 0;
+  const std::string oddity = isVersion ? OddityOf(written) : "";
+  if (oddity.empty()) return {};
+  const bool isGreater = written.starts_with('0') && !written.starts_with("0.");
+  return {isGreater ? Severity::Error : Severity::Warning, Quoted(written) + " " + oddity + "."};
+}
+
+/// Whether every % begins the code of a character.
+bool HasCodesOnly(const std::string& url) {
+  for (auto at = url.find('%'); at != std::string::npos; at = url.find('%', at + 1)) {
+    const std::string code = url.substr(at + 1, 2);
+    if (code.size() < 2 || code.find_first_not_of("0123456789ABCDEFabcdef") != std::string::npos) {
+      return false;
+    }
+  }
+  return true;
+}
+
+/// What the server would understand otherwise than meant.
+Remark OddUrl(const std::string& url) {
+  if (url.find('\\') != std::string::npos) {
+    return {Severity::Error, "The URL has a backslash, where servers want a \"/\"."};
+  }
+  if (url.find('#') != std::string::npos) {
+    return {Severity::Error,
+            "The URL has a \"#\", and what follows is not sent to the server: write %23."};
+  }
+  if (url.substr(0, url.find('?')).ends_with('/') ||
+      url.find('/', url.find("//") + 2) == std::string::npos) {
+    return {Severity::Error, "The URL is that of a folder, and no file can be had there."};
+  }
+  if (!HasCodesOnly(url)) {
+    return {Severity::Warning, "The URL has a % without two hexadecimal digits: write %25."};
+  }
+  const auto isPlain = [](char character) { return character > ' ' && character <= '~'; };
+  if (std::all_of(url.begin(), url.end(), isPlain)) return {};
+  return {Severity::Warning,
+          "The URL has blanks or accented letters, which have to be written as %20 and so on."};
+}
+
 Remark UnusableUrl(const Line& line, const Argument& argument, const std::string& url) {
   if (argument.kind != Kind::Url) return {};
   if (url.empty()) {
     if (line.isHeader) return {};  // Refusal tells
     return {Severity::Error, line.Word() + " names no URL, so that its download fails."};
   }
-  const auto parts = modFunciones::SplitUrl(url);
-  const bool isUsable =
-      IsUrl(url) && !parts.empty() && !parts[0].empty() && modFunciones::PortNumber(parts[1]);
-  if (!isUsable) {
-    return {Severity::Error, Quoted(url) +
-                                 " is no URL that the updater can use: http:// or https://, a "
-                                 "host, and a port of at most 32767 if any."};
+  if (Trimmed(url).size() != url.size()) {
+    return {Severity::Error,
+            "There are blanks around the URL, and they belong to it: take them away."};
   }
-  const auto isPlain = [](char character) { return character > ' ' && character <= '~'; };
-  if (std::all_of(url.begin(), url.end(), isPlain)) return {};
-  return {Severity::Warning,
-          "The URL has blanks or accented letters, which have to be written as %20 and so on."};
+  const auto parts = modFunciones::SplitUrl(url);
+  const bool isUsable = IsUrl(url) && !parts.empty() && !parts[0].empty() &&
+                        modFunciones::PortNumber(parts[1]).value_or(0) != 0;
+  if (isUsable) return OddUrl(url);
+  return {Severity::Error, Quoted(url) +
+                               " is no URL that the updater can use: http:// or https://, a "
+                               "host, and a port from 1 to 32767 if any."};
 }
 
 Remark PlainHttp(const Line& /*line*/, const Argument& argument, const std::string& url) {
@@ -294,10 +357,19 @@ Remark BeginningOfPath(std::string_view path) {
           "the updater was started."};
 }
 
-Remark PathThatGoesAstray(const Line& /*line*/, const Argument& argument, const std::string& path) {
+Remark PathThatGoesAstray(const Line& line, const Argument& argument, const std::string& path) {
   if (!IsPath(argument.kind) || path.empty()) return {};
   if (path.find('/') != std::string::npos) {
-    return {Severity::Warning, "The path has a \"/\", where Windows wants a backslash."};
+    if (line.command->effect != modPrincipal::Effect::Download) {
+      return {Severity::Warning, "The path has a \"/\", where Windows wants a backslash."};
+    }
+    return {
+        Severity::Error,
+        "The path has a \"/\": folders are made at backslashes only, and the download fails where "
+        "one is missing."};
+  }
+  if (path.find_first_of("<>\"") != std::string::npos || path.find(':', 2) != std::string::npos) {
+    return {Severity::Error, "The path has a character that no file of Windows may have."};
   }
   if (path.ends_with('\\')) {
     return {Severity::Error, "The path ends with a backslash, as that of a folder."};
@@ -328,6 +400,44 @@ Remark PathToADevice(const Line& /*line*/, const Argument& argument, const std::
     return {Severity::Error, Quoted(device) + " is a device of Windows, no file and no folder."};
   }
   return {};
+}
+
+/// Windows takes paths of so many characters; a download and a backup add to theirs.
+constexpr std::size_t LongestPath = 259;
+constexpr std::size_t LongestSuffix = 4;
+/// A folder of programs, and the application's in it, may well have as many.
+constexpr std::size_t LongAppPath = 80;
+
+Remark PathThatIsLong(const Line& /*line*/, const Argument& argument, const std::string& path) {
+  if (!IsPath(argument.kind)) return {};
+  const bool hasMacro = path.starts_with('$');
+  const std::size_t own = path.size() - (hasMacro ? std::min(path.find('\\'), path.size()) : 0);
+  const std::size_t room = LongestPath - LongestSuffix;
+  if (own >= room) {
+    return {Severity::Error, "The path is too long: Windows takes " + std::to_string(LongestPath) +
+                                 " characters, .tmp or .bak included."};
+  }
+  if (!hasMacro || own + LongAppPath <= room) return {};
+  return {Severity::Warning,
+          "The path is long: it fits only where the folder that it begins with has "
+          "at most " +
+              std::to_string(room - own) + " characters."};
+}
+
+/// Windows takes dots and blanks off the end of names.
+Remark NameThatEndsWithADot(const Line& /*line*/, const Argument& argument,
+                            const std::string& path) {
+  const bool endsSo = path.ends_with('.') || path.find(".\\") != std::string::npos;
+  if (!IsPath(argument.kind) || !endsSo || path.find("..") != std::string::npos) return {};
+  return {Severity::Warning, "A name of the path ends with a full stop, which Windows takes away."};
+}
+
+Remark DeletionOfTheUpdater(const Line& /*line*/, const Argument& argument,
+                            const std::string& path) {
+  if (argument.kind != Kind::Files || !DeletesUpdater(LowerCase(path))) return {};
+  return {Severity::Error,
+          "This deletes the updater too, which runs and cannot be deleted: the update ends with a "
+          "failure."};
 }
 
 Remark BlanksAroundThePath(const Line& /*line*/, const Argument& argument,
@@ -370,12 +480,14 @@ Remark KillOfTooMuch(const Line& /*line*/, const Argument& argument, const std::
 }
 
 constexpr Remark (*LineRules[])(const Line& line) = {
-    Refusal, UnknownCommand, IdleMarker, MacroInImmediateAction, MacroInWrongCase, OddCharacters};
+    Refusal,          UnknownCommand, IdleMarker,   MacroInImmediateAction,
+    MacroInWrongCase, OddCharacters,  SurplusFields};
 
 constexpr Remark (*ArgumentRules[])(const Line& line, const Argument& argument,
                                     const std::string& written) = {
-    UnknownWord,        PauseThatIsNone, UnusableUrl,         PlainHttp,    MissingArgument,
-    PathThatGoesAstray, PathToADevice,   BlanksAroundThePath, KillOfTooMuch};
+    UnknownWord,          PauseThatIsNone,     OddVersion,    UnusableUrl,    PlainHttp,
+    MissingArgument,      PathThatGoesAstray,  PathToADevice, PathThatIsLong, NameThatEndsWithADot,
+    DeletionOfTheUpdater, BlanksAroundThePath, KillOfTooMuch};
 
 constexpr Argument HeaderArguments[] = {{"version", Kind::Version}, {"URL", Kind::Url}};
 

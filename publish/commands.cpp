@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "publish/check.h"
+#include "publish/make.h"
 #include "publish/report.h"
 #include "publish/simulate.h"
 #include "publish/source.h"
@@ -15,16 +16,11 @@ namespace {
 
 constexpr int Failed = 2;
 
-std::optional<Script> Load(const std::string& fileOrUrl) {
+std::optional<Script> Load(const std::string& fileOrUrl, bool asJson) {
   auto text = Fetch(fileOrUrl);
-  if (!text) {
-    std::cerr << fileOrUrl << " cannot be read"
-              << (IsUrl(fileOrUrl) ? ": the updater gets no answer with status 200 there, or over "
-                                     "https no certificate that it trusts.\n"
-                                   : ".\n");
-    return std::nullopt;
-  }
-  return CutWithNumbers(std::move(*text));
+  if (text) return CutWithNumbers(std::move(*text));
+  ReportProblems({fileOrUrl + " " + WhyUnreadable(fileOrUrl) + "."}, asJson);
+  return std::nullopt;
 }
 
 /// The updater that the header names, where it lies beside the script or where the script's site
@@ -41,55 +37,64 @@ std::filesystem::path UpdaterAtHand(const std::filesystem::path& scriptFile, con
   return {};
 }
 
-Findings CheckFile(const std::string& name, const Script& script, const std::string& newest,
-                   std::filesystem::path updater, bool asJson) {
+/// The folder of a script that is a file.
+std::filesystem::path SiteOf(const std::string& name) {
+  if (IsUrl(name)) return {};
+  const auto folder = PathOf(name).parent_path();
+  return folder.empty() ? "." : folder;
+}
+
+Findings CheckAsPublished(const std::string& name, const Script& script, const std::string& newest,
+                          std::filesystem::path updater) {
   if (updater.empty() && !IsUrl(name)) updater = UpdaterAtHand(PathOf(name), script);
-  Findings findings = Check(script, {newest, ReadFile(updater).value_or("")});
-  ReportFindings(name, Verdict(script), findings, asJson);
-  return findings;
+  return Check(script, {newest, ReadFile(updater).value_or(""), SiteOf(name)});
 }
 
 }  // namespace
 
 int RunCheck(const CheckOptions& options) {
-  const auto script = Load(options.script);
+  const auto script = Load(options.script, options.asJson);
   if (!script) return Failed;
   if (!options.updater.empty() &&
       RecordedVersion(ReadFile(PathOf(options.updater)).value_or("")).empty()) {
-    std::cerr << options.updater << " cannot be read, or tells no version.\n";
+    ReportProblems({options.updater + " cannot be read, or tells no version."}, options.asJson);
     return Failed;
   }
-  return StatusOf(
-      CheckFile(options.script, *script, options.newest, PathOf(options.updater), options.asJson));
+  const Findings findings =
+      CheckAsPublished(options.script, *script, options.newest, PathOf(options.updater));
+  ReportFindings({options.script, Verdict(*script), findings}, options.asJson);
+  return StatusOf(findings);
 }
 
 int RunSimulate(const SimulateOptions& options) {
-  const auto script = Load(options.script);
+  const auto script = Load(options.script, options.asJson);
   if (!script) return Failed;
   std::vector<Outcome> outcomes;
   for (const auto& installed : options.installed) {
     outcomes.push_back(Simulate(*script, installed, options.probe));
   }
   if (options.all) outcomes = SimulateAll(*script, options.probe);
+  if (!options.site.empty())
+    CompareWithSite(*script, Site(PathOf(options.site), *script), outcomes);
   const Offer offer = SimulateOffer(*script, options.probe);
-  ReportOutcomes(*script, offer, outcomes, options.probe, options.asJson);
-  const bool isRefused = std::any_of(outcomes.begin(), outcomes.end(), [](const Outcome& outcome) {
-    return !outcome.reading.failure.empty();
-  });
-  return isRefused || !offer.failure.empty() ? Failed : 0;
+  const Form form = options.asJson ? Form::Json : options.inShort ? Form::Summary : Form::Text;
+  ReportOutcomes(*script, offer, outcomes, options.probe, form);
+  const bool goesWrong = std::any_of(outcomes.begin(), outcomes.end(), GoesWrong);
+  return goesWrong || !offer.failure.empty() ? Failed : 0;
 }
 
 int RunMake(const Order& order, bool asJson) {
-  const auto problems = Make(order);
-  for (const auto& problem : problems) std::cerr << problem << "\n";
-  if (!problems.empty()) return Failed;
-  if (!asJson) {
-    std::cout << "Upload what is in " << Utf8Of(order.site) << ": the folders first, " << ScriptName
-              << " last.\n";
+  const Made made = Make(order);
+  if (!made.problems.empty()) {
+    ReportProblems(made.problems, asJson);
+    return Failed;
   }
   const std::string name = Utf8Of(order.site / ScriptName);
-  const auto script = Load(name);
-  return script ? StatusOf(CheckFile(name, *script, order.to, {}, asJson)) : Failed;
+  const Script script = CutWithNumbers(made.script);
+  const Findings findings =
+      order.isTrial ? Check(script, {order.to, ""}) : CheckAsPublished(name, script, order.to, {});
+  ReportMade(order, made, {name, Verdict(script), findings}, asJson);
+  return StatusOf(findings);
 }
 
 }  // namespace publish

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "publish/make.h"
+#include "publish/order.h"
 
 namespace publish {
 
@@ -23,6 +23,8 @@ struct SimulateOptions {
   std::vector<std::string> installed;
   bool all = false;  // every version that the script tells apart
   bool probe = false;
+  bool inShort = false;
+  std::string site;  // upload folder to compare with what is asked for, or ""
   bool asJson = false;
 };
 [[nodiscard]] int RunSimulate(const SimulateOptions& options);

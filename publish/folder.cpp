@@ -1,8 +1,11 @@
 #include "publish/folder.h"
 
 #include <algorithm>
+#include <fstream>
 
 #include "base/text.h"
+#include "publish/pattern.h"
+#include "publish/progress.h"
 #include "publish/source.h"
 #include "script/commands.h"
 
@@ -14,8 +17,17 @@ namespace fs = std::filesystem;
 // At the root of the folder; the header of the script brings the updater up to date.
 constexpr std::string_view UpdaterNames[] = {"kestrane.exe", "kestranetmp.exe"};
 
+/// Whether an accent stands apart from its letter, as some systems write names: U+0300 to U+036F.
+bool HasAccentsApart(const std::string& utf8Name) {
+  const auto at = utf8Name.find_first_of("\xCC\xCD");
+  return at != std::string::npos && (utf8Name[at] == '\xCC' || utf8Name[at + 1] < '\xB0');
+}
+
 /// Why a script cannot name a file; empty when it can.
 std::string WhyUnusable(const std::string& utf8Name) {
+  if (HasAccentsApart(utf8Name)) {
+    return "has an accent that is a character of its own: write the accented letter as one";
+  }
   if (!modFunciones::FromUtf8(utf8Name)) return "has characters that Windows-1252 lacks";
   const auto isControl = [](char character) { return character >= 0 && character < ' '; };
   if (utf8Name.find_first_of("|<>:\"?*\\") != std::string::npos ||
@@ -40,21 +52,45 @@ bool IsUpdater(const std::string& lowerName) {
          std::end(UpdaterNames);
 }
 
-bool HaveSameContent(const FolderFile& a, const FolderFile& b) {
+bool IsExcluded(const std::string& utf8Name, const std::vector<std::string>& patterns) {
+  const std::string name =
+      modFunciones::LowerCase(modFunciones::FromUtf8(utf8Name).value_or(utf8Name));
+  const std::string last = name.substr(name.find_last_of('/') + 1);
+  return std::any_of(patterns.begin(), patterns.end(), [&](std::string pattern) {
+    std::replace(pattern.begin(), pattern.end(), '\\', '/');
+    const bool isWhole = pattern.find('/') != std::string::npos;
+    return Fits(isWhole ? name : last, modFunciones::LowerCase(pattern));
+  });
+}
+
+/// What is there and no file that could be read; empty for a file and a folder.
+std::string WhyNoFile(const fs::directory_entry& entry) {
   std::error_code error;
-  return fs::file_size(a.path, error) == fs::file_size(b.path, error) &&
-         ReadFile(a.path) == ReadFile(b.path);
+  if (entry.is_symlink(error) && !entry.exists(error)) {
+    return "is a link to nothing: take it away, or put the file there";
+  }
+  if (entry.is_symlink(error) && entry.is_directory(error)) {
+    return "is a link to a folder, which is not followed: put the folder there";
+  }
+  const bool isFile = entry.is_directory(error) || entry.is_regular_file(error);
+  return isFile ? "" : "is neither a file nor a folder";
 }
 
 }  // namespace
 
-Folder ListFolder(const fs::path& folder, std::vector<std::string>& problems) {
+Folder ListFolder(const fs::path& folder, const std::vector<std::string>& excluded,
+                  std::vector<std::string>& problems) {
   Folder files;
   std::error_code error;
   for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
     const std::string name = Utf8Of(entry->path().lexically_relative(folder));
-    const std::string why = WhyUnusable(name);
+    if (IsExcluded(name, excluded)) {
+      entry.disable_recursion_pending();
+      continue;
+    }
+    std::string why = WhyUnusable(name);
+    if (why.empty()) why = WhyNoFile(*entry);
     if (!why.empty()) problems.push_back(WithReason(name, why));
     if (!why.empty() || entry->is_directory()) continue;
     std::string ansiName = *modFunciones::FromUtf8(name);
@@ -69,16 +105,38 @@ Folder ListFolder(const fs::path& folder, std::vector<std::string>& problems) {
   return files;
 }
 
+bool HaveSameContent(const fs::path& a, const fs::path& b) {
+  std::error_code error;
+  if (fs::file_size(a, error) != fs::file_size(b, error) || error) return false;
+  // In blocks: it may be more than there is memory for.
+  std::ifstream one(a, std::ios::binary);
+  std::ifstream two(b, std::ios::binary);
+  std::string block(1 << 16, '\0');
+  std::string other = block;
+  while (one && two) {
+    one.read(block.data(), static_cast<std::streamsize>(block.size()));
+    two.read(other.data(), static_cast<std::streamsize>(other.size()));
+    if (one.gcount() != two.gcount() || block != other) return false;
+  }
+  return one.eof() && two.eof();
+}
+
 Difference Compare(const Folder& oldFolder, const Folder& newFolder) {
   Difference difference;
+  std::size_t compared = 0;
+  StartProgress("Comparing files", newFolder.size());
   for (const auto& [key, file] : newFolder) {
+    ShowProgress(++compared);
     const auto old = oldFolder.find(key);
     if (old == oldFolder.end()) {
       difference.added.push_back(file);
-    } else if (file.name != old->second.name || !HaveSameContent(file, old->second)) {
+    } else if (file.name != old->second.name || !HaveSameContent(file.path, old->second.path)) {
       difference.changed.push_back(file);
+    } else {
+      difference.present.push_back(file);
     }
   }
+  EndProgress();
   for (const auto& [key, file] : oldFolder) {
     if (!newFolder.contains(key)) difference.removed.push_back(file);
   }

@@ -17,15 +17,20 @@ struct FolderFile {
 /// By name in lower case: Windows does not tell letter case apart.
 using Folder = std::map<std::string, FolderFile>;
 
-/// The files of a folder and of those below it, but for the updater itself. What the updater could
-/// not install is told in problems, each in a sentence in UTF-8.
+/// The files of a folder and of those below it, but for the updater itself and for what fits an
+/// excluded pattern: by its whole name where the pattern has a backslash, otherwise by the last
+/// part of it. What the updater could not install is told in problems, each in a sentence in UTF-8.
 [[nodiscard]] Folder ListFolder(const std::filesystem::path& folder,
+                                const std::vector<std::string>& excluded,
                                 std::vector<std::string>& problems);
+
+[[nodiscard]] bool HaveSameContent(const std::filesystem::path& a, const std::filesystem::path& b);
 
 struct Difference {
   std::vector<FolderFile> added;
   std::vector<FolderFile> changed;  // as they are in the new folder
   std::vector<FolderFile> removed;
+  std::vector<FolderFile> present;  // files of the old folder that are neither
 };
 [[nodiscard]] Difference Compare(const Folder& oldFolder, const Folder& newFolder);
 

@@ -90,9 +90,21 @@ void PutBlock(std::string& script, const Lines& block, const std::string& versio
   Insert(script, inTheWay.value_or(std::string::npos), block);
 }
 
-void AppendBlock(std::string& script, const Lines& block) {
-  EraseBlocksLike(script, block.front());
+std::vector<std::string> PutOlderBlock(std::string& script, const Lines& block) {
+  const Fields opening = modFunciones::Split(block.front(), '|');
+  const Script cut = CutWithNumbers(script);
+  std::vector<std::string> replaced;
+  for (std::size_t i = cut.lines.size(); i-- > 1;) {
+    const Fields& line = cut.lines[i];
+    if (!Is(line, Verb::Version) || FieldAt(line, 1) != opening[1]) continue;
+    const std::string& version = FieldAt(line, 2);
+    if (modPrincipal::VersionToNumber(version) > modPrincipal::VersionToNumber(opening[2]))
+      continue;
+    EraseBlock(script, cut, i);
+    if (version != opening[2]) replaced.push_back(version);
+  }
   Insert(script, std::string::npos, block);
+  return replaced;
 }
 
 }  // namespace publish

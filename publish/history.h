@@ -4,6 +4,7 @@
 // into it stays.
 
 #include <string>
+#include <vector>
 
 #include "publish/block.h"
 
@@ -19,7 +20,8 @@ void SetName(std::string& script, const std::string& name);
 /// version, otherwise at the end. A block with the same VERSION line goes.
 void PutBlock(std::string& script, const Lines& block, const std::string& version);
 
-/// Puts a block at the end. One with the same VERSION line goes.
-void AppendBlock(std::string& script, const Lines& block);
+/// Puts a block for all versions below one at the end. Those for all below the same version or an
+/// earlier one go: they would come first. Returns the versions of the latter.
+[[nodiscard]] std::vector<std::string> PutOlderBlock(std::string& script, const Lines& block);
 
 }  // namespace publish

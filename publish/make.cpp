@@ -6,10 +6,12 @@
 #include "base/text.h"
 #include "publish/check.h"
 #include "publish/history.h"
+#include "publish/plan.h"
 #include "publish/progress.h"
 #include "publish/script_text.h"
 #include "publish/source.h"
 #include "publish/versions.h"
+#include "publish/words.h"
 #include "script/version.h"
 
 namespace publish {
@@ -17,133 +19,87 @@ namespace {
 
 namespace fs = std::filesystem;
 using modPrincipal::VersionToNumber;
-using Problems = std::vector<std::string>;
-
-constexpr const char* UpdaterName = "Kestrane.exe";
-
-/// The folders and what is to be made of them.
-struct Plan {
-  Order order;
-  Folder oldFolder;
-  Folder newFolder;
-  Difference difference;
-  std::string script;         // the history, then the new script
-  fs::path newUpdater;        // to be uploaded; empty: none
-  std::string updaterFolder;  // of the upload folder, with a "/" at its end
-};
-
 std::string WithSlash(const std::string& url) { return url.ends_with('/') ? url : url + "/"; }
 
-void CheckOrder(const Order& order, Problems& problems) {
-  for (const auto& version : {order.from, order.to}) {
-    if (VersionToNumber(version) == 0) problems.push_back(version + " is no version.");
+/// The version of the updater in the new folder; empty when there is none.
+std::string VersionOfUpdater(const Order& order, Problems& problems) {
+  const auto program = ReadFile(order.newFolder / UpdaterName);
+  if (!program) return "";
+  std::string version = RecordedVersion(*program);
+  if (version.empty()) {
+    problems.emplace_back(
+        "Kestrane.exe in the new folder is no updater for Windows: put the one from build/windows "
+        "there.");
   }
-  if (VersionToNumber(order.from) >= VersionToNumber(order.to)) {
-    problems.push_back("The version " + order.to + " does not come after " + order.from + ".");
-  }
-  if (!IsUrl(order.url)) problems.push_back(order.url + " is no http or https URL.");
-  for (const auto& folder : {order.oldFolder, order.newFolder}) {
-    if (!fs::is_directory(folder)) problems.push_back(Utf8Of(folder) + " is no folder.");
-  }
-}
-
-/// A companion that the updater writes beside a file must not be a file of the application.
-void CheckCompanions(const Plan& plan, Problems& problems) {
-  const auto check = [&](const FolderFile& file, const char* suffix) {
-    const std::string companion = modFunciones::LowerCase(file.name + suffix);
-    if (!plan.oldFolder.contains(companion) && !plan.newFolder.contains(companion)) return;
-    const std::string name = modFunciones::ToUtf8(file.name);
-    problems.push_back("The updater would write over " + name + suffix + " while it puts " + name +
-                       " in place.");
-  };
-  for (const auto* files : {&plan.difference.added, &plan.difference.changed}) {
-    for (const auto& file : *files) check(file, ".tmp");
-  }
-  for (const auto& name : plan.order.wishes.backups) check({name, {}}, ".bak");
-}
-
-/// A file cannot become a folder, nor a folder a file.
-void CheckFoldersAgainstFiles(const Folder& files, const Folder& others, Problems& problems) {
-  for (const auto& [key, file] : files) {
-    for (auto at = key.find('\\'); at != std::string::npos; at = key.find('\\', at + 1)) {
-      if (!others.contains(key.substr(0, at))) continue;
-      problems.push_back(modFunciones::ToUtf8(file.name.substr(0, at)) +
-                         " is a file in one version and a folder in the other.");
-    }
-  }
-}
-
-/// An empty folder is no file of either version, but stays in the way of one.
-void CheckEmptyFolders(const Plan& plan, Problems& problems) {
-  for (const auto& file : plan.difference.added) {
-    const fs::path old = plan.order.oldFolder / file.path.lexically_relative(plan.order.newFolder);
-    if (!fs::is_directory(old) || !fs::is_empty(old)) continue;
-    problems.push_back(modFunciones::ToUtf8(file.name) +
-                       " is a folder in the old version and a file in the new one.");
-  }
-}
-
-void CheckWishedNames(const Plan& plan, Problems& problems) {
-  for (const auto* names : {&plan.order.wishes.backups, &plan.order.wishes.components}) {
-    for (const auto& name : *names) {
-      const std::string key = modFunciones::LowerCase(name);
-      if (plan.oldFolder.contains(key) || plan.newFolder.contains(key)) continue;
-      problems.push_back("There is no file " + modFunciones::ToUtf8(name) + " in either folder.");
-    }
-  }
-}
-
-void CheckDifference(const Difference& difference, Problems& problems) {
-  std::uintmax_t bytes = 0;
-  for (const auto* files : {&difference.added, &difference.changed}) {
-    for (const auto& file : *files) bytes += fs::file_size(file.path);
-  }
-  const bool putsFiles = !difference.added.empty() || !difference.changed.empty();
-  if (!putsFiles && difference.removed.empty()) {
-    problems.emplace_back("The folders are alike: there is nothing to bring up to date.");
-  } else if (putsFiles && bytes == 0) {
-    problems.emplace_back("All new files are empty, and the updater downloads nothing then.");
-  }
+  return version;
 }
 
 /// What the header says: what the publisher said, otherwise the updater in the new folder when it
 /// is newer than what the script offers.
-void PlanHeader(Plan& plan, Problems& problems) {
+void PlanHeader(Plan& plan, Made& made) {
   const Order& order = plan.order;
+  const std::string version = VersionOfUpdater(order, made.problems);
   if (!order.updaterUrl.empty()) {
     SetHeader(plan.script, order.updaterVersion + "|" + order.updaterUrl);
-    return;
+  } else if (!version.empty()) {
+    const Script history = CutWithNumbers(plan.script);
+    const std::string offered = history.lines.empty() ? "" : FieldAt(history.lines[0], 0);
+    if (VersionToNumber(version) > VersionToNumber(offered)) {
+      const std::string target = "kestrane/" + version + "/" + UpdaterName;
+      plan.uploads.push_back({order.newFolder / UpdaterName, target});
+      SetHeader(plan.script, version + "|" + order.url + target);
+    }
   }
-  const Script history = CutWithNumbers(plan.script);
-  const std::string offered = history.lines.empty() ? "" : FieldAt(history.lines[0], 0);
-  const fs::path updater = order.newFolder / UpdaterName;
-  const std::string version = RecordedVersion(ReadFile(updater).value_or(""));
-  if (VersionToNumber(version) > VersionToNumber(offered)) {
-    plan.newUpdater = updater;
-    plan.updaterFolder = "kestrane/" + version + "/";
-    SetHeader(plan.script, version + "|" + order.url + plan.updaterFolder + UpdaterName);
-  } else if (offered.empty()) {
-    problems.emplace_back(
+  const Script script = CutWithNumbers(plan.script);
+  if (script.lines.empty()) {
+    made.problems.emplace_back(
         "The script needs the updater's version and URL: put Kestrane.exe into the new folder, or "
         "name them with --updater.");
+    return;
+  }
+  const std::string& offered = FieldAt(script.lines[0], 0);
+  if (!version.empty() && VersionToNumber(version) < VersionToNumber(offered)) {
+    made.notes.push_back("The script offers the updater " + offered +
+                         ", but Kestrane.exe in the new folder is " + version +
+                         ": if that is the file at the URL of the script, every installation "
+                         "replaces it again and again.");
   }
 }
 
-Difference Everything(const Folder& folder) {
+Difference Everything(const Plan& plan) {
   Difference difference;
-  for (const auto& [key, file] : folder) difference.changed.push_back(file);
+  for (const auto& [key, file] : plan.newFolder) difference.changed.push_back(file);
+  for (const auto& [key, file] : plan.oldFolder) difference.present.push_back(file);
   return difference;
 }
 
-void PlanScript(Plan& plan) {
+void PlanUploads(Plan& plan) {
+  const Difference difference = plan.order.coversOlder ? Everything(plan) : plan.difference;
+  for (const auto* files : {&difference.added, &difference.changed}) {
+    for (const auto& [name, path] : *files) {
+      const fs::path below = path.lexically_relative(plan.order.newFolder);
+      plan.uploads.push_back({path, plan.order.to / below});
+    }
+  }
+}
+
+void PlanScript(Plan& plan, Made& made) {
   const Order& order = plan.order;
   if (!order.name.empty()) SetName(plan.script, order.name);
-  PutBlock(plan.script, BlockFor("=", order.from, plan.difference, order.wishes), order.from);
+  made.block = BlockFor("=", order.from, plan.difference, order.wishes);
+  PutBlock(plan.script, made.block, order.from);
   if (!order.coversOlder) return;
   // Nobody knows what those have, so all of it is kept.
   Wishes wishes = order.wishes;
   for (const auto& [key, file] : plan.newFolder) wishes.backups.push_back(file.name);
-  AppendBlock(plan.script, BlockFor("<", order.to, Everything(plan.newFolder), wishes));
+  const auto replaced =
+      PutOlderBlock(plan.script, BlockFor("<", order.to, Everything(plan), wishes));
+  for (const auto& version : replaced) {
+    made.notes.push_back("The block for all versions below " + version +
+                         " is gone: the one for all below " + order.to + " stands in its place.");
+  }
+  made.notes.push_back("An application that passes no valid version gets the block for all below " +
+                       order.to + ", at every start.");
 }
 
 void CheckScript(const Plan& plan, Problems& problems) {
@@ -155,20 +111,23 @@ void CheckScript(const Plan& plan, Problems& problems) {
   }
 }
 
+/// What is published already stays untouched where it is the same.
 bool Copy(const fs::path& file, const fs::path& target) {
+  if (HaveSameContent(file, target)) return true;
   std::error_code error;
   fs::create_directories(target.parent_path(), error);
-  return fs::copy_file(file, target, fs::copy_options::overwrite_existing, error);
+  fs::remove(target, error);  // copying over it fails with some libraries
+  return fs::copy_file(file, target, error);
 }
 
-bool CopyFiles(const Plan& plan, const std::vector<FolderFile>& files) {
+bool CopyFiles(const Plan& plan) {
   std::size_t done = 0;
-  StartProgress("Copying", files.size());
-  const bool copied = std::all_of(files.begin(), files.end(), [&](const FolderFile& file) {
-    ShowProgress(++done);
-    const fs::path name = file.path.lexically_relative(plan.order.newFolder);
-    return Copy(file.path, plan.order.site / plan.order.to / name);
-  });
+  StartProgress("Copying", plan.uploads.size());
+  const bool copied =
+      std::all_of(plan.uploads.begin(), plan.uploads.end(), [&](const Upload& upload) {
+        ShowProgress(++done);
+        return Copy(upload.file, plan.order.site / upload.target);
+      });
   EndProgress();
   return copied;
 }
@@ -184,47 +143,67 @@ bool WriteScript(const fs::path& path, const std::string& script) {
 }
 
 bool WriteSite(const Plan& plan) {
-  const Order& order = plan.order;
-  std::vector<FolderFile> files = plan.difference.added;
-  files.insert(files.end(), plan.difference.changed.begin(), plan.difference.changed.end());
-  if (order.coversOlder) files = Everything(plan.newFolder).changed;
-  if (!CopyFiles(plan, files)) return false;
-  if (!plan.newUpdater.empty() &&
-      !Copy(plan.newUpdater, order.site / plan.updaterFolder / UpdaterName)) {
-    return false;
-  }
-  return WriteScript(order.site / ScriptName, plan.script);
+  return CopyFiles(plan) && WriteScript(plan.order.site / ScriptName, plan.script);
 }
 
-}  // namespace
+void CountFiles(const Difference& difference, Made& made) {
+  made.changed = difference.changed.size();
+  made.added = difference.added.size();
+  made.removed = difference.removed.size();
+  for (const auto* files : {&difference.added, &difference.changed}) {
+    for (const auto& [name, path] : *files) {
+      const auto size = fs::file_size(path);
+      made.bytes += size;
+      if (size < made.largestBytes) continue;
+      made.largestBytes = size;
+      made.largest = modFunciones::ToUtf8(name);
+    }
+  }
+}
 
-Problems Make(const Order& order) {
-  Problems problems;
-  CheckOrder(order, problems);
-  if (!problems.empty()) return problems;
-
+Plan PlanFor(const Order& order, Made& made) {
   Plan plan;
   plan.order = order;
   plan.order.url = WithSlash(order.url);
   plan.order.wishes.url = plan.order.url + order.to + "/";
-  plan.oldFolder = ListFolder(order.oldFolder, problems);
-  plan.newFolder = ListFolder(order.newFolder, problems);
+  plan.oldFolder = ListFolder(order.oldFolder, order.excluded, made.problems);
+  plan.newFolder = ListFolder(order.newFolder, order.excluded, made.problems);
   plan.difference = Compare(plan.oldFolder, plan.newFolder);
+  std::erase_if(plan.difference.removed,
+                [&](const FolderFile& file) { return AreAmong(order.wishes.kept, file.name); });
   plan.script = ReadFile(order.site / ScriptName).value_or("");
-  CheckDifference(plan.difference, problems);
-  CheckCompanions(plan, problems);
-  CheckFoldersAgainstFiles(plan.oldFolder, plan.newFolder, problems);
-  CheckFoldersAgainstFiles(plan.newFolder, plan.oldFolder, problems);
-  CheckEmptyFolders(plan, problems);
-  CheckWishedNames(plan, problems);
-  PlanHeader(plan, problems);
-  if (!problems.empty()) return problems;
+  return plan;
+}
 
-  PlanScript(plan);
-  CheckScript(plan, problems);
-  if (problems.empty() && !WriteSite(plan))
-    problems.emplace_back("The upload folder cannot be written.");
-  return problems;
+}  // namespace
+
+Made Make(const Order& order) {
+  Made made;
+  CheckOrder(order, made.problems);
+  if (!made.problems.empty()) return made;
+
+  Plan plan = PlanFor(order, made);
+  CheckFolders(plan, made.problems);
+  PlanHeader(plan, made);
+  if (!made.problems.empty()) return made;
+
+  PlanUploads(plan);
+  PlanScript(plan, made);
+  CheckScript(plan, made.problems);
+  CheckUploads(plan, made.problems);
+  if (!made.problems.empty()) return made;
+
+  const auto unnamed = Unnamed(plan);
+  if (!unnamed.empty()) {
+    made.notes.push_back("No line of the script names " + Some(unnamed) +
+                         " any more: what nobody fetches can go.");
+  }
+  CountFiles(plan.difference, made);
+  made.script = plan.script;
+  if (!order.isTrial && !WriteSite(plan)) {
+    made.problems.emplace_back("The upload folder cannot be written.");
+  }
+  return made;
 }
 
 }  // namespace publish

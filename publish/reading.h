@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,14 +20,23 @@ struct Block {
   Audience audience;    // those for whom it takes effect
 };
 
+/// What becomes of an action.
+enum class Fate {
+  Done,
+  Missing,     // the server does not offer the file, and the script is refused for it
+  Failed,      // it ends the update, or the message of the final screen is its own
+  NotStarted,  // a program, for want of a word that says whether to wait
+};
+
 /// An action line that takes effect for somebody.
 struct TakenAction {
   std::size_t line;   // index into Script::lines
   std::size_t block;  // index into the blocks
   const modPrincipal::Command* command;
   bool immediate;         // carried out while the script is read
-  bool missing = false;   // the server does not offer the file, and the script is refused for it
   std::int32_t size = 0;  // bytes to download, where the server was asked
+  Fate fate = Fate::Done;
+  std::optional<std::uintmax_t> published = std::nullopt;  // bytes in the upload folder, if others
 };
 
 struct Reading {

@@ -1,13 +1,17 @@
 #include "publish/report.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <iostream>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "base/arrays.h"
 #include "base/text.h"
 #include "platform/console.h"
+#include "publish/source.h"
 #include "publish/versions.h"
+#include "publish/words.h"
 #include "run/messages.h"
 
 namespace publish {
@@ -24,7 +28,9 @@ constexpr SeverityLook Looks[] = {{"error", "\033[31m"}, {"warning", "\033[33m"}
 const SeverityLook& LookOf(Severity severity) { return Looks[static_cast<std::size_t>(severity)]; }
 
 std::string Coloured(const std::string& text, const char* colour) {
-  static const bool inColour = platform::console::IsTerminal(platform::console::Stream::Output);
+  static const char* const unwanted = std::getenv("NO_COLOR");
+  static const bool inColour = platform::console::IsTerminal(platform::console::Stream::Output) &&
+                               (unwanted == nullptr || *unwanted == '\0');
   return inColour ? colour + text + "\033[0m" : text;
 }
 
@@ -34,16 +40,93 @@ std::size_t Count(const Findings& findings, Severity severity) {
                     [&](const Finding& finding) { return finding.severity == severity; }));
 }
 
-std::string Number(std::int64_t number, const char* unit) {
-  std::string digits = std::to_string(number);
-  for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, ",");
-  return digits + " " + unit + (number == 1 ? "" : "s");
-}
-
 Json AsJson(const Finding& finding) {
   return {{"severity", LookOf(finding.severity).word},
           {"line", finding.line},
           {"text", modFunciones::ToUtf8(finding.text)}};
+}
+
+Json AsJson(const Examination& examination) {
+  const auto& [scriptName, verdict, findings] = examination;
+  Json json = {{"script", scriptName},
+               {"verdict", modFunciones::ToUtf8(verdict)},
+               {"errors", Count(findings, Severity::Error)},
+               {"warnings", Count(findings, Severity::Warning)},
+               {"findings", Json::array()}};
+  for (const auto& finding : findings) json["findings"].push_back(AsJson(finding));
+  return json;
+}
+
+Json AsJson(const Order& order, const Made& made) {
+  Json json = {{"written", !order.isTrial}, {"from", order.from},  {"to", order.to},
+               {"changed", made.changed},   {"added", made.added}, {"removed", made.removed},
+               {"bytes", made.bytes},       {"notes", made.notes}, {"block", Json::array()}};
+  for (const auto& line : made.block) json["block"].push_back(modFunciones::ToUtf8(line));
+  return json;
+}
+
+void Print(const Json& json) { std::cout << json.dump(2) << "\n"; }
+
+/// A finding, with the other lines that it was found in.
+struct Group {
+  const Finding* first;
+  std::vector<std::string> others;
+};
+
+std::vector<Group> Grouped(const Findings& findings) {
+  std::vector<Group> groups;
+  std::map<std::pair<Severity, std::string_view>, std::size_t> known;
+  for (const auto& finding : findings) {
+    const auto [at, isNew] =
+        known.insert({{finding.severity, std::string_view(finding.text)}, groups.size()});
+    if (isNew) {
+      groups.push_back({&finding, {}});
+    } else {
+      groups[at->second].others.push_back(std::to_string(finding.line));
+    }
+  }
+  return groups;
+}
+
+void PrintExamination(const Examination& examination) {
+  constexpr std::size_t Most = 100;
+  const auto& [scriptName, verdict, findings] = examination;
+  const auto groups = Grouped(findings);
+  for (std::size_t i = 0; i < std::min(groups.size(), Most); ++i) {
+    const auto& [severity, line, text] = *groups[i].first;
+    const auto& look = LookOf(severity);
+    const auto& others = groups[i].others;
+    std::cout << scriptName << ":" << (line > 0 ? std::to_string(line) + ":" : "") << " "
+              << Coloured(look.word, look.colour) << ": " << modFunciones::ToUtf8(text);
+    if (!others.empty()) {
+      std::cout << " (also in line" << (others.size() > 1 ? "s " : " ") << Some(others) << ")";
+    }
+    std::cout << "\n";
+  }
+  if (groups.size() > Most) std::cout << "and " << groups.size() - Most << " more findings\n";
+  std::cout << scriptName << ": " << Number(Count(findings, Severity::Error), "error") << ", "
+            << Number(Count(findings, Severity::Warning), "warning") << "; the updater "
+            << (verdict.empty() ? "understands it" : "refuses it, and says:") << "\n";
+  if (!verdict.empty()) std::cout << "  " << modFunciones::ToUtf8(verdict) << "\n";
+}
+
+void PrintMade(const Order& order, const Made& made) {
+  std::cout << "From " << order.from << " to " << order.to << ": " << Number(made.changed, "file")
+            << " changed, " << made.added << " new, " << made.removed << " gone. A user downloads "
+            << Number(made.bytes, "byte") << ".\n";
+  if (made.bytes > 0) {
+    std::cout << "A file with one changed byte is downloaded whole; the largest of these is "
+              << made.largest << ", " << Number(made.largestBytes, "byte") << ".\n";
+  }
+  for (const auto& note : made.notes)
+    std::cout << Coloured("note", "\033[36m") << ": " << note << "\n";
+  if (order.isTrial) {
+    for (const auto& line : made.block) std::cout << "  " << modFunciones::ToUtf8(line) << "\n";
+    std::cout << "Nothing was written; without --dry-run this block would be.\n";
+  } else {
+    std::cout << "Upload what is in " << Utf8Of(order.site) << ": the folders first, " << ScriptName
+              << " last.\n";
+  }
 }
 
 std::string InstalledText(const Outcome& outcome) {
@@ -52,6 +135,15 @@ std::string InstalledText(const Outcome& outcome) {
   if (outcome.last == LatestVersion) return outcome.first + " and later";
   return outcome.first + " to " + outcome.last;
 }
+
+/// What is said of actions that are not done, by their fate.
+constexpr struct {
+  const char* key;
+  const char* text;
+} FateWords[] = {{"", ""},
+                 {"missing", "not available"},
+                 {"fails", "fails"},
+                 {"notStarted", "not started: neither WAIT nor NOWAIT"}};
 
 /// The marker stands apart, so that the command word is always found in the same place.
 Json AsJson(const TakenAction& action, const Script& script, bool probed) {
@@ -65,7 +157,8 @@ Json AsJson(const TakenAction& action, const Script& script, bool probed) {
                {"command", modFunciones::ToUtf8(modPrincipal::CommandWord(line))},
                {"arguments", arguments}};
   if (probed) json["bytes"] = action.size;
-  if (action.missing) json["missing"] = true;
+  if (action.published) json["bytesInTheUploadFolder"] = *action.published;
+  if (action.fate != Fate::Done) json[FateWords[static_cast<std::size_t>(action.fate)].key] = true;
   return json;
 }
 
@@ -100,8 +193,15 @@ void PrintAction(const TakenAction& action, const Script& script, bool probed) {
   Fields shown = script.lines[action.line];
   shown[0] = modPrincipal::CommandWord(shown);
   std::cout << modFunciones::ToUtf8(modFunciones::Join(shown, "  "));
-  if (probed && action.size > 0) std::cout << "  (" << Number(action.size, "byte") << ")";
-  if (action.missing) std::cout << "  (not available)";
+  const bool isFile = action.command->effect == modPrincipal::Effect::Download;
+  if (action.fate != Fate::Done) {
+    std::cout << "  (" << FateWords[static_cast<std::size_t>(action.fate)].text << ")";
+  } else if (probed && isFile) {
+    std::cout << "  (" << Number(static_cast<std::uint64_t>(action.size), "byte") << ")";
+  }
+  if (action.published) {
+    std::cout << "  (but " << Number(*action.published, "byte") << " in the upload folder)";
+  }
   std::cout << "\n";
 }
 
@@ -112,7 +212,7 @@ void PrintOffer(const Offer& offer, bool probed) {
   if (!offer.failure.empty()) {
     std::cout << "  (not available)\n  final screen: " << modFunciones::ToUtf8(offer.failure);
   } else if (probed) {
-    std::cout << "  (" << Number(offer.bytes, "byte") << ")";
+    std::cout << "  (" << Number(static_cast<std::uint64_t>(offer.bytes), "byte") << ")";
   }
   std::cout << "\n\n";
 }
@@ -120,56 +220,67 @@ void PrintOffer(const Offer& offer, bool probed) {
 void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   std::cout << Coloured("Installed: " + modFunciones::ToUtf8(InstalledText(outcome)), "\033[1m")
             << "\n";
-  const bool isUpdate = outcome.finalScreen == modPrincipal::Success;
+  const bool isUpdate =
+      outcome.reading.failure.empty() && outcome.finalScreen != modPrincipal::NothingToDo;
   if (isUpdate)
     std::cout << "  in the window: " << modFunciones::ToUtf8(outcome.reading.name) << "\n";
   for (const auto& action : outcome.reading.actions) {
     PrintAction(action, script, probed);
   }
-  if (probed && isUpdate) std::cout << "  in all " << Number(outcome.bytes, "byte") << "\n";
+  if (probed && isUpdate)
+    std::cout << "  in all " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte") << "\n";
   std::cout << "  final screen: " << modFunciones::ToUtf8(outcome.finalScreen) << "\n\n";
+}
+
+void PrintInShort(const Outcome& outcome, bool probed) {
+  std::cout << modFunciones::ToUtf8(InstalledText(outcome)) << ": "
+            << Number(outcome.reading.actions.size(), "action");
+  if (probed) std::cout << ", " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte");
+  std::cout << "\n  " << modFunciones::ToUtf8(outcome.finalScreen) << "\n";
 }
 
 }  // namespace
 
-void ReportFindings(const std::string& scriptName, const std::string& verdict,
-                    const Findings& findings, bool asJson) {
-  const auto errors = Count(findings, Severity::Error);
-  const auto warnings = Count(findings, Severity::Warning);
+void ReportFindings(const Examination& examination, bool asJson) {
   if (asJson) {
-    Json json = {{"script", scriptName},
-                 {"verdict", modFunciones::ToUtf8(verdict)},
-                 {"errors", errors},
-                 {"warnings", warnings},
-                 {"findings", Json::array()}};
-    for (const auto& finding : findings) json["findings"].push_back(AsJson(finding));
-    std::cout << json.dump(2) << "\n";
-    return;
+    Print(AsJson(examination));
+  } else {
+    PrintExamination(examination);
   }
-  for (const auto& [severity, line, text] : findings) {
-    const auto& look = LookOf(severity);
-    std::cout << Coloured(look.word, look.colour) << ": "
-              << (line > 0 ? "line " + std::to_string(line) + ": " : "")
-              << modFunciones::ToUtf8(text) << "\n";
+}
+
+void ReportProblems(const std::vector<std::string>& problems, bool asJson) {
+  if (asJson) return Print({{"problems", problems}});
+  for (const auto& problem : problems) std::cerr << problem << "\n";
+}
+
+void ReportMade(const Order& order, const Made& made, const Examination& examination, bool asJson) {
+  if (asJson) {
+    Json json = AsJson(examination);
+    json["made"] = AsJson(order, made);
+    return Print(json);
   }
-  std::cout << scriptName << ": " << Number(static_cast<std::int64_t>(errors), "error") << ", "
-            << Number(static_cast<std::int64_t>(warnings), "warning") << "; the updater "
-            << (verdict.empty() ? "understands it" : "refuses it: " + modFunciones::ToUtf8(verdict))
-            << "\n";
+  PrintMade(order, made);
+  PrintExamination(examination);
 }
 
 void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,
-                    bool probed, bool asJson) {
-  if (asJson) {
+                    bool probed, Form form) {
+  if (form == Form::Json) {
     Json json = {{"updater", AsJson(offer, probed)}, {"installed", Json::array()}};
     for (const auto& outcome : outcomes) {
       json["installed"].push_back(AsJson(script, outcome, probed));
     }
-    std::cout << json.dump(2) << "\n";
-    return;
+    return Print(json);
   }
   PrintOffer(offer, probed);
-  for (const auto& outcome : outcomes) PrintOutcome(script, outcome, probed);
+  for (const auto& outcome : outcomes) {
+    if (form == Form::Summary) {
+      PrintInShort(outcome, probed);
+    } else {
+      PrintOutcome(script, outcome, probed);
+    }
+  }
 }
 
 int StatusOf(const Findings& findings) {

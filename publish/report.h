@@ -6,18 +6,30 @@
 #include <vector>
 
 #include "publish/check.h"
+#include "publish/order.h"
 #include "publish/script_text.h"
 #include "publish/simulate.h"
 
 namespace publish {
 
-/// scriptName: in UTF-8. verdict: the parser's message, or "" when it understands the script.
-void ReportFindings(const std::string& scriptName, const std::string& verdict,
-                    const Findings& findings, bool asJson);
+/// What check tells.
+struct Examination {
+  std::string scriptName;  // in UTF-8
+  std::string verdict;     // the parser's message, or "" when it understands the script
+  Findings findings;
+};
+void ReportFindings(const Examination& examination, bool asJson);
+
+/// Why nothing was done, each in a sentence in UTF-8; on standard error, unless as JSON.
+void ReportProblems(const std::vector<std::string>& problems, bool asJson);
+
+void ReportMade(const Order& order, const Made& made, const Examination& examination, bool asJson);
+
+enum class Form { Text, Summary, Json };
 
 /// probed: sizes are known.
 void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,
-                    bool probed, bool asJson);
+                    bool probed, Form form);
 
 /// The exit status for findings: 0 without any, 1 for warnings, 2 for errors.
 [[nodiscard]] int StatusOf(const Findings& findings);

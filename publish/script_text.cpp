@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "publish/pattern.h"
+
 namespace publish {
 
 Script CutWithNumbers(std::string text) {
@@ -18,6 +20,10 @@ const modPrincipal::Command* CommandOf(const Fields& line) {
 bool Is(const Fields& line, modPrincipal::Verb verb) {
   const auto* const command = CommandOf(line);
   return command != nullptr && command->verb == verb;
+}
+
+bool DeletesUpdater(const std::string& lowerPath) {
+  return Fits("$apppath\\kestrane.exe", lowerPath);
 }
 
 const std::string& FieldAt(const Fields& fields, std::size_t index) {

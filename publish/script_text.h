@@ -26,6 +26,9 @@ struct Script {
 
 [[nodiscard]] bool Is(const Fields& line, modPrincipal::Verb verb);
 
+/// Whether a path that DELETE takes, in lower case, names the updater, which runs and stays.
+[[nodiscard]] bool DeletesUpdater(const std::string& lowerPath);
+
 /// Field number index, or the empty text when the line ends before it.
 [[nodiscard]] const std::string& FieldAt(const Fields& fields, std::size_t index);
 

@@ -1,7 +1,9 @@
 #include "publish/simulate.h"
 
 #include <algorithm>
+#include <set>
 
+#include "base/text.h"
 #include "publish/progress.h"
 #include "publish/versions.h"
 #include "run/messages.h"
@@ -12,6 +14,7 @@ namespace publish {
 namespace {
 
 using modPrincipal::FilesNotAvailable;
+using modPrincipal::Verb;
 
 bool IsImmediate(const TakenAction& action) { return action.immediate; }
 
@@ -25,10 +28,90 @@ void Probe(const Script& script, Reading& reading) {
     ShowProgress(++asked);
     const auto length = modFunciones::AvailableLength(url);
     at->size = length.value_or(0);
-    at->missing = !length;
-    if (at->missing) reading.failure = FilesNotAvailable;
+    if (length) continue;
+    at->fate = Fate::Missing;
+    reading.failure = FilesNotAvailable;
   }
   reading.actions.erase(at, reading.actions.end());
+}
+
+bool IsDownload(const TakenAction& action) {
+  return action.command->effect == modPrincipal::Effect::Download;
+}
+
+/// The recorded actions, as they are carried out, and what the final screen says then.
+class Run {
+ public:
+  Run(const Script& readScript, Outcome& result, bool sizesAreKnown)
+      : script(readScript), outcome(result), isProbed(sizesAreKnown) {}
+
+  void CarryOut() {
+    if (Downloads()) Installs();
+  }
+
+ private:
+  std::string ArgumentOf(const TakenAction& action) const {
+    return modFunciones::LowerCase(FieldAt(script.lines[action.line], 1));
+  }
+
+  void Fail(TakenAction& action, std::string_view message) {
+    action.fate = Fate::Failed;
+    outcome.finalScreen = message;
+  }
+
+  /// False when a file cannot be downloaded. No action is carried out then.
+  bool Downloads() {
+    auto& actions = outcome.reading.actions;
+    if (isProbed && outcome.bytes == 0) return true;  // nothing is downloaded
+    const auto failing = std::find_if(actions.begin(), actions.end(), [&](const auto& action) {
+      const bool hasUrl = !FieldAt(script.lines[action.line], 2).empty();
+      const bool isFile = ArgumentOf(action).find_first_of("*?") == std::string::npos;
+      return IsDownload(action) && !(hasUrl && isFile);
+    });
+    if (failing == actions.end()) return true;
+    Fail(*failing, modPrincipal::WriteFailure);
+    std::erase_if(actions, [](const TakenAction& action) {
+      return !action.immediate && action.fate == Fate::Done;
+    });
+    return false;
+  }
+
+  /// Whether the download is not there, or not to be put where it belongs.
+  bool StaysOut(const TakenAction& action) {
+    const std::string path = ArgumentOf(action);
+    const bool isRunning = action.command->verb == Verb::Update && path == "$apppath\\kestrane.exe";
+    const bool isFirst = placed.insert(path).second;
+    return isRunning || !isFirst || path.empty() || (isProbed && outcome.bytes == 0);
+  }
+
+  /// A file that stays ends the update; one that cannot be deleted does not.
+  void Installs() {
+    auto& actions = outcome.reading.actions;
+    for (auto action = actions.begin(); action != actions.end(); ++action) {
+      if (action->immediate) continue;
+      if (action->command->verb == Verb::Delete && DeletesUpdater(ArgumentOf(*action))) {
+        Fail(*action, modPrincipal::DeleteFailure);
+      } else if (IsDownload(*action) && StaysOut(*action)) {
+        Fail(*action, modPrincipal::WriteFailure);
+        actions.erase(action + 1, actions.end());
+        return;
+      }
+    }
+  }
+
+  const Script& script;
+  Outcome& outcome;
+  bool isProbed;
+  std::set<std::string> placed;
+};
+
+/// A program is started only where the line says whether to wait for it.
+void MarkProgramsThatAreNotStarted(const Script& script, Reading& reading) {
+  for (auto& action : reading.actions) {
+    if (action.command->verb != Verb::Execute) continue;
+    const auto& waits = action.command->Arguments()[1].words;
+    if (!ValueOf(waits, FieldAt(script.lines[action.line], 2))) action.fate = Fate::NotStarted;
+  }
 }
 
 std::string FinalScreenOf(const Reading& reading) {
@@ -59,20 +142,46 @@ Offer SimulateOffer(const Script& script, bool probe) {
 
 Outcome Simulate(const Script& script, const std::string& installed, bool probe) {
   StartProgress("Asking the server", script.lines.size());
-  Outcome outcome = {installed, installed, Read(script, {modPrincipal::VersionToNumber(installed)}),
-                     "", 0};
+  // A blank at the beginning is lost on the command line.
+  const auto first = std::min(installed.find_first_not_of(" \t"), installed.size());
+  const auto number = modPrincipal::VersionToNumber(installed.substr(first));
+  Outcome outcome = {installed, installed, Read(script, {number}), "", 0};
   auto& actions = outcome.reading.actions;
   if (probe) Probe(script, outcome.reading);
   EndProgress();
   // Of a refused script no row is carried out; the last one may be what it is refused for.
   const bool isRefused = !outcome.reading.failure.empty();
   std::erase_if(actions, [&](const TakenAction& action) {
-    return isRefused && !action.immediate && !action.missing;
+    return isRefused && !action.immediate && action.fate != Fate::Missing;
   });
   std::stable_partition(actions.begin(), actions.end(), IsImmediate);
+  MarkProgramsThatAreNotStarted(script, outcome.reading);
   outcome.finalScreen = FinalScreenOf(outcome.reading);
   for (const auto& action : actions) outcome.bytes += action.size;
+  if (!isRefused) Run(script, outcome, probe).CarryOut();
   return outcome;
+}
+
+bool GoesWrong(const Outcome& outcome) {
+  const auto& actions = outcome.reading.actions;
+  const bool differs = std::any_of(actions.begin(), actions.end(),
+                                   [](const auto& action) { return action.published.has_value(); });
+  return differs || (outcome.finalScreen != modPrincipal::Success &&
+                     outcome.finalScreen != modPrincipal::NothingToDo);
+}
+
+void CompareWithSite(const Script& script, const Site& site, std::vector<Outcome>& outcomes) {
+  for (auto& outcome : outcomes) {
+    for (auto& action : outcome.reading.actions) {
+      if (!IsDownload(action) || action.fate == Fate::Missing) continue;
+      const auto file = site.FileOf(FieldAt(script.lines[action.line], 2));
+      if (!file) continue;
+      std::error_code error;
+      const auto size = std::filesystem::file_size(*file, error);
+      const bool isSame = !error && size == static_cast<std::uintmax_t>(action.size);
+      if (!isSame) action.published = error ? 0 : size;
+    }
+  }
 }
 
 std::vector<Outcome> SimulateAll(const Script& script, bool probe) {

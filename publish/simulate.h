@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "publish/reading.h"
+#include "publish/site.h"
 
 namespace publish {
 
@@ -13,7 +14,7 @@ struct Outcome {
   std::string first;  // the installed versions from first to last; empty: one that is no version
   std::string last;
   Reading reading;          // its actions in the order in which they are carried out
-  std::string finalScreen;  // its text, if nothing fails later
+  std::string finalScreen;  // its text, if nothing fails that nobody knows of beforehand
   std::int64_t bytes = 0;   // to download, where the server was asked
 };
 
@@ -28,6 +29,12 @@ struct Offer {
 [[nodiscard]] Offer SimulateOffer(const Script& script, bool probe);
 
 [[nodiscard]] Outcome Simulate(const Script& script, const std::string& installed, bool probe);
+
+/// Whether the update fails, or the server has other files than the upload folder.
+[[nodiscard]] bool GoesWrong(const Outcome& outcome);
+
+/// Notes where the server, which was asked, has another size than the upload folder.
+void CompareWithSite(const Script& script, const Site& site, std::vector<Outcome>& outcomes);
 
 /// One outcome for each range of versions that meet the same.
 [[nodiscard]] std::vector<Outcome> SimulateAll(const Script& script, bool probe);

@@ -30,6 +30,18 @@ std::optional<std::string> Download(const std::string& url) {
   return content;
 }
 
+/// The status that a HEAD request is answered with; empty without an answer.
+std::string StatusOf(const std::string& url) {
+  const auto parts = modFunciones::SplitUrl(url);
+  const auto port = parts.empty() ? std::nullopt : modFunciones::PortNumber(parts[1]);
+  if (!port) return "";
+  std::int32_t length = modFunciones::TransferBlockSize;
+  const std::string status = modFunciones::HttpHeadQuery(
+      modFunciones::HTTP_QUERY_STATUS_CODE, parts[0], *port, parts[2], length, "", "", "",
+      modFunciones::UserAgentText, modFunciones::PreconfiguredAccess, "", parts.size() > 3);
+  return status == "0" ? "" : status;  // what Windows says without one
+}
+
 }  // namespace
 
 bool IsUrl(const std::string& text) {
@@ -38,6 +50,22 @@ bool IsUrl(const std::string& text) {
 
 std::optional<std::string> Fetch(const std::string& fileOrUrl) {
   return IsUrl(fileOrUrl) ? Download(fileOrUrl) : ReadFile(PathOf(fileOrUrl));
+}
+
+std::string WhyUnreadable(const std::string& fileOrUrl) {
+  if (!IsUrl(fileOrUrl)) {
+    std::error_code error;
+    if (std::filesystem::is_directory(PathOf(fileOrUrl), error)) return "is a folder";
+    const bool isThere = std::filesystem::exists(PathOf(fileOrUrl), error);
+    return isThere ? "cannot be read" : "is not there";
+  }
+  if (modFunciones::IsAvailable(fileOrUrl)) return "breaks off while it is read";
+  const std::string status = StatusOf(fileOrUrl);
+  if (!status.empty()) return "is answered with status " + status + " instead of 200";
+  return modFunciones::IsSecureUrl(fileOrUrl)
+             ? "gives no answer: there is no server, or its certificate is not trusted here, or it "
+               "leads to a URL that is not https"
+             : "gives no answer: there is no such server, or none that listens";
 }
 
 std::filesystem::path PathOf(const std::string& utf8) {

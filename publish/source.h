@@ -13,6 +13,9 @@ namespace publish {
 /// tells status 200, as the program asks. Nothing when it cannot be had.
 [[nodiscard]] std::optional<std::string> Fetch(const std::string& fileOrUrl);
 
+/// What became of the attempt, to follow the name in a sentence, where Fetch returned nothing.
+[[nodiscard]] std::string WhyUnreadable(const std::string& fileOrUrl);
+
 /// A path in UTF-8 as the standard library takes it, and the other way round.
 [[nodiscard]] std::filesystem::path PathOf(const std::string& utf8);
 [[nodiscard]] std::string Utf8Of(const std::filesystem::path& path);

@@ -1,5 +1,6 @@
 #include "publish/versions.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <set>
 
@@ -45,6 +46,20 @@ std::vector<std::int32_t> VersionsToldApart(const Script& script) {
   std::erase_if(numbers, [](std::int32_t number) { return VersionOf(number).empty(); });
   numbers.insert(0);
   return {numbers.begin(), numbers.end()};
+}
+
+std::string OddityOf(const std::string& version) {
+  if (modPrincipal::VersionToNumber(version) == 0) {
+    return "is no version such as 3.2.0: up to three numbers of at most three digits";
+  }
+  if (std::count(version.begin(), version.end(), '.') > 2) {
+    return "has more than three parts, and the updater ignores those behind the third: say 3.1.42 "
+           "for 3.1.4.2, for example";
+  }
+  if (version.starts_with('0') && version.size() > 1 && version[1] != '.') {
+    return "begins with a needless 0, which makes it greater than 9.0.0: leave the 0 out";
+  }
+  return "";
 }
 
 std::string VersionOf(std::int32_t number) {

@@ -19,6 +19,9 @@ inline constexpr const char* LatestVersion = "999.999.999";
 /// an installed version that is none.
 [[nodiscard]] std::vector<std::int32_t> VersionsToldApart(const Script& script);
 
+/// What is odd about the text of a version, to follow it in a sentence; empty when nothing is.
+[[nodiscard]] std::string OddityOf(const std::string& version);
+
 /// The version that has a number; empty when none has.
 [[nodiscard]] std::string VersionOf(std::int32_t number);
 

@@ -22,7 +22,8 @@ run_block() {
       eval "${command//$site/$address}" 2>&1 | sed -E "s#$address#$site#; s/[0-9,]+ byte/N byte/"
       sed -i "s#$address#$site#" site/update.txt
     else
-      eval "$command" 2>&1 || true # the findings tell
+      # The findings tell; sizes are those of a build.
+      eval "$command" 2>&1 | sed -E "/download/s/[0-9,]+ byte/N byte/" || true
     fi
   done
 }
@@ -54,6 +55,13 @@ for block in *.console; do
 done
 curl -sI "http://127.0.0.1:$port/ledger/{update.txt,3.2.0/rates.txt}" >headers.txt
 [[ $(grep -c -e no-cache -e immutable headers.txt) == 2 ]] || fail "the files are kept otherwise: $(cat headers.txt)"
+
+next_port
+kestrane-publish serve site --port $port >/dev/null &
+children+=($!)
+wait_until 5 curl -sf http://127.0.0.1:$port/update.txt -o served.txt || fail "nothing is served"
+sed -n 's#.*\(http://127[^|]*rates.txt\)$#url = \1#p' served.txt | head -1 | curl -sfK - | cmp - ledger-3.2.0/rates.txt
+[[ $(curl -s --path-as-is -w '%{http_code}' http://127.0.0.1:$port/../update.txt) == 404 ]] || fail "more is served"
 
 # Stand-ins print or write the command line instead of starting anything.
 expected='"2.7.1" "app folder" "'$site'/ledger/update.txt" "app folder\ledger.exe" "NO" "Ledger"'

@@ -81,12 +81,12 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
 TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
   sandbox.Fill({{"old/app.exe", "1"}, {"old/same", "="}, {"old/b c/gone", "1"}, {"old/data", "1"}});
   sandbox.Fill({{"new/app.exe", "2"}, {"new/same", "="}, {"new/d/e/f", "2"}, {"new/data", ""}});
-  sandbox.Write("new/b c/x", "2");
+  sandbox.Fill({{"new/b c/x", "2"}, {"old/mine", "edited"}, {"new/mine", "default"}});
   std::filesystem::rename(sandbox.Folder("new/b c/x"), sandbox.Folder("new/b c") / u8"ñ #%.txt");
   Run((OwnFolder() / "../kestrane-publish").string(),
       {"make", sandbox.Folder("old").string(), sandbox.Folder("new").string(), "--site",
        sandbox.Folder("site").string(), "--url", server.Url(""), "--from", "2.7.1", "--to", "3.0.0",
-       "--updater", server.Url("/Kestrane.exe"), "1.0.3"});
+       "--updater", server.Url("/Kestrane.exe"), "1.0.3", "--keep", "mine"});
   ASSERT_TRUE(Ends());
   for (const auto& [name, shown] : sandbox.Tree("site")) {
     server.Serve("/" + name, {sandbox.Read("site/" + name)});
@@ -97,6 +97,7 @@ TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
   ASSERT_TRUE(Ends());
   Tree made = sandbox.Tree("new");
   made["Kestrane.exe"] = Shown(kestrane);
+  made["mine"] = "edited";
   EXPECT_EQ(sandbox.Tree("old"), made);
 }
 

@@ -4,8 +4,10 @@
 
 #include <random>
 
+#include "base/replace.h"
 #include "base/text.h"
 #include "publish/check.h"
+#include "publish/commands.h"
 #include "publish/make.h"
 #include "publish/reading.h"
 #include "publish/simulate.h"
@@ -22,6 +24,7 @@ using namespace publish;
 using namespace testing;
 using modFunciones::FromUtf8;
 using modFunciones::ToUtf8;
+using namespace std::string_literals;
 using Texts = std::vector<std::string>;
 
 const std::string header = "1.0.3|https://u/Kestrane.exe\nNAME|Ledger\n";
@@ -36,15 +39,16 @@ Texts FindingsOf(const std::string& script, const Knowledge& knowledge = {}) {
   return texts;
 }
 
+/// A program that says that it is version 1.0.REVISION.
+std::string Updater(const char* revision) {
+  return "MZ\xBD\x04\xEF\xFE\0\0\1\0\0\0\1\0\0\0"s + revision + "\0"s;
+}
+
 std::string Block(const std::string& lines) {  // of old versions; the first line is line 5
   return header + "VERSION|<|3.2.0\nSLEEP|1\n" + lines;
 }
 
 TEST(Check, TellsWhatIsWrong) {
-  using namespace std::string_literals;
-  const auto record = [](const char* revision) {
-    return "MZ\xBD\x04\xEF\xFE\0\0\1\0\0\0\1\0\0\0"s + revision + "\0"s;
-  };
   const std::string ends = "\nEND\nEND\nEND";
   const std::string exe = "UPDATE|$AppPath\\Ledger.exe" + url;
   const std::string old = header + "VERSION|=|2\n";
@@ -55,18 +59,19 @@ TEST(Check, TellsWhatIsWrong) {
   } cases[] = {
       {"\xEF\xBB\xBF" + header + "END\nEND", {"E1 byte-order mark"}},
       {header + "#\n\nEND", {"E0 but has 3"}},
-      {"1.0.3|https://u|" + ends, {"E1 exactly two fields"}},
+      {"1.0.3|x\rNAME|x\rEND\rEND\r", {"E1 save the text with the line ends"}},
+      {"1.0.3|https://u/x|" + ends, {"E1 exactly two fields"}},
       {"1.0.3|ftp://u/x" + ends, {"E1 no URL that the updater can use"}},
-      {"1.0.3|HTTPS://u:99999/x" + ends, {"E1 at most 32767"}},
+      {"1.0.3|HTTPS://u:99999/x" + ends, {"E1 to 32767"}},
       {"1.0.3|HTTP://localhost.u/x" + ends, {"W1 plain http"}},
       {"1.0.3|http://127.0.0.1:80/x" + ends, {}},
-      {header + ends, {"W1 will not get it"}, {"", record("\4")}},
-      {header + ends, {"E1 again and again"}, {"", record("\2")}},
-      {header + ends, {}, {"", record("\3")}},
+      {header + ends, {"W1 will not get it"}, {"", Updater("\4")}},
+      {header + ends, {"E1 again and again"}, {"", Updater("\2")}},
+      {header + ends, {}, {"", Updater("\3")}},
 
       {Block("NAME||"), {"E5 no name"}},
       {Block("VERSION|=<|2"), {"E5 no comparator"}},
-      {Block("VERSION|=|2.x"), {"E5 no version such as"}},
+      {Block("VERSION|=|2.x"), {"E5 at most three digits each"}},
       {Block("EXECUTE|x|WAIT"), {"E5 needs 4 fields, EXECUTE|command|WAIT|window, but has 3"}},
       {Block("ADD |$AppPath\\a" + url), {"E5 spaces around the command ADD"}},
       {Block(" \t\nSLEEP|1"), {"E5 nothing but blanks"}},
@@ -99,25 +104,58 @@ TEST(Check, TellsWhatIsWrong) {
       {Block("KILL|le.exe"), {"W5 the name is short"}},
       {Block("KILL| ledger.exe"), {"W5 ends nothing"}},
       {Block("KILL|"), {"W5 ends nothing"}},
+      {Block("MSG|B now|x|NOTHING"), {"W5 into 4 fields, but MSG takes 3: MSG|text|icon"}},
+      {Block("MSG|B now|NOTHING||"), {}},
+      {Block("VERSION|=|02.1.0"), {"E5 needless 0"}},
+      {Block("VERSION|=|0.1.0.4"), {"W5 more than three parts"}},
+      {Block("SLEEP|1\n"), {"W5 something may be cut off"}},
+
+      {Block("ADD|$AppPath\\a/b" + url), {"E5 at backslashes only"}},
+      {Block("DELETE|$AppPath\\a/b"), {"W5 wants a backslash"}},
+      {Block("ADD|$AppPath\\a:b.dll" + url), {"E5 may have"}},
+      {Block("ADD|$AppPath\\..\\b.\\c" + url), {}},
+      {Block("ADD|$AppPath\\b.\\c" + url), {"W5 full stop"}},
+      {Block("DELETE|\\\\pc\\share\\a"), {}},
+      {Block("DELETE|C:\\" + std::string(251, 'a')), {}},
+      {Block("DELETE|C:\\" + std::string(252, 'a')), {"E5 too long"}},
+      {Block("DELETE|$WinPath\\" + std::string(174, 'a')), {}},
+      {Block("DELETE|$WinPath\\" + std::string(175, 'a')), {"W5 at most 79 characters"}},
+      {Block("DELETE|$AppPath\\*.EXE"), {"E5 deletes the updater too", "W5 every file that fits"}},
+      {Block("REGISTER|$AppPath\\a\nADD|$AppPath\\A" + url), {"E5 before line 6 puts"}},
+      {Block("ADD|$AppPath\\a" + url + "\nDELETE|$AppPath\\A"), {"E6 that line 5 puts"}},
+      {Block("ADD|$AppPath\\a" + url + "\nEXECUTE|x|WAIT|MAX\nDELETE|$AppPath\\a"), {}},
+      {Block("ADD|$AppPath\\a" + url + "\nDELETE|$AppPath\\?"),
+       {"E6 that line 5 puts", "W6 every file that fits"}},
+      {Block("ADD|$AppPath\\a|https://u/a\\b"), {"E5 has a backslash"}},
+      {Block("ADD|$AppPath\\a|https://u/a#b"), {"E5 write %23"}},
+      {Block("ADD|$AppPath\\a|https://u/5%/%41"), {"W5 write %25"}},
+      {Block("ADD|$AppPath\\a|https://u:0/a"), {"E5 from 1 to 32767"}},
+      {Block("ADD|$AppPath\\a|https://u/a/"), {"E5 that of a folder"}},
+      {Block("ADD|$AppPath\\a|https://u"), {"E5 that of a folder"}},
+      {Block("ADD|$AppPath\\a|https://u/a?b=/"), {}},
+      {Block("ADD|$AppPath\\a|https://u/a "), {"E5 take them away"}},
 
       {Block("END\nVERSION|<|2\nSLEEP|1\nSLEEP|2\nEND"), {"W7 No installed version"}},
-      {Block("X\nSLEEP|1\nVERSION|<|3\nSLEEP|1"), {"E5 is no command"}},
+      {Block("X\nSLEEP|1\nVERSION|<|3\nSLEEP|1"), {"E5 is no command", "W3 to that of line 7"}},
       {header + "VERSION|>=|2\n!SLEEP|1", {}},
       {header + "VERSION|<=|2\nSLEEP|1", {"W3 holds for 2 itself"}},
       {header + "VERSION|<=|2\nSLEEP|1", {}, {"2.0.1", ""}},
-      {Block(""), {"E3 newest release"}, {"2.9.9", ""}},
+      {Block("END\n"), {"E3 newest release"}, {"2.9.9", ""}},
       {old + "ADD|$AppPath\\a" + url + "\nVERSION|<|3\nUPDATE|$AppPath\\A" + url,
-       {"E6 that of line 4"}},
+       {"E6 that of line 4", "W3 to that of line 5"}},
       {old + "ADD|$AppPath\\a" + url + "\nEND\nVERSION|<|3\nUPDATE|$AppPath\\A" + url, {}},
       {old + "KILL|Ledger.EXE\n" + exe, {}},
       {old + exe + "\n!KILL|ledger.exe", {}},
       {old + "ADD|$AppPath\\Kestrane.exe" + url, {"E4 cannot replace itself"}},
   };
-  for (const auto& [script, expected, knowledge] : cases) {
+  for (const auto& [text, expected, knowledge] : cases) {
+    const bool isOpen = text.find("VERSION") != std::string::npos && !text.ends_with('\n');
+    const std::string script = text + (isOpen ? "\nEND" : "");
     std::vector<Matcher<std::string>> matchers;
-    for (const auto& text : expected) {
-      const auto blank = text.find(' ') + 1;
-      matchers.push_back(AllOf(StartsWith(text.substr(0, blank)), HasSubstr(text.substr(blank))));
+    for (const auto& finding : expected) {
+      const auto blank = finding.find(' ') + 1;
+      matchers.push_back(
+          AllOf(StartsWith(finding.substr(0, blank)), HasSubstr(finding.substr(blank))));
     }
     EXPECT_THAT(FindingsOf(script, knowledge), ElementsAreArray(matchers)) << script;
   }
@@ -159,9 +197,11 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
   Texts met;  // by each range: lines, "!" when immediate, with their bytes; the final screen
   for (const auto& [first, last, reading, finalScreen, bytes] : SimulateAll(script, true)) {
     std::string actions;
-    for (const auto& [line, block, command, immediate, missing, size] : reading.actions) {
-      actions += " " + std::to_string(script.numbers[line]) +
-                 (immediate ? "!" : ":" + (missing ? "missing" : std::to_string(size)));
+    for (const auto& action : reading.actions) {
+      const char* const fates[] = {"", "missing", "fails", "idle"};
+      const std::string size = action.size > 0 ? std::to_string(action.size) : "";
+      actions += " " + std::to_string(script.numbers[action.line]) +
+                 (action.immediate ? "!" : ":") + size + fates[static_cast<int>(action.fate)];
     }
     met.push_back(first + "-" + last + actions + " " + std::to_string(bytes) + finalScreen);
   }
@@ -186,6 +226,7 @@ TEST(Simulate, TellsWhatEachInstallationMeets) {
 
 class Making : public Test {
  protected:
+  const std::string component = "it exports DllRegisterServer";
   Sandbox sandbox;
   Order order = {.oldFolder = sandbox.Folder("old"),
                  .newFolder = sandbox.Folder("new"),
@@ -196,39 +237,82 @@ class Making : public Test {
                  .name = "",
                  .updaterUrl = "https://u/k",
                  .updaterVersion = "1.0.3",
+                 .excluded = {},
                  .wishes = {}};
 };
 
 TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
-  sandbox.Fill({{"old/app.exe", "1"}, {"old/same", "="}, {"old/gone.dll", "1"}, {"old/ini", "1"}});
-  sandbox.Fill({{"new/App.exe", "2"}, {"new/same", "="}, {"new/d e/f", "2"}, {"new/ini", "2"}});
+  sandbox.Fill({{"old/app.exe", "1"}, {"old/same.exe", "="}, {"old/gone.dll", component}});
+  sandbox.Fill({{"new/App.exe", "2"}, {"new/same.exe", "="}, {"new/d e/f", component}});
+  sandbox.Fill({{"old/ini", "1"}, {"new/ini", "2"}, {"old/mine", "1"}, {"new/d e/yours", "2"}});
+  sandbox.Fill({{"new/a.log", "1"}, {"old/LOGS/$AppPath", "2"}, {"old/c/same", "2"}});
   std::filesystem::rename(order.newFolder / "d e/f", order.newFolder / "d e" / u8"ñ#.ocx");
-  sandbox.Write("new/KESTRANE.exe", "the updater is no file of the application");
-  sandbox.Write("site/update.txt",
-                "# kept\r\n1.0.2|x\nNAME|Old\nVERSION|=|0.9.0\n# kept\nSLEEP|1\nEND\n"
-                "VERSION|=|1.0.0\nSLEEP|1\nEND\n# kept\nVERSION|<|2.0.0\nSLEEP|1\nEND\n");
+  sandbox.Write("new/Kestrane.exe", Updater("\2"));
+  sandbox.Fill({{"site/1.0.0/a b", "named"}, {"site/1.0.0/left", "over"}});
+  sandbox.Write(
+      "site/update.txt",
+      "# kept\r\n1.0.2|x\nNAME|Old\nVERSION|=|0.9.0\n# kept\nADD|x|https://u/l/1.0.0/a%20b\n"
+      "END\nVERSION|=|1.0.0\nSLEEP|1\nEND\nVERSION|<|1.0.0\nSLEEP|1\nEND\n"
+      "# kept\nVERSION|<|2.0.0\nSLEEP|1\nEND\n");
   order.name = "Ledger";
   order.coversOlder = true;
-  order.wishes = {"", {"INI"}, {"gone.dll", "D E\\\xF1#.ocx"}, {"SLEEP|5"}};
-  EXPECT_EQ(Make(order), Texts{});
+  order.excluded = {"*.LOG", "logs\\*", "?/same"};
+  order.wishes = {.url = "",
+                  .backups = {"INI"},
+                  .kept = {"MINE", "d e\\yours"},
+                  .components = {"gone.dll", "D E\\\xF1#.ocx"},
+                  .programs = {"Tray.exe"},
+                  .firstLines = {"SLEEP|4"},
+                  .lastLines = {"SLEEP|5"}};
+  const Made made = Make(order);
+  EXPECT_EQ(made.problems, Texts{});
+  EXPECT_THAT(made.notes,
+              ElementsAre(HasSubstr("again and again"), HasSubstr("below 1.0.0 is gone"),
+                          HasSubstr("no valid version"), HasSubstr("names 1.0.0/left any more")));
   const std::string ocx = "ADD|$AppPath\\d e\\\xF1#.ocx|https://u/l/2.0.0/d%20e/%C3%B1%23.ocx\n";
   const std::string ini = "ADD|$AppPath\\ini|https://u/l/2.0.0/ini\n";
+  const std::string yours =
+      "UPDATE|$AppPath\\d e\\yours.default|https://u/l/2.0.0/d%20e/yours\n"
+      "EXECUTE|$WinSysPath\\cmd.exe /c if not exist \"$AppPath\\d e\\yours\" move "
+      "\"$AppPath\\d e\\yours.default\" \"$AppPath\\d e\\yours\"|WAIT|HIDE\n"
+      "DELETE|$AppPath\\d e\\yours.default\n";
+  const std::string kills = "SLEEP|4\nKILL|app.exe\nKILL|same.exe\nKILL|tray.exe\n";
   const std::string rest = "REGISTER|$AppPath\\d e\\\xF1#.ocx\nSLEEP|5\nEND\n";
   EXPECT_EQ(sandbox.Read("site/update.txt"),
-            "# kept\n1.0.3|https://u/k\nNAME|Ledger\nVERSION|=|0.9.0\n# kept\nSLEEP|1\nEND\n"
-            "VERSION|=|1.0.0\nKILL|app.exe\nUNREGISTER|$AppPath\\gone.dll\n"
-            "UPDATE|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" +
-                ini + ocx + "DELETE|$AppPath\\gone.dll\n" + rest +
-                "# kept\nVERSION|<|2.0.0\nKILL|app.exe\n"
-                "ADD|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" +
-                ocx + ini + "ADD|$AppPath\\same|https://u/l/2.0.0/same\n" + rest);
-  EXPECT_EQ(ReadFile(order.site / "2.0.0/d e" / u8"ñ#.ocx"), "2");
-  EXPECT_EQ(FindingsOf(sandbox.Read("site/update.txt"), {order.to, ""}), Texts{});
+            "# kept\n1.0.3|https://u/k\nNAME|Ledger\nVERSION|=|0.9.0\n# kept\n"
+            "ADD|x|https://u/l/1.0.0/a%20b\nEND\n"
+            "VERSION|=|1.0.0\n" +
+                kills +
+                "UNREGISTER|$AppPath\\gone.dll\n"
+                "UPDATE|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" +
+                ini + yours + ocx + "DELETE|$AppPath\\gone.dll\n" + rest +
+                "# kept\nVERSION|<|2.0.0\n" + kills +
+                "ADD|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" + yours + ocx + ini +
+                "ADD|$AppPath\\same.exe|https://u/l/2.0.0/same.exe\n" + rest);
+  EXPECT_EQ(ReadFile(order.site / "2.0.0/d e" / u8"ñ#.ocx"), component);
+  EXPECT_EQ(FindingsOf(sandbox.Read("site/update.txt"), {order.to, ""}),
+            Texts{"W6 The path begins with no macro and no drive, so that it depends on the folder "
+                  "in which the updater was started."});
+
+  // What is published stays as it is.
+  EXPECT_EQ(Make(order).problems, Texts{});
+  sandbox.Write("new/ini", "3");
+  EXPECT_THAT(Make(order).problems, ElementsAre(HasSubstr("content already for 2.0.0/ini, which")));
+  EXPECT_EQ(sandbox.Read("site/2.0.0/ini"), "2");
+  order.force = true;
+  EXPECT_EQ(Make(order).problems, Texts{});
+  EXPECT_EQ(sandbox.Read("site/2.0.0/ini"), "3");
 
   order.from = "2.0.0";
   order.to = "3.0.0";
   order.coversOlder = false;
-  EXPECT_EQ(Make(order), Texts{});
+  const std::string before = sandbox.Read("site/update.txt");
+  order.isTrial = true;
+  EXPECT_THAT(Make(order).block, Contains("VERSION|=|2.0.0"));
+  EXPECT_EQ(sandbox.Read("site/update.txt"), before);
+  EXPECT_FALSE(sandbox.Has("site/3.0.0"));
+  order.isTrial = false;
+  EXPECT_EQ(Make(order).problems, Texts{});
   const Script ladder = CutWithNumbers(sandbox.Read("site/update.txt"));
   for (const char* installed : {"0.9.0", "1.0.0", "1.5.0", "2.0.0"}) {
     EXPECT_FALSE(Read(ladder, {modPrincipal::VersionToNumber(installed)}).actions.empty())
@@ -244,7 +328,17 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
     std::map<std::string, std::string> files;
     std::function<void(Order&)> change = [](Order&) {};
   } cases[] = {
-      {"no version", {}, [](Order& o) { o.from = "x"; }},
+      {"no version such as", {}, [](Order& o) { o.from = "x"; }},
+      {"more than three parts", {}, [](Order& o) { o.to = "2.0.0.0"; }},
+      {"needless 0", {}, [](Order& o) { o.to = "02.0.0"; }},
+      {"lie one in the other", {}, [](Order& o) { o.site = o.newFolder / "site"; }},
+      {"no updater for Windows", {{"new/Kestrane.exe", "ELF"}}},
+      {"a is no component", {}, [](Order& o) { o.wishes.components = {"a"}; }},
+      {"would replace the %", {{"new/%a", "x"}}, [](Order& o) { o.wishes.kept = {"%a"}; }},
+      {"write over a.default", {{"new/a.default", "x"}}, [](Order& o) { o.wishes.kept = {"a"}; }},
+      {"accent that is a character of its own",
+       {},
+       [](Order& o) { std::ofstream(o.newFolder / u8"e\u0301") << "x"; }},
       {"does not come after", {}, [](Order& o) { o.to = "0.9.0"; }},
       {"folders are alike", {{"new/a", "1"}}},
       {"new files are empty", {{"new/a", ""}}},
@@ -267,9 +361,131 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
     sandbox.Fill(files);
     Order changed = order;
     change(changed);
-    EXPECT_THAT(Make(changed), ElementsAre(HasSubstr(problem)));
+    EXPECT_THAT(Make(changed).problems, ElementsAre(HasSubstr(problem)));
     EXPECT_FALSE(sandbox.Has("site"));
   }
+}
+
+/// What a command prints, and its exit status; the sandbox as "@".
+class Tool : public Making {
+ protected:
+  std::string Prints(const std::function<int()>& command) const {
+    internal::CaptureStdout();
+    internal::CaptureStderr();
+    const int status = command();
+    const std::string printed = internal::GetCapturedStdout() + internal::GetCapturedStderr();
+    return modFunciones::ReplaceAll(modFunciones::ReplaceAll(printed, "\r", ""),
+                                    Utf8Of(sandbox.Folder("")), "@") +
+           std::to_string(status);
+  }
+  std::string Checks(const std::string& file, bool asJson = false) const {
+    return Prints([&] { return RunCheck({file, "", "", asJson}); });
+  }
+  std::string Simulates(const std::string& script, SimulateOptions options) const {
+    sandbox.Write("site/s", script);
+    options.script = Utf8Of(sandbox.Folder("site/s"));
+    return Prints([&] { return RunSimulate(options); });
+  }
+};
+
+TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
+  sandbox.Write("s", Block("KILL|\n!NAME|x\nKILL|\nKILL|\nEND"));
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("s"))),
+            "@s:5: warning: KILL without a name ends nothing. (also in lines 7, 8)\n"
+            "@s:6: warning: The \"!\" has no effect on NAME.\n"
+            "@s: 0 errors, 4 warnings; the updater understands it\n1");
+  sandbox.Write("s", "1|x");
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("s"))),
+            "@s: error: The script needs at least four lines beside comments and blank ones, but "
+            "has 1.\n@s: 1 error, 0 warnings; the updater refuses it, and says:\n  " +
+                ToUtf8(modPrincipal::ScriptNotUnderstood) + "\n2");
+  sandbox.Write("s", Block("END\n"));
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("s"))),
+            "@s: 0 errors, 0 warnings; the updater understands it\n0");
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("none"))), "@none is not there.\n2");
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("")), true),
+            "{\n  \"problems\": [\n    \"@ is a folder.\"\n  ]\n}\n2");
+  std::optional<LoopbackServer> server(std::in_place);
+  const std::string gone = server->Url("/");
+  EXPECT_EQ(Checks(gone), gone + " is answered with status 404 instead of 200.\n2");
+  server.reset();
+  EXPECT_EQ(Checks(gone),
+            gone + " gives no answer: there is no such server, or none that listens.\n2");
+
+  // Against the upload folder beside it.
+  sandbox.Fill({{"site/1/a b", "x"}, {"site/1/empty", ""}});
+  sandbox.Write("site/s", Block("ADD|$AppPath\\a|https://u/l/1/a%20b\nADD|$AppPath\\b|https://u/x\n"
+                                "ADD|$AppPath\\c|https://u/l/1/gone\nADD|$AppPath\\d|https://u/l/1/"
+                                "empty\nEND"));
+  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("site/s"))),
+            "@site/s:7: error: The upload folder has no file for this URL, though it has others.\n"
+            "@site/s:8: warning: The file in the upload folder is empty.\n"
+            "@site/s: 1 error, 1 warning; the updater understands it\n2");
+}
+
+TEST_F(Tool, TellsWhatGoesWrongInASimulation) {
+  LoopbackServer server;
+  server.Serve("/l/a", {.body = "12345"});
+  server.Serve("/l/empty", {});
+  const std::string a = server.Url("/l/a");
+  const std::string empty = server.Url("/l/empty");
+  const std::string start = "1|" + a + "\nNAME|x\nVERSION|=|2.7.1\n#\n";
+  const std::string offer = "An updater older than 1 first replaces itself from " + a;
+  const std::string failing =
+      start + "DELETE|$AppPath\\*.exe\nEXECUTE|x|SOON|MAX\nUPDATE|$AppPath\\kestrane.EXE|" + a +
+      "\nKILL|x";
+  // The blank is lost on the way to the program.
+  EXPECT_EQ(Simulates(failing, {.script = "", .installed = {" 2.7.1"}, .site = ""}),
+            offer +
+                "\n\nInstalled:  2.7.1\n  in the window: x\n"
+                "  line    5           DELETE  $AppPath\\*.exe  (fails)\n"
+                "  line    6           EXECUTE  x  SOON  MAX  "
+                "(not started: neither WAIT nor NOWAIT)\n"
+                "  line    7           UPDATE  $AppPath\\kestrane.EXE  " +
+                a + "  (fails)\n  final screen: " + ToUtf8(modPrincipal::WriteFailure) + "\n\n2");
+  sandbox.Fill({{"site/a", "1234567"}, {"site/empty", ""}});
+  SimulateOptions options = {.script = "", .installed = {"2.7.1"}, .probe = true, .site = ""};
+  options.site = Utf8Of(sandbox.Folder("site"));
+  const std::string script = start + "ADD|x|" + a + "\nADD|y|" + empty;
+  EXPECT_EQ(Simulates(script, options), offer +
+                                            "  (5 bytes)\n\nInstalled: 2.7.1\n  in the window: x\n"
+                                            "  line    5           ADD  x  " +
+                                            a +
+                                            "  (5 bytes)  (but 7 bytes in the upload folder)\n"
+                                            "  line    6           ADD  y  " +
+                                            empty +
+                                            "  (0 bytes)\n  in all 5 bytes\n  final screen: " +
+                                            ToUtf8(modPrincipal::Success) + "\n\n2");
+  options.inShort = true;
+  sandbox.Write("site/a", "abcde");
+  EXPECT_EQ(Simulates(script, options), offer + "  (5 bytes)\n\n2.7.1: 2 actions, 5 bytes\n  " +
+                                            ToUtf8(modPrincipal::Success) + "\n0");
+}
+
+TEST_F(Tool, TellsWhatItMade) {
+  sandbox.Fill({{"old/gone.exe", "1"}, {"old/a", "1"}, {"new/a", "22"}, {"new/b", "4444"}});
+  sandbox.Write("new/Kestrane.exe", Updater("\3"));
+  order.url += "/";
+  order.updaterUrl = "";
+  sandbox.Write("site/2.0.0", "in the way");
+  EXPECT_EQ(Prints([&] { return RunMake(order, false); }),
+            "The upload folder cannot be written.\n2");
+  EXPECT_FALSE(sandbox.Has("site/update.txt"));
+  std::filesystem::remove(order.site / "2.0.0");
+  EXPECT_EQ(
+      Prints([&] { return RunMake(order, false); }),
+      "From 1.0.0 to 2.0.0: 1 file changed, 1 new, 1 gone. A user downloads 6 bytes.\n"
+      "A file with one changed byte is downloaded whole; the largest of these is b, 4 bytes.\n"
+      "Upload what is in @site: the folders first, update.txt last.\n"
+      "@site/update.txt: 0 errors, 0 warnings; the updater understands it\n0");
+  EXPECT_EQ(sandbox.Read("site/update.txt"),
+            "1.0.3|https://u/l/kestrane/1.0.3/Kestrane.exe\nVERSION|=|1.0.0\nKILL|gone.exe\n"
+            "UPDATE|$AppPath\\a|https://u/l/2.0.0/a\nADD|$AppPath\\b|https://u/l/2.0.0/b\n"
+            "DELETE|$AppPath\\gone.exe\nEND\n");
+  EXPECT_EQ(sandbox.Read("site/kestrane/1.0.3/Kestrane.exe"), Updater("\3"));
+  if (sandbox.Has("new/A")) return;  // names of files are told apart by letter case here
+  sandbox.Write("new/A", "x");
+  EXPECT_THAT(Make(order).problems, Contains(HasSubstr("in letter case only")));
 }
 
 TEST(Encoding, GoesBothWays) {

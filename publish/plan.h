@@ -1,0 +1,44 @@
+#pragma once
+
+// What an order comes to, before anything is written, and why it may have to be refused.
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "publish/folder.h"
+#include "publish/order.h"
+
+namespace publish {
+
+/// A file for the upload folder.
+struct Upload {
+  std::filesystem::path file;
+  std::filesystem::path target;  // below the upload folder
+};
+
+/// The folders and what is to be made of them.
+struct Plan {
+  Order order;
+  Folder oldFolder;
+  Folder newFolder;
+  Difference difference;
+  std::string script;  // the history, then the new script
+  std::vector<Upload> uploads;
+};
+
+using Problems = std::vector<std::string>;
+
+inline constexpr const char* UpdaterName = "Kestrane.exe";
+
+/// Each adds to the problems, in a sentence each in UTF-8.
+void CheckOrder(const Order& order, Problems& problems);
+void CheckFolders(const Plan& plan, Problems& problems);
+
+/// What is published already has to stay as it is.
+void CheckUploads(const Plan& plan, Problems& problems);
+
+/// Files of the upload folder that no line of the script names, by their names below it.
+[[nodiscard]] std::vector<std::string> Unnamed(const Plan& plan);
+
+}  // namespace publish

@@ -1,0 +1,78 @@
+#include "publish/site.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "base/text.h"
+#include "publish/source.h"
+#include "publish/urls.h"
+
+namespace publish {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The file that an action downloads; empty when it is no such line.
+const std::string& DownloadOf(const Fields& line) {
+  const auto* const command = CommandOf(line);
+  const bool isDownload = command != nullptr && command->effect == modPrincipal::Effect::Download;
+  return FieldAt(line, isDownload ? 2 : line.size());
+}
+
+fs::path PathBelow(const fs::path& folder, const std::string& part) {
+  return folder / PathOf(Decoded(modFunciones::ToUtf8(part)));
+}
+
+bool IsFile(const fs::path& path) {
+  std::error_code error;
+  return fs::is_regular_file(path, error);
+}
+
+/// What stands before the longest end of a URL that names a file of the folder; empty when none
+/// does.
+std::string BaseOf(const std::string& url, const fs::path& folder) {
+  const auto host = url.find("//");
+  if (host == std::string::npos) return "";
+  for (auto at = url.find('/', host + 2); at != std::string::npos; at = url.find('/', at + 1)) {
+    if (IsFile(PathBelow(folder, url.substr(at + 1)))) return url.substr(0, at + 1);
+  }
+  return "";
+}
+
+}  // namespace
+
+Site::Site(fs::path folder, const Script& script) : root(std::move(folder)) {
+  constexpr int Enough = 100;
+  std::map<std::string, int> found;
+  int asked = 0;
+  for (const auto& line : script.lines) {
+    const std::string& url = DownloadOf(line);
+    if (url.empty()) continue;
+    const std::string candidate = BaseOf(url, root);
+    if (!candidate.empty() && ++found[candidate] > found[base]) base = candidate;
+    if (++asked == Enough) break;
+  }
+}
+
+std::optional<fs::path> Site::FileOf(const std::string& url) const {
+  if (base.empty() || !url.starts_with(base)) return std::nullopt;
+  return PathBelow(root, url.substr(base.size()));
+}
+
+void CheckSite(const Script& script, const Site& site, Findings& findings) {
+  for (std::size_t i = 1; i < script.lines.size(); ++i) {
+    const auto file = site.FileOf(DownloadOf(script.lines[i]));
+    if (!file) continue;
+    std::error_code error;
+    if (!IsFile(*file)) {
+      findings.push_back({Severity::Error, script.numbers[i],
+                          "The upload folder has no file for this URL, though it has others."});
+    } else if (fs::file_size(*file, error) == 0) {
+      findings.push_back(
+          {Severity::Warning, script.numbers[i], "The file in the upload folder is empty."});
+    }
+  }
+}
+
+}  // namespace publish

@@ -1,0 +1,185 @@
+// Scripts made up at random: the tool foretells what the program does. KESTRANE_SCRIPTS says how
+// many.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <random>
+
+#include "base/replace.h"
+#include "base/text.h"
+#include "publish/pattern.h"
+#include "publish/simulate.h"
+#include "run/run_state.h"
+#include "run/update_sequence.h"
+#include "script/action_table.h"
+#include "script/parser.h"
+#include "script/version.h"
+#include "tests/support/loopback_server.h"
+#include "tests/support/sandbox.h"
+#include "tests/support/scripted_window.h"
+
+namespace {
+
+using namespace publish;
+using modPrincipal::Verb;
+using Kind = modPrincipal::ArgumentKind;
+using Texts = std::vector<std::string>;
+using namespace std::string_literals;
+
+class Agreement : public testing::Test {
+ protected:
+  std::size_t Below(std::size_t end) { return random() % end; }
+  std::string Any(const Texts& texts) { return texts[Below(texts.size())]; }
+
+  std::string Argument(const modPrincipal::Argument& argument) {
+    const auto words = argument.words;
+    const std::string paths[] = {sandbox->Path(Any({"a", "b", "c", "d", "f/g", "f/h/i", "j"})),
+                                 sandbox->Path("*.bak")};
+    const std::string program = (OwnFolder() / "helper.exe").string();
+    switch (argument.kind) {
+      case Kind::Comparator:
+        return std::string(modPrincipal::Comparators()[Below(5)].word);
+      case Kind::Version:
+        return Any({"1.0.0", "2.0.0", "2.7.1.9", "2.7.1", "3.0", "2.7.1"});
+      case Kind::Path:
+        return paths[0];
+      case Kind::Files:
+        return paths[Below(10) / 9];
+      case Kind::Url:
+        return Below(90) == 0 ? "" : server.Url(Any({"/1", "/22", "/1", "/22", "/empty"}));
+      case Kind::CommandLine:
+        return Any({"none.exe", '"' + program + "\" append \"" + sandbox->Path("log") + "\" x"});
+      case Kind::Choice:
+        return Any({"WAIT", "wait", "later"});  // without waiting nobody knows when a program ends
+      case Kind::ProcessName:
+        return "kt-none.exe";
+      default:
+        return words.empty() ? Any({"0", "1", "x"}) : std::string(words[Below(words.size())].word);
+    }
+  }
+
+  std::string Line() {
+    const auto commands = modPrincipal::Commands();
+    const auto& command = commands[Below(Below(3) == 0 ? commands.size() : 5)];
+    std::string line = (Below(5) == 0 ? "!" : "") + std::string(command.word);
+    if (Below(3) == 0) line = modFunciones::LowerCase(line);
+    for (const auto& argument : command.Arguments()) {
+      if (Below(400) != 0) line += "|" + Argument(argument);
+    }
+    return Below(40) == 0 ? Any({"", "#", " ", "ADDD|x", "ADD|x|" + server.Url("/gone")}) : line;
+  }
+
+  std::string MakeUp() {
+    std::string text = "1.0.3|http://updates.invalid/\r\nNAME|x\nVERSION|<=|2.7.1\n";
+    for (std::size_t count = 4 + Below(20); count > 0; --count) text += Line() + "\n";
+    return text;
+  }
+
+  std::string NameOf(const std::string& path) const {
+    return modFunciones::ReplaceAll(path.substr(sandbox->Path("").size()), "\\", "/");
+  }
+
+  /// Carries out what simulate tells, on names and contents alone.
+  void Foretell(const Script& script, const std::string& installed) {
+    const Outcome outcome = Simulate(script, installed, true);
+    finalScreen = outcome.finalScreen;
+    files = sandbox->Tree();
+    messages.clear();
+    requests = {"HEAD /s HTTP/1.0", "GET /s HTTP/1.1"};
+    Texts downloads;
+    const auto contentOf = [&](const std::string& url) {
+      return url.ends_with("/empty") ? "" : url.substr(url.rfind('/') + 1);
+    };
+    std::size_t bytes = 0;
+    bool isRefused = !outcome.reading.failure.empty();
+    const Reading reading = Read(script, {modPrincipal::VersionToNumber(installed)});
+    for (const auto& action : reading.actions) {
+      const Fields& line = script.lines[action.line];
+      if (action.command->effect != modPrincipal::Effect::Download) continue;
+      downloads.push_back(line[2]);
+      const std::string head = "HEAD /" + line[2].substr(line[2].rfind('/') + 1) + " HTTP/1.0";
+      if (!line[2].empty()) requests.push_back(head);
+      if (line[2].ends_with("/gone")) break;
+      if (!line[2].empty()) requests.push_back(head);
+      bytes += contentOf(line[2]).size();
+    }
+    if (!isRefused && bytes > 0) {
+      for (const auto& action : reading.actions) {
+        const Fields& line = script.lines[action.line];
+        if (action.command->effect != modPrincipal::Effect::Download) continue;
+        if (line[2].empty()) break;
+        requests.push_back("GET /" + line[2].substr(line[2].rfind('/') + 1) + " HTTP/1.1");
+        files[NameOf(line[1]) + ".tmp"] = contentOf(line[2]);
+      }
+    }
+    for (const auto& action : outcome.reading.actions) {
+      if (action.fate == Fate::Done) CarryOut(*action.command, script.lines[action.line]);
+    }
+  }
+
+  void CarryOut(const modPrincipal::Command& command, const Fields& line) {
+    if (command.verb == Verb::Message) messages.push_back(line[1]);
+    if (command.verb == Verb::Execute && line[1].ends_with(" x")) files["log"] += "x\n";
+    if (command.verb == Verb::Delete) {
+      std::erase_if(files, [&](const auto& file) {
+        return Fits(file.first, NameOf(line[1])) && file.first.find('/') == std::string::npos;
+      });
+      files.erase(NameOf(line[1]));
+    }
+    if (command.effect != modPrincipal::Effect::Download) return;
+    const std::string name = NameOf(line[1]);
+    if (command.verb == Verb::Add && files.contains(name)) files[name + ".bak"] = files[name];
+    files[name] = files[name + ".tmp"];
+    files.erase(name + ".tmp");
+  }
+
+  /// Runs the update sequence and returns the message of its final screen.
+  std::string Update(const std::string& installed) const {
+    modPrincipal::ResetRunState();
+    modPrincipal::ResetActionTable();
+    modPrincipal::ResetScript();
+    scripted_window::Reset();
+    modPrincipal::AppVersion = installed;
+    modPrincipal::UpdateInfoUrl = server.Url("/s");
+    modPrincipal::CheckForUpdate();
+    return scripted_window::state.text[frmPrincipal::lblMensaje];
+  }
+
+  std::minstd_rand random;
+  LoopbackServer server;
+  std::unique_ptr<Sandbox> sandbox;
+  std::string finalScreen;
+  std::map<std::string, std::string> files;
+  Texts requests;
+  Texts messages;
+};
+
+TEST_F(Agreement, HoldsForScreensRequestsAndFiles) {
+  const char* const wanted = std::getenv("KESTRANE_SCRIPTS");
+  for (const char* content : {"1", "22"}) server.Serve("/"s + content, {content});
+  server.Serve("/empty", {});
+  std::map<std::string, int> met;
+  for (int i = wanted != nullptr ? std::atoi(wanted) : 100; i > 0; --i) {
+    sandbox = std::make_unique<Sandbox>();
+    sandbox->Fill({{"a", "old"}, {"b", "old"}, {"b.bak", "older"}, {"f/g", "old"}});
+    const std::string text = MakeUp();
+    server.Serve("/s", {text});
+    const std::string installed = Any({"1.0.0", "2.7.1", "2.7.1", "none"});
+    Foretell(CutWithNumbers(text), installed);
+    (void)server.TakeRequests();
+    EXPECT_EQ(Update(installed), finalScreen);
+    EXPECT_EQ(server.TakeRequests(), requests);
+    EXPECT_EQ(sandbox->Tree(), files);
+    Texts shown;
+    for (const auto& box : scripted_window::state.messageBoxes) {
+      shown.push_back(box.substr(box.rfind('|') + 1));
+    }
+    EXPECT_EQ(shown, messages);
+    ++met[finalScreen];
+    if (HasFailure()) FAIL() << installed << "\n" << text;
+  }
+  EXPECT_GE(met.size(), 5U);
+}
+
+}  // namespace
