@@ -52,24 +52,6 @@ class Parser : public testing::Test {
   }
 };
 
-TEST_F(Parser, RecordsEveryActionInScriptOrder) {
-  EXPECT_EQ(ParseLines("\r\n\n#x\nVERSION|<|3.0.0\r\n"
-                       "!add|C:\\a|\nUpdate|C:\\b|\r|x\n#DELETE\nDELETE|C:\\c|x|y\n"
-                       "MSG|Hola $winpath|critical|z\n"
-                       "EXECUTE|C:\\p /x|Wait|MIN\nKILL|ledger.exe\nREGISTER|C:\\r|1\n"
-                       "UNREGISTER|C:\\u\nSLEEP| soon"),
-            "");
-  EXPECT_EQ(ActionCommand, (Texts{"ADD", "UPDATE", "DELETE", "MSG", "EXECUTE", "KILL", "REGISTER",
-                                  "UNREGISTER", "SLEEP"}));
-  EXPECT_EQ(ActionArg1, (Texts{"C:\\a", "C:\\b", "C:\\c", "Hola $winpath", "C:\\p /x", "ledger.exe",
-                               "C:\\r", "C:\\u", " soon"}));
-  EXPECT_EQ(ActionArg2, (Texts{"", "", "", "", "Wait", "", "", "", ""}));
-  EXPECT_EQ(ActionArg3, (Texts{"", "", "", "critical", "MIN", "", "", "", ""}));
-  EXPECT_EQ(NewUpdaterVersion, 11004002);
-  EXPECT_EQ(NewUpdaterUrl, "http://u/");
-  EXPECT_EQ(AppDisplayName, "Sample  Ledger");
-}
-
 TEST_F(Parser, FollowsTheCondition) {
   const struct {
     std::string lines;
@@ -95,7 +77,7 @@ TEST_F(Parser, FollowsTheCondition) {
     EXPECT_EQ(ParseLines(lines, installed), "") << lines;
     EXPECT_EQ(modFunciones::Join(ActionArg1, ""), recorded) << lines;
   }
-  EXPECT_EQ(scripted_window::state.messageBoxes, Texts{"64|Ledger|$AppPath"}) << "at once";
+  EXPECT_EQ(scripted_window::state.history, Texts{"box 64|Ledger|$AppPath"}) << "at once";
 }
 
 TEST_F(Parser, RejectsWhatItDoesNotUnderstand) {

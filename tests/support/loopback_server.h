@@ -1,7 +1,9 @@
 #pragma once
 
 // A strict HTTP server on loopback: it answers what the test says, in the way the test says, and
-// remembers every request.
+// fails the test by itself when a request is missing or was not expected.
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>
@@ -26,6 +28,9 @@ struct Reply {
   bool stalls = false;                    // keeps the rest of the body back until Release
   std::optional<std::string> raw = std::nullopt;  // all that is sent, in the place of all of that
   bool resets = false;  // the connection breaks off instead of being closed
+  /// The requests for the path, by their first letters: two probes and a download, say. "*": any
+  /// number, but one at least.
+  std::string asked = "HHG";
 };
 
 class LoopbackServer {
@@ -47,6 +52,10 @@ class LoopbackServer {
       asio::error_code ignored;
       Socket(context).connect(acceptor.local_endpoint(), ignored);  // wakes one up
     }
+    for (auto& thread : threads) thread.join();
+    for (const auto& [path, initials] : asked) ExpectAsked(path);
+    if (expectsAnything) return;
+    for (const auto& request : unexpected) ADD_FAILURE() << "not expected: " << request;
   }
   LoopbackServer(const LoopbackServer&) = delete;
   LoopbackServer& operator=(const LoopbackServer&) = delete;
@@ -56,10 +65,12 @@ class LoopbackServer {
     return "http://127.0.0.1:" + std::to_string(acceptor.local_endpoint().port()) + path;
   }
 
-  /// HEAD and GET answer alike, unless ServeHead follows. A path that is not served answers 404, as
-  /// does a request that does not name the program.
+  /// HEAD and GET answer alike, unless ServeHead follows. What was expected of the path before is
+  /// to have come.
   void Serve(const std::string& path, const Reply& reply) {
     const std::lock_guard lock(mutex);
+    if (asked.contains(path)) ExpectAsked(path);
+    asked[path] = "";
     replies["HEAD " + path] = replies["GET " + path] = reply;
   }
   void ServeHead(const std::string& path, const Reply& reply) {
@@ -73,10 +84,26 @@ class LoopbackServer {
     released.notify_all();
   }
 
-  /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0".
+  /// The requests for a path since it was served, by their first letters.
+  [[nodiscard]] std::string Asked(const std::string& path) {
+    const std::lock_guard lock(mutex);
+    return asked[path];
+  }
+
+  /// The test looks at the requests itself, or there may be any.
+  void ExpectAnything() { expectsAnything = true; }
+
+  /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0"; nobody else
+  /// looks at them then.
   [[nodiscard]] std::vector<std::string> TakeRequests() {
     const std::lock_guard lock(mutex);
+    expectsAnything = true;
     return std::exchange(requests, {});
+  }
+
+  /// Returns when nothing is left of any answer.
+  void WaitUntilQuiet() const {
+    for (int left = 0; (left = answering) != 0;) answering.wait(left);
   }
 
  private:
@@ -84,24 +111,42 @@ class LoopbackServer {
 
   Socket NextConnection() {
     const std::lock_guard lock(accepting);
-    return acceptor.accept();
+    Socket socket = acceptor.accept();
+    ++answering;
+    return socket;
+  }
+
+  void ExpectAsked(const std::string& path) {
+    const std::string& expected = replies["GET " + path].asked;
+    if (expectsAnything) return;
+    if (expected == "*" ? asked[path].empty() : asked[path] != expected) {
+      ADD_FAILURE() << path << " was asked for " << asked[path] << ", not " << expected;
+    }
   }
 
   void Work() {
     while (!stopping) {
-      Socket socket = NextConnection();
-      if (!stopping) Answer(socket);
+      {
+        Socket socket = NextConnection();
+        if (!stopping) Answer(socket);
+      }
+      --answering;
+      answering.notify_all();
     }
   }
 
   Reply ReplyTo(const std::string& request) {
     const std::string line = request.substr(0, request.find("\r\n"));
+    const std::string path = line.substr(0, line.rfind(' '));  // and the method
+    const std::string agent = std::string("User-Agent: ") + modFunciones::UserAgentText + "\r\n";
+    const bool isRight = line.ends_with(path.starts_with("HEAD") ? " HTTP/1.0" : " HTTP/1.1") &&
+                         request.find(agent) != std::string::npos;
     const std::lock_guard lock(mutex);
     requests.push_back(line);
-    const auto found = replies.find(line.substr(0, line.rfind(' ')));
-    const std::string agent = std::string("User-Agent: ") + modFunciones::UserAgentText + "\r\n";
-    const bool isServed = found != replies.end() && request.find(agent) != std::string::npos;
-    return isServed ? found->second : Reply{"", "404 Not Found"};
+    const auto found = replies.find(path);
+    if (found != replies.end()) asked[path.substr(path.find(' ') + 1)] += path[0];
+    if (found == replies.end() || !isRight) unexpected.push_back(request);
+    return found == replies.end() ? Reply{"", "404 Not Found"} : found->second;
   }
 
   void Answer(Socket& socket) {
@@ -134,7 +179,11 @@ class LoopbackServer {
   std::atomic<bool> released = false;
   std::atomic<bool> stopping = false;
   std::mutex accepting;
-  std::map<std::string, Reply> replies;  // by method and path
+  std::map<std::string, Reply> replies;      // by method and path
+  std::map<std::string, std::string> asked;  // requests by path
   std::vector<std::string> requests;
+  std::vector<std::string> unexpected;
+  bool expectsAnything = false;
+  std::atomic<int> answering = 0;
   std::array<std::jthread, 8> threads;  // as many stalled replies as there may be
 };
