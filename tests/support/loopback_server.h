@@ -53,9 +53,10 @@ class LoopbackServer {
       Socket(context).connect(acceptor.local_endpoint(), ignored);  // wakes one up
     }
     for (auto& thread : threads) thread.join();
-    for (const auto& [path, initials] : asked) ExpectAsked(path);
-    if (expectsAnything) return;
-    for (const auto& request : unexpected) ADD_FAILURE() << "not expected: " << request;
+    for (const auto& [path, page] : pages) ExpectAll(path);
+    for (const auto& request : unexpected) {
+      if (!expectsAnything) ADD_FAILURE() << "not expected: " << request;
+    }
   }
   LoopbackServer(const LoopbackServer&) = delete;
   LoopbackServer& operator=(const LoopbackServer&) = delete;
@@ -69,13 +70,12 @@ class LoopbackServer {
   /// to have come.
   void Serve(const std::string& path, const Reply& reply) {
     const std::lock_guard lock(mutex);
-    if (asked.contains(path)) ExpectAsked(path);
-    asked[path] = "";
-    replies["HEAD " + path] = replies["GET " + path] = reply;
+    if (pages.contains(path)) ExpectAll(path);
+    pages[path] = {reply, reply};
   }
   void ServeHead(const std::string& path, const Reply& reply) {
     const std::lock_guard lock(mutex);
-    replies["HEAD " + path] = reply;
+    pages.at(path).head = reply;
   }
 
   /// Lets every stalled reply go on.
@@ -87,7 +87,7 @@ class LoopbackServer {
   /// The requests for a path since it was served, by their first letters.
   [[nodiscard]] std::string Asked(const std::string& path) {
     const std::lock_guard lock(mutex);
-    return asked[path];
+    return pages.at(path).asked;
   }
 
   /// The test looks at the requests itself, or there may be any.
@@ -108,6 +108,10 @@ class LoopbackServer {
 
  private:
   using Socket = asio::ip::tcp::socket;
+  struct Page {
+    Reply head, get;
+    std::string asked = "";
+  };
 
   Socket NextConnection() {
     const std::lock_guard lock(accepting);
@@ -116,12 +120,10 @@ class LoopbackServer {
     return socket;
   }
 
-  void ExpectAsked(const std::string& path) {
-    const std::string& expected = replies["GET " + path].asked;
-    if (expectsAnything) return;
-    if (expected == "*" ? asked[path].empty() : asked[path] != expected) {
-      ADD_FAILURE() << path << " was asked for " << asked[path] << ", not " << expected;
-    }
+  void ExpectAll(const std::string& path) const {
+    const auto& [head, get, asked] = pages.at(path);
+    const bool isRight = get.asked == "*" ? !asked.empty() : asked == get.asked;
+    if (!isRight && !expectsAnything) ADD_FAILURE() << path << " was asked for " << asked;
   }
 
   void Work() {
@@ -137,16 +139,19 @@ class LoopbackServer {
 
   Reply ReplyTo(const std::string& request) {
     const std::string line = request.substr(0, request.find("\r\n"));
-    const std::string path = line.substr(0, line.rfind(' '));  // and the method
+    const bool isHead = line.starts_with("HEAD");
+    const auto path = line.find('/');
     const std::string agent = std::string("User-Agent: ") + modFunciones::UserAgentText + "\r\n";
-    const bool isRight = line.ends_with(path.starts_with("HEAD") ? " HTTP/1.0" : " HTTP/1.1") &&
-                         request.find(agent) != std::string::npos;
     const std::lock_guard lock(mutex);
     requests.push_back(line);
-    const auto found = replies.find(path);
-    if (found != replies.end()) asked[path.substr(path.find(' ') + 1)] += path[0];
-    if (found == replies.end() || !isRight) unexpected.push_back(request);
-    return found == replies.end() ? Reply{"", "404 Not Found"} : found->second;
+    const auto page = pages.find(line.substr(path, line.rfind(' ') - path));
+    const bool isRight = page != pages.end() &&
+                         line.ends_with(isHead ? " HTTP/1.0" : " HTTP/1.1") &&
+                         request.find(agent) != std::string::npos;
+    if (!isRight) unexpected.push_back(request);
+    if (page == pages.end()) return {"", "404 Not Found"};
+    page->second.asked += line[0];
+    return isHead ? page->second.head : page->second.get;
   }
 
   void Answer(Socket& socket) {
@@ -179,8 +184,7 @@ class LoopbackServer {
   std::atomic<bool> released = false;
   std::atomic<bool> stopping = false;
   std::mutex accepting;
-  std::map<std::string, Reply> replies;      // by method and path
-  std::map<std::string, std::string> asked;  // requests by path
+  std::map<std::string, Page> pages;  // by path
   std::vector<std::string> requests;
   std::vector<std::string> unexpected;
   bool expectsAnything = false;

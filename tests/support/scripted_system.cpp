@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <concepts>
-#include <cstdlib>
 #include <new>
 #include <utility>
 
@@ -15,7 +14,6 @@
 namespace scripted_system {
 
 State state;
-thread_local std::size_t largestAllocation = SIZE_MAX;
 
 std::string Disk::Path(const std::string& name) const {
   return "C:\\Kt\\" + modFunciones::ReplaceAll(name, "/", "\\");
@@ -58,6 +56,7 @@ Result Told(Result result, const auto&... callAndArguments) {
   std::string event;
   ((event += (event.empty() ? "" : " ") + Word(callAndArguments)), ...);
   scripted_window::Tell(event);
+  if (event == state.noMemoryAt) throw std::bad_alloc();
   return result;
 }
 
@@ -174,7 +173,7 @@ bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buff
   return true;
 }
 Body OpenUrl(const Handle& /*root*/, Text url) {
-  return Told(Body(New({url, Answer(url)})), "GET", url);
+  return Told(Body(url.empty() ? nullptr : New({url, Answer(url)})), "GET", url);
 }
 bool IsSecure(const Body& body) { return In(body).page->secure.ends_with("GET"); }
 std::optional<std::int64_t> AnnouncedLength(const Body& body) {
@@ -258,12 +257,3 @@ std::int32_t OpenWithShell(Text verb, Text file, Text parameters, Text folder, i
 void EndProcess() { throw Told(ProcessEnded(), "EndProcess"); }
 
 }  // namespace platform::system
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  void* const memory = size > largestAllocation ? nullptr : std::malloc(size);
-  return memory != nullptr ? memory : throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
-[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
-  std::free(memory);
-}

@@ -45,15 +45,13 @@ struct State {
   std::size_t faultAt = 0;                   // the operation that goes wrong, from 1 on; 0 for none
   std::string faultOn = "";                  // or the one of this name
   bool dies = false;                         // it ends the process, otherwise it fails
-  int open = 0;                              // handles
+  std::string noMemoryAt = "";  // a call, as the history tells it, that finds no memory
+  int open = 0;                 // handles
 };
 extern State state;
 
 /// Thrown when the process ends.
 struct ProcessEnded {};
-
-/// Bytes; a request of this thread for more memory at once finds none.
-extern thread_local std::size_t largestAllocation;
 
 /// Stand in for a sandbox and a server: the own folder, C:\Kt, and http://s.
 struct Disk {
