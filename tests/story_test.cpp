@@ -233,7 +233,7 @@ TEST(Story, EndsInTheRightText) {
       {"bad script", {}, Script("KILL")},
       {"cut script", {}, {.body = Script("KILL|x").body, .announced = 99}},
       {"longer script", {}, {.body = Script("KILL|x").body, .announced = 9}},
-      {"other versions", {}, Script("VERSION|>|2.7.1\nKILL|x")},
+      {"other versions", {.ownName = "KESTRANE"}, Script("VERSION|>|2.7.1\nKILL|x")},
       {"no URL", {}, Script(add + "\nADD|C:\\Kt\\b|")},
       {"no such port", {}, Script("ADD|a|http://s:65616/a")},
       {"no host", {}, Script("ADD|a|http:///a:b")},
@@ -278,7 +278,7 @@ bad script: No es posible interpretar la información necesaria para realizar la
 cut script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
 longer script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
 other versions: No es necesario realizar ninguna actualización. La versión instalada es la más nueva. 2/1 and launches
-no URL: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 6/10
+no URL: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 6/11
 no such port: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
 no host: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
 2 GiB and a byte: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 4/1
