@@ -234,6 +234,7 @@ TEST(Story, EndsInTheRightText) {
       {"cut script", {}, {.body = Script("KILL|x").body, .announced = 99}},
       {"longer script", {}, {.body = Script("KILL|x").body, .announced = 9}},
       {"other versions", {.ownName = "KESTRANE"}, Script("VERSION|>|2.7.1\nKILL|x")},
+      {"no newer updater in the copy", {.ownName = "Renamed"}},
       {"no URL", {}, Script(add + "\nADD|C:\\Kt\\b|")},
       {"no such port", {}, Script("ADD|a|http://s:65616/a")},
       {"no host", {}, Script("ADD|a|http:///a:b")},
@@ -248,7 +249,7 @@ TEST(Story, EndsInTheRightText) {
       {"longer than the probe told", {}, Script(add), {"longer", "200", "5", -1}},
       {"insecure head", {}, Script(secure), {.body = "new", .secure = "GET"}},
       {"insecure body", {}, Script(secure), {.body = "new", .secure = "HEAD"}},
-      {"a file that stays", {.faultOn = "Delete e"}, Script("DELETE|C:\\Kt\\e\nKILL|x")},
+      {"a file that stays", {.faultOn = "Delete e"}, Script("DELETE|C:\\Kt\\e*\nKILL|x")},
       {"no updater", {}, Script("KILL", newer), {"", "404"}},
       {"the same updater", {}, Script("KILL|x", newer), {"old"}},
       {"an updater of another length", {}, Script("KILL|x", newer), {"new", "200", "4"}},
@@ -261,7 +262,7 @@ TEST(Story, EndsInTheRightText) {
   std::string outcomes = "\n";  // with the numbers of requests and of operations on files
   for (const auto& [what, given, script, page] : cases) {
     Begin(given);
-    disk.Fill({{"e", ""}, {"Kestrane.exe", "old"}});
+    disk.Fill({{"e", ""}, {"e2", ""}, {"Kestrane.exe", "old"}});
     web.Serve(UpdateStory::Script, script);
     state.web["http://s/a"] = state.web["https://s/a"] = page;
     (void)RunProgram();
@@ -278,6 +279,7 @@ bad script: No es posible interpretar la información necesaria para realizar la
 cut script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
 longer script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
 other versions: No es necesario realizar ninguna actualización. La versión instalada es la más nueva. 2/1 and launches
+no newer updater in the copy: Se ha producido un error grave. Para solucionarlo debe renombrar el fichero KestraneTmp.exe con el nombre Kestrane.exe 0/1
 no URL: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 6/11
 no such port: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
 no host: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
@@ -292,7 +294,7 @@ shorter file: Se ha producido un error al escribir un archivo. Posiblemente el a
 longer than the probe told: La actualización ha finalizado con éxito. 5/11 and launches
 insecure head: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 3/1
 insecure body: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/4
-a file that stays: Se ha producido un error al borrar un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación. 2/4
+a file that stays: Se ha producido un error al borrar un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación. 2/5
 no updater: No es posible descargar el programa de actualización debido a que no se encuentra disponible. Inténtelo de nuevo más tarde. 3/1
 the same updater: La actualización ha finalizado con éxito. 5/7 and launches
 an updater of another length: La actualización ha finalizado con éxito. 5/7 and launches

@@ -95,7 +95,13 @@ namespace platform::files {
 
 void CloseFile::operator()(void* file) const { scripted_system::Close(file); }
 std::vector<std::string> Find(Text pattern) {
-  return std::vector<std::string>(WorksOn("Find", pattern) ? 1 : 0, pattern);
+  const std::string beginning = pattern.substr(0, pattern.find('*'));
+  std::vector<std::string> found;
+  for (const auto& [path, content] : state.files) {
+    if (path == pattern || (beginning != pattern && path.starts_with(beginning)))
+      found.push_back(path);
+  }
+  return Works("Find", pattern) ? found : std::vector<std::string>();
 }
 bool IsFile(Text path) { return WorksOn("IsFile", path); }
 bool CanBeRenamed(Text path) { return WorksOn("CanBeRenamed", path); }
