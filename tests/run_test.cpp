@@ -71,6 +71,7 @@ TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
       {0.0F, 0, 0},
       {-1.0F, 0, 0},
       {0.005F, 0, 0},
+      {105.0F / 4530, 0, 0},
       {std::numeric_limits<float>::quiet_NaN(), 0, 0},
       {std::numeric_limits<float>::infinity(), 34, 4470},
       {1.0F, 34, 4470, true},

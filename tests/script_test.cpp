@@ -6,6 +6,7 @@
 #include "run/messages.h"
 #include "run/run_state.h"
 #include "script/action_table.h"
+#include "script/commands.h"
 #include "script/parser.h"
 #include "script/version.h"
 #include "tests/support/scripted_window.h"
@@ -29,6 +30,20 @@ TEST(Version, BecomesTheNumberByWhichVersionsCompare) {
   for (const auto& [number, texts] : cases) {
     for (const auto& text : texts) EXPECT_EQ(VersionToNumber(text), number) << text;
   }
+}
+
+TEST(Words, StandForTheNumbersOfTheSystem) {
+  std::string all;
+  for (const auto& command : Commands()) {
+    for (const auto& argument : command.Arguments()) {
+      for (const auto& [word, value] : argument.words) {
+        all += std::string(word) + ' ' + std::to_string(value) + ' ';
+      }
+    }
+  }
+  EXPECT_EQ(all,
+            "EXCLAMATION 48 INFORMATION 64 CRITICAL 16 NOTHING 0 WAIT 1 NOWAIT 0 HIDE 0 NORMAL 4 "
+            "NORMALFOCUS 1 MIN 6 MINFOCUS 2 MAX 3 ");
 }
 
 /// Parses a script whose header and name are those of every sample, for an installed version.
@@ -68,6 +83,7 @@ TEST_F(Parser, FollowsTheCondition) {
       {"VERSION|=|2\nKILL|a\n \nKILL|b\nVERSION|=|2\nKILL|c\nADD |x|y\nKILL|d", "ac"},
       {"VERSION|=|2\nKILL|a\n #\nKILL|b\nVERSION|=|2\nKILL|c\n|\nKILL|d", "ac"},
       {"VERSION|=|2\n!\nKILL|a\nVERSION|=|2\n!!KILL|x\nKILL|b", ""},
+      {"VERSION|=|2\r\nKILL|a\r\n\r\nKILL|\rb", "ab"},
       {"END\nVERSION|=|2\nKILL|a\n!end|x\nADD\nMSG|malformed", "a"},
       {"!VERSION|=|2\n!NAME|x\nKILL|a\nNAME|y\nKILL|b", "ab"},
       {"!MSG|no|?\nVERSION|=|2\n!MSG|$AppPath|INFORMATION\nKILL|a\nVERSION|=|3\n!MSG|no|?", "a"},

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "run/messages.h"
+#include "run/own_version.h"
 #include "run/startup.h"
 #include "script/action_table.h"
 #include "script/parser.h"
@@ -198,12 +199,12 @@ Open @KestraneTmp.exe "2.7.1" "C:\x" "http://s/KDvelomar2.txt" "app.exe" "NO" "L
 EndProcess
 )");
   state.ownName = "KestraneTmp";
+  state.commandLine = R"("2.7.1" "C:\x" "http://s/u" "app.exe" "NO" "Kestrane" "l.ico")";
   EXPECT_EQ(RunProgram("icon l.ico"), R"(
 icon l.ico; Find @KestraneTmp.exe; OpenForReading @KestraneTmp.exe; Length @KestraneTmp.exe
 Read @KestraneTmp.exe; TakeSnapshot 2; Find @Kestrane.exe; Delete @Kestrane.exe; Find @Kestrane.exe
 Create @Kestrane.exe; Write @Kestrane.exe 1500; Close @Kestrane.exe
-Open @Kestrane.exe "2.7.1" "C:\x" "http://s/KDvelomar2.txt" "app.exe" "NO" "Libro" "l.ico" in C:\ 1
-EndProcess
+Open @Kestrane.exe "2.7.1" "C:\x" "http://s/u" "app.exe" "NO" "l.ico" in C:\ 1; EndProcess
 )");
   EXPECT_EQ(disk.Tree()["Kestrane.exe"], std::string(1500, 'k'));
   state.faultOn = "Write Kestrane.exe";
@@ -250,6 +251,7 @@ TEST(Story, EndsInTheRightText) {
       {"insecure head", {}, Script(secure), {.body = "new", .secure = "GET"}},
       {"insecure body", {}, Script(secure), {.body = "new", .secure = "HEAD"}},
       {"a file that stays", {.faultOn = "Delete e"}, Script("DELETE|C:\\Kt\\e*\nKILL|x")},
+      {"this very version", {}, Script("KILL|x", modFunciones::OwnVersion() + "|http://s/a")},
       {"no updater", {}, Script("KILL", newer), {"", "404"}},
       {"the same updater", {}, Script("KILL|x", newer), {"old"}},
       {"an updater of another length", {}, Script("KILL|x", newer), {"new", "200", "4"}},
@@ -295,6 +297,7 @@ longer than the probe told: La actualización ha finalizado con éxito. 5/11 and
 insecure head: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 3/1
 insecure body: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/4
 a file that stays: Se ha producido un error al borrar un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación. 2/5
+this very version: La actualización ha finalizado con éxito. 2/2 and launches
 no updater: No es posible descargar el programa de actualización debido a que no se encuentra disponible. Inténtelo de nuevo más tarde. 3/1
 the same updater: La actualización ha finalizado con éxito. 5/7 and launches
 an updater of another length: La actualización ha finalizado con éxito. 5/7 and launches
@@ -314,6 +317,7 @@ TEST(Story, EndsWhenItsUserWantsIt) {
     window.handlers.closing();
   };
   EXPECT_TRUE(RunProgram("", cancel).ends_with("actualización?; EndProcess\n"));
+  EXPECT_EQ(Events("picFile"), 0) << "nothing is downloaded";
   const auto nothing = [] {};
   EXPECT_EQ(RunProgram("(leave)", nothing, true), "\n(leave); EndProcess\n");
   state.commandLine += " no";

@@ -145,13 +145,15 @@ class LoopbackServer {
     const std::lock_guard lock(mutex);
     requests.push_back(line);
     const auto page = pages.find(line.substr(path, line.rfind(' ') - path));
-    const bool isRight = page != pages.end() &&
-                         line.ends_with(isHead ? " HTTP/1.0" : " HTTP/1.1") &&
-                         request.find(agent) != std::string::npos;
+    // Windows follows a redirection in HTTP/1.1.
+    const bool isRight = page != pages.end() && request.find(agent) != std::string::npos &&
+                         (line.ends_with(isHead ? " HTTP/1.0" : " HTTP/1.1") || wasRedirected);
     if (!isRight) unexpected.push_back(request);
     if (page == pages.end()) return {"", "404 Not Found"};
     page->second.asked += line[0];
-    return isHead ? page->second.head : page->second.get;
+    const Reply& reply = isHead ? page->second.head : page->second.get;
+    wasRedirected = reply.status.starts_with("302");
+    return reply;
   }
 
   void Answer(Socket& socket) {
@@ -188,6 +190,7 @@ class LoopbackServer {
   std::vector<std::string> requests;
   std::vector<std::string> unexpected;
   bool expectsAnything = false;
+  bool wasRedirected = false;  // the last request
   std::atomic<int> answering = 0;
   std::array<std::jthread, 8> threads;  // as many stalled replies as there may be
 };
