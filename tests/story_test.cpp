@@ -237,6 +237,7 @@ TEST(Story, EndsInTheRightText) {
       {"other versions", {.ownName = "KESTRANE"}, Script("VERSION|>|2.7.1\nKILL|x")},
       {"no newer updater in the copy", {.ownName = "Renamed"}},
       {"no URL", {}, Script(add + "\nADD|C:\\Kt\\b|")},
+      {"nobody to end", {.processes = {{7, "pad.exe"}}}, Script("KILL|")},
       {"no such port", {}, Script("ADD|a|http://s:65616/a")},
       {"no host", {}, Script("ADD|a|http:///a:b")},
       {"2 GiB and a byte", {}, Script(add), {"", "200", "2147483648"}},
@@ -271,6 +272,7 @@ TEST(Story, EndsInTheRightText) {
     outcomes += what + ": " + Message() + ' ' + std::to_string(Events("HEAD") + Events("GET")) +
                 '/' + std::to_string(state.operations.size()) +
                 (Events("Open app.exe") == 1 ? " and launches\n" : "\n");
+    EXPECT_EQ(Events("Terminate"), 0);
   }
   EXPECT_EQ(outcomes, R"(
 no arguments: No se han especificado los argumentos obligatorios. 0/0
@@ -283,6 +285,7 @@ longer script: No es posible interpretar la información necesaria para realizar
 other versions: No es necesario realizar ninguna actualización. La versión instalada es la más nueva. 2/1 and launches
 no newer updater in the copy: Se ha producido un error grave. Para solucionarlo debe renombrar el fichero KestraneTmp.exe con el nombre Kestrane.exe 0/1
 no URL: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 6/11
+nobody to end: La actualización ha finalizado con éxito. 2/2 and launches
 no such port: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
 no host: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
 2 GiB and a byte: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 4/1
@@ -317,9 +320,9 @@ TEST(Story, EndsWhenItsUserWantsIt) {
     window.handlers.closing();
   };
   EXPECT_TRUE(RunProgram("", cancel).ends_with("actualización?; EndProcess\n"));
-  EXPECT_EQ(Events("picFile"), 0) << "nothing is downloaded";
   const auto nothing = [] {};
   EXPECT_EQ(RunProgram("(leave)", nothing, true), "\n(leave); EndProcess\n");
+  EXPECT_EQ(Events("picFile 0"), 0) << "nothing is downloaded";
   state.commandLine += " no";
   EXPECT_EQ(RunProgram("picTotal 33"), "\npicTotal 33; Open app.exe  in C:\\ 1; EndProcess\n");
 }
