@@ -255,6 +255,10 @@ TEST(Story, EndsInTheRightText) {
       {"this very version", {}, Script("KILL|x", modFunciones::OwnVersion() + "|http://s/a")},
       {"no updater", {}, Script("KILL", newer), {"", "404"}},
       {"the same updater", {}, Script("KILL|x", newer), {"old"}},
+      {"its own program unreadable",
+       {.faultOn = "Read Kestrane.exe"},
+       Script("KILL|x", newer),
+       {"old"}},
       {"an updater of another length", {}, Script("KILL|x", newer), {"new", "200", "4"}},
       {"no memory for the script", {.noMemoryAt = "GET http://s/KDvelomar2.txt"}, Script("KILL|x")},
       {"no memory at once", {.noMemoryAt = "Find C:\\Kt\\e"}, Script("!DELETE|C:\\Kt\\e")},
@@ -303,6 +307,7 @@ a file that stays: Se ha producido un error al borrar un archivo. Posiblemente e
 this very version: La actualización ha finalizado con éxito. 2/2 and launches
 no updater: No es posible descargar el programa de actualización debido a que no se encuentra disponible. Inténtelo de nuevo más tarde. 3/1
 the same updater: La actualización ha finalizado con éxito. 5/7 and launches
+its own program unreadable: Descargando nueva versión del programa de actualización... 5/10
 an updater of another length: La actualización ha finalizado con éxito. 5/7 and launches
 no memory for the script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
 no memory at once: No es posible interpretar la información necesaria para realizar la actualización. 2/1
