@@ -59,8 +59,9 @@ TEST_F(Program, RunsOverHttps) {
   const std::string newer = ReadWhole(OwnFolder() / "newer/Kestrane.exe");
   Offer("Kestrane.exe", newer);
   Offer("file", "content");
-  Offer("update.txt", "1.0.4|" + good + "/Kestrane.exe\nNAME|x\nVERSION|=|2.7.1\nADD|$AppPath\\f|" +
-                          good + "/file");
+  Offer("update.txt", NEWER_VERSION "|" + good +
+                          "/Kestrane.exe\nNAME|x\nVERSION|=|2.7.1\nADD|$AppPath\\f|" + good +
+                          "/file");
   Run(sandbox.Path("Kestrane.exe"),
       {"2.7.1", "C:\\Ledger", good + "/update.txt", sandbox.Path("kt-app.exe"), "NO"});
   EXPECT_TRUE(Launches());

@@ -38,11 +38,6 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
                            {"stay", "up\n"},
                            {"component.log", "loaded\nregistered\nloaded\nunregistered\n"},
                            {"kt-app.exe.log", "launched\n"}}));
-  EXPECT_EQ(server.TakeRequests(),
-            (Texts{"HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1",
-                   "HEAD /ledger HTTP/1.0", "HEAD /ledger HTTP/1.0", "HEAD /reports HTTP/1.0",
-                   "HEAD /reports HTTP/1.0", "HEAD /help HTTP/1.0", "HEAD /help HTTP/1.0",
-                   "GET /ledger HTTP/1.1", "GET /reports HTTP/1.1", "GET /help HTTP/1.1"}));
 }
 
 TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
@@ -50,27 +45,14 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
   ASSERT_NE(newer, kestrane);
   sandbox.Fill({{"KestraneTmp.exe", "left over"}, {"old.txt", "x"}});
   server.Serve("/updater", {.body = newer});
-  ServeScript("DELETE|$AppPath\\old.txt", "1.0.4|" + server.Url("/updater"));
+  ServeScript("DELETE|$AppPath\\old.txt", "HGHG", NEWER_VERSION "|" + server.Url("/updater"));
   EXPECT_TRUE(RunsSilently());
   EXPECT_EQ(Files(newer), (Tree{{"kt-app.exe.log", "launched\n"}}));
-  EXPECT_EQ(server.TakeRequests(),
-            (Texts{"HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1",
-                   "HEAD /updater HTTP/1.0", "HEAD /updater HTTP/1.0", "GET /updater HTTP/1.1",
-                   "HEAD /KDvelomar2.txt HTTP/1.0", "GET /KDvelomar2.txt HTTP/1.1"}));
-
-  // What a header calls newer and is this very program, or something else altogether, is given up.
-  for (const auto& program : {newer, std::string("an error")}) {
-    server.Serve("/updater", {program});
-    server.ServeHead("/updater", {newer});
-    ServeScript("DELETE|$AppPath\\old.txt", "999.0.0|" + server.Url("/updater"));
-    EXPECT_TRUE(RunsSilently());
-    EXPECT_EQ(Files(newer), (Tree{{"kt-app.exe.log", "launched\n"}}));
-    EXPECT_EQ(server.TakeRequests().size(), 5U);
-  }
 
   // A copy of another name does the same, and does not end itself because its name ends alike.
   sandbox.Fill({{"MyKestrane.exe", newer}, {"KestraneTmp.exe", newer}, {"Kestrane.exe", "broken"}});
   ForgetLaunches();
+  ServeScript("DELETE|$AppPath\\old.txt");
   Run(sandbox.Path("MyKestrane.exe"),
       {"2.7.1", "any", server.Url("/KDvelomar2.txt"), sandbox.Path("kt-app.exe"), "no"});
   EXPECT_TRUE(Ends() && Launches());
@@ -86,10 +68,12 @@ TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
   Run((OwnFolder() / "../kestrane-publish").string(),
       {"make", sandbox.Folder("old").string(), sandbox.Folder("new").string(), "--site",
        sandbox.Folder("site").string(), "--url", server.Url(""), "--from", "2.7.1", "--to", "3.0.0",
-       "--updater", server.Url("/Kestrane.exe"), "1.0.3", "--keep", "mine"});
+       "--updater", server.Url("/Kestrane.exe"), "0.0.1", "--keep", "mine"});
   ASSERT_TRUE(Ends());
   for (const auto& [name, shown] : sandbox.Tree("site")) {
-    server.Serve("/" + name, {sandbox.Read("site/" + name)});
+    if (name.find(' ') != std::string::npos) continue;
+    const std::string asked = name == "update.txt" ? "HG" : "HHG";
+    server.Serve("/" + name, {.body = sandbox.Read("site/" + name), .asked = asked});
   }
   server.Serve("/3.0.0/b%20c/%C3%B1%20%23%25.txt", {"2"});
   sandbox.Write("old/Kestrane.exe", kestrane);
@@ -109,6 +93,7 @@ TEST_F(Program, LosesNothingWhenItIsKilledAtAnyMoment) {
   std::printf("%d kills, seed %u\n", kills, seed);
   std::mt19937 random(seed);
   const UpdateStory story(300'000);
+  server.ExpectAnything();
   Clock::duration duration = {};  // of a run that nobody disturbs
   for (int i = 0; i <= kills; ++i) {
     SCOPED_TRACE(i);

@@ -1,7 +1,9 @@
 #pragma once
 
 // A strict HTTP server on loopback: it answers what the test says, in the way the test says, and
-// remembers every request.
+// fails the test by itself when a request is missing or was not expected.
+
+#include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>
@@ -26,6 +28,9 @@ struct Reply {
   bool stalls = false;                    // keeps the rest of the body back until Release
   std::optional<std::string> raw = std::nullopt;  // all that is sent, in the place of all of that
   bool resets = false;  // the connection breaks off instead of being closed
+  /// The requests for the path, by their first letters: two probes and a download, say. "*": any
+  /// number, but one at least.
+  std::string asked = "HHG";
 };
 
 class LoopbackServer {
@@ -47,6 +52,11 @@ class LoopbackServer {
       asio::error_code ignored;
       Socket(context).connect(acceptor.local_endpoint(), ignored);  // wakes one up
     }
+    for (auto& thread : threads) thread.join();
+    for (const auto& [path, page] : pages) ExpectAll(path);
+    for (const auto& request : unexpected) {
+      if (!expectsAnything) ADD_FAILURE() << "not expected: " << request;
+    }
   }
   LoopbackServer(const LoopbackServer&) = delete;
   LoopbackServer& operator=(const LoopbackServer&) = delete;
@@ -56,15 +66,16 @@ class LoopbackServer {
     return "http://127.0.0.1:" + std::to_string(acceptor.local_endpoint().port()) + path;
   }
 
-  /// HEAD and GET answer alike, unless ServeHead follows. A path that is not served answers 404, as
-  /// does a request that does not name the program.
+  /// HEAD and GET answer alike, unless ServeHead follows. What was expected of the path before is
+  /// to have come.
   void Serve(const std::string& path, const Reply& reply) {
     const std::lock_guard lock(mutex);
-    replies["HEAD " + path] = replies["GET " + path] = reply;
+    if (pages.contains(path)) ExpectAll(path);
+    pages[path] = {reply, reply};
   }
   void ServeHead(const std::string& path, const Reply& reply) {
     const std::lock_guard lock(mutex);
-    replies["HEAD " + path] = reply;
+    pages.at(path).head = reply;
   }
 
   /// Lets every stalled reply go on.
@@ -73,35 +84,76 @@ class LoopbackServer {
     released.notify_all();
   }
 
-  /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0".
+  /// The requests for a path since it was served, by their first letters.
+  [[nodiscard]] std::string Asked(const std::string& path) {
+    const std::lock_guard lock(mutex);
+    return pages.at(path).asked;
+  }
+
+  /// The test looks at the requests itself, or there may be any.
+  void ExpectAnything() { expectsAnything = true; }
+
+  /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0"; nobody else
+  /// looks at them then.
   [[nodiscard]] std::vector<std::string> TakeRequests() {
     const std::lock_guard lock(mutex);
+    expectsAnything = true;
     return std::exchange(requests, {});
+  }
+
+  /// Returns when nothing is left of any answer.
+  void WaitUntilQuiet() const {
+    for (int left = 0; (left = answering) != 0;) answering.wait(left);
   }
 
  private:
   using Socket = asio::ip::tcp::socket;
+  struct Page {
+    Reply head, get;
+    std::string asked = "";
+  };
 
   Socket NextConnection() {
     const std::lock_guard lock(accepting);
-    return acceptor.accept();
+    Socket socket = acceptor.accept();
+    ++answering;
+    return socket;
+  }
+
+  void ExpectAll(const std::string& path) const {
+    const auto& [head, get, asked] = pages.at(path);
+    const bool isRight = get.asked == "*" ? !asked.empty() : asked == get.asked;
+    if (!isRight && !expectsAnything) ADD_FAILURE() << path << " was asked for " << asked;
   }
 
   void Work() {
     while (!stopping) {
-      Socket socket = NextConnection();
-      if (!stopping) Answer(socket);
+      {
+        Socket socket = NextConnection();
+        if (!stopping) Answer(socket);
+      }
+      --answering;
+      answering.notify_all();
     }
   }
 
   Reply ReplyTo(const std::string& request) {
     const std::string line = request.substr(0, request.find("\r\n"));
+    const bool isHead = line.starts_with("HEAD");
+    const auto path = line.find('/');
+    const std::string agent = std::string("User-Agent: ") + modFunciones::UserAgentText + "\r\n";
     const std::lock_guard lock(mutex);
     requests.push_back(line);
-    const auto found = replies.find(line.substr(0, line.rfind(' ')));
-    const std::string agent = std::string("User-Agent: ") + modFunciones::UserAgentText + "\r\n";
-    const bool isServed = found != replies.end() && request.find(agent) != std::string::npos;
-    return isServed ? found->second : Reply{"", "404 Not Found"};
+    const auto page = pages.find(line.substr(path, line.rfind(' ') - path));
+    // Windows follows a redirection in HTTP/1.1.
+    const bool isRight = page != pages.end() && request.find(agent) != std::string::npos &&
+                         (line.ends_with(isHead ? " HTTP/1.0" : " HTTP/1.1") || wasRedirected);
+    if (!isRight) unexpected.push_back(request);
+    if (page == pages.end()) return {"", "404 Not Found"};
+    page->second.asked += line[0];
+    const Reply& reply = isHead ? page->second.head : page->second.get;
+    wasRedirected = reply.status.starts_with("302");
+    return reply;
   }
 
   void Answer(Socket& socket) {
@@ -134,7 +186,11 @@ class LoopbackServer {
   std::atomic<bool> released = false;
   std::atomic<bool> stopping = false;
   std::mutex accepting;
-  std::map<std::string, Reply> replies;  // by method and path
+  std::map<std::string, Page> pages;  // by path
   std::vector<std::string> requests;
+  std::vector<std::string> unexpected;
+  bool expectsAnything = false;
+  bool wasRedirected = false;  // the last request
+  std::atomic<int> answering = 0;
   std::array<std::jthread, 8> threads;  // as many stalled replies as there may be
 };

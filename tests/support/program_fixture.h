@@ -64,10 +64,12 @@ class Program : public testing::Test {
     return Ends() && Launches();
   }
 
-  void ServeScript(const std::string& lines,
-                   const std::string& head = "1.0.3|http://updates.invalid/") {
-    server.Serve("/KDvelomar2.txt",
-                 {.body = head + "\r\nNAME|Libro|Mayor\r\nVERSION|<|3.0.0\r\n" + lines});
+  /// asked: as in Reply, for as many runs as follow.
+  void ServeScript(const std::string& lines, const std::string& asked = "HG",
+                   const std::string& head = "0.0.1|http://updates.invalid/") {
+    server.Serve(
+        "/KDvelomar2.txt",
+        {.body = head + "\r\nNAME|Libro|Mayor\r\nVERSION|<|3.0.0\r\n" + lines, .asked = asked});
   }
 
   /// What stands beside the program and the application.

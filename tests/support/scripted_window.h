@@ -18,18 +18,27 @@ struct Rectangle {
 };
 
 struct State {
+  platform::window::Handlers handlers = {};
+  bool shown = false;
+  bool enabled = true;
   std::map<int, std::string> text;
   std::map<int, std::vector<Rectangle>> drawn;
-  std::map<int, int> refreshes;
   bool flatLook = false;
   double twipsPerPixel = 15;
-  std::vector<std::string> messageBoxes;  // "style|title|text"
-  std::vector<std::string> history;       // every text set, as "control:text"
+  int answer = 1;                    // to every message box
+  std::vector<std::string> history;  // what the program did, an event each
   std::function<void()> onYield = [] {};
 };
 
 /// What happened since Reset, and what the window is to answer.
 extern State state;
 void Reset();
+
+/// Adds an event to the history.
+void Tell(const std::string& event);
+
+/// The history from the first event of this text on, all of it for "": in UTF-8, with "@" for
+/// C:\Kt\. A line ends with a yield or where it is full.
+std::string Transcript(const std::string& from);
 
 }  // namespace scripted_window

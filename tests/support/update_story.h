@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/loopback_server.h"
 #include "tests/support/sandbox.h"
 
 class UpdateStory {
@@ -16,10 +15,10 @@ class UpdateStory {
   /// size: bytes that every new file has beside a few.
   explicit UpdateStory(std::size_t size = 0) : filling(size, '.') {}
 
-  /// Fills the sandbox and puts the script on the server.
-  void Prepare(LoopbackServer& server, const Sandbox& sandbox) const {
+  /// Fills the sandbox and puts the script on the server, or what stands for them.
+  void Prepare(auto& server, const auto& sandbox) const {
     sandbox.Fill(Before);
-    std::string script = "1.0.3|x\nNAME|x\nVERSION|<|3.0.0";
+    std::string script = "0.0.1|x\nNAME|x\nVERSION|<|3.0.0";
     for (const std::string row : {"ADD|a", "ADD|new/b", "UPDATE|c", "DELETE|e", "UPDATE|d"}) {
       const std::string url = "/" + row.substr(row.size() - 1);
       const auto bar = row.find('|') + 1;

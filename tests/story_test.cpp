@@ -1,0 +1,404 @@
+// Whole runs over a system that is all in memory, held against what the program does to it, event
+// by event; and runs in which an operation fails or the process dies.
+
+#include <gtest/gtest.h>
+
+#include "run/messages.h"
+#include "run/own_version.h"
+#include "run/startup.h"
+#include "script/action_table.h"
+#include "script/parser.h"
+#include "tests/support/scripted_system.h"
+#include "tests/support/scripted_window.h"
+#include "tests/support/update_story.h"
+
+namespace {
+
+using namespace modPrincipal;
+using namespace scripted_system;
+
+auto& window = scripted_window::state;
+const Disk disk;
+const Web web;
+
+/// What a process does, from an event on, until its end or until somebody leaves its final screen.
+std::string RunProgram(
+    const std::string& from = "", const std::function<void()>& onYield = [] {},
+    bool closesWindow = false) {
+  ResetScript();
+  ResetActionTable();
+  scripted_window::Reset();
+  window.onYield = onYield;
+  state.operations.clear();
+  try {
+    Main();
+    scripted_window::Tell("(leave)");
+    (closesWindow ? window.handlers.closing : window.handlers.buttonClicked)();
+  } catch (const ProcessEnded&) {
+  }
+  EXPECT_EQ(state.open, 0) << "handles";
+  return scripted_window::Transcript(from);
+}
+
+std::string Message() { return modFunciones::ToUtf8(window.text[frmPrincipal::lblMensaje]); }
+
+auto Events(const std::string& beginning) {
+  return std::ranges::count_if(
+      window.history, [&](const std::string& event) { return event.starts_with(beginning); });
+}
+
+Page Script(const std::string& lines, const std::string& head = "1.0.0|x") {
+  return {head + "\nNAME|Libro|Mayor\nVERSION|<|3.0.0\n" + lines};
+}
+
+/// A system of its own for every test.
+void Begin(const State& given = {}) { state = given; }
+
+TEST(Story, OfAnUpdateWithEveryAction) {
+  Begin();
+  disk.Fill({{"a", "old"}, {"a.bak", "older"}, {"c", "old"}, {"e", "old"}});
+  disk.Fill({{"My Tool.exe", ""}, {"r.dll", ""}});
+  web.Serve(UpdateStory::Script, Script(R"(!MSG|Hola $AppPath|CRITICAL
+!MSG|m|?
+!add|$AppPath\a|http://s:8080/a
+#DELETE|$AppPath\a
+Update|$AppPath\new\b|https://s/b|x
+UPDATE|$AppPath\c|http://s/c
+DELETE|$AppPath\e
+MSG|$winpath|INFORMATION
+MSG|n|?
+MSG|n|EXCLAMATION
+MSG|n|NOTHING
+EXECUTE|C:\Kt\My Tool.exe /x|WAIT|MIN
+EXECUTE|$WinPath\t $WinSysPath|NOWAIT|?
+EXECUTE|t|LATER|MIN
+KILL|pad.EXE
+REGISTER|$AppPath\r.dll
+UNREGISTER|$AppPath\r.dll
+SLEEP|3000
+SLEEP|-1)"));
+  state.web["http://s:8080/a"] = {std::string(1700, 'a')};
+  state.web["https://s/b"] = {.body = std::string(900, 'b'), .secure = "HEAD GET"};
+  web.Serve("/c", {""});
+  state.processes = {{1, "own-pad.exe"}, {7, "NotePad.exe"}, {8, "padding.exe"}, {9, "PAD.EXE"}};
+  state.polls = 1;
+  state.commandLine += R"( "si" "Libro" "l.ico")";
+  const auto disturb = [] {
+    window.handlers.resized();
+    if (!window.enabled) window.handlers.closing();
+  };
+  EXPECT_EQ(RunProgram("", disturb), R"(
+window Kestrane 4905x3135; lblFile "Progreso de descarga del archivo actual:"
+lblTotal "Progreso de descarga total:"; btCancelar "Cancelar"; caption Libro; icon l.ico
+TakeSnapshot 2; Find @KestraneTmp.exe; show
+lblMensaje "Verificando la versión y descargando información necesaria para realizar la actualización..."
+yield; HEAD http://s/KDvelomar2.txt HTTP/1.0; yield
+query 19; GET http://s/KDvelomar2.txt; yield in loop
+read 457; yield in loop; read 0; box 16|Libro|Hola $AppPath; box 0|Libro|m
+HEAD http://s:8080/a HTTP/1.0; yield; query 19; HEAD http://s:8080/a HTTP/1.0; yield
+query 5; HEAD https://s/b HTTP/1.0; yield; query 19; HEAD https://s/b HTTP/1.0; yield
+query 5; HEAD http://s/c HTTP/1.0; yield; query 19; HEAD http://s/c HTTP/1.0; yield
+query 5; lblNombreAplicacion "Libro Mayor"
+lblMensaje "Descargando los archivos necesarios para realizar la actualización del programa en su equipo..."
+QueryDiskSpace C:/; FolderExists C:\; FolderExists @; GET http://s:8080/a; Find @a.tmp
+Create @a.tmp; yield in loop; read 1000; lblFileProgreso "1 KB/2 KB"; lblTotalProgreso "1 KB/3 KB"
+picFile 19; picTotal 13; Write @a.tmp 1000; yield in loop
+read 700; lblFileProgreso "2 KB/2 KB"; lblTotalProgreso "2 KB/3 KB"; picFile 33; picTotal 22
+Write @a.tmp 700; yield in loop; read 0; lblFileProgreso "2 KB/2 KB"; lblTotalProgreso "2 KB/3 KB"
+picFile 33; picTotal 22; Write @a.tmp 0; Close @a.tmp; lblFileProgreso ""; FolderExists C:\
+FolderExists @; FolderExists @new\; CreateFolder @new\; GET https://s/b; Find @new\b.tmp
+Create @new\b.tmp; yield in loop; read 900; lblFileProgreso "1 KB/1 KB"
+lblTotalProgreso "3 KB/3 KB"; picFile 33; picTotal 33; Write @new\b.tmp 900; yield in loop
+read 0; lblFileProgreso "1 KB/1 KB"; lblTotalProgreso "3 KB/3 KB"; picFile 33; picTotal 33
+Write @new\b.tmp 0; Close @new\b.tmp; lblFileProgreso ""; FolderExists C:\; FolderExists @
+GET http://s/c; Find @c.tmp; Create @c.tmp; yield in loop
+read 0; lblFileProgreso "0 KB/0 KB"; lblTotalProgreso "3 KB/3 KB"; picFile 33; picTotal 33
+Write @c.tmp 0; Close @c.tmp; lblFileProgreso "" x14; picFile 0; picTotal 0; lblTotalProgreso ""
+lblMensaje "Actualizando la aplicación con los archivos descargados..."; btCancelar off; lblFile ""
+lblTotal "Progreso de instalación:"; yield; Find @a; CanBeRenamed @a.tmp; Find @a.bak
+Delete @a.bak; Rename @a to @a.bak; Rename @a.tmp to @a; picTotal 2; CanBeRenamed @new\b.tmp
+Find @new\b; Rename @new\b.tmp to @new\b; picTotal 4; CanBeRenamed @c.tmp; Find @c; Delete @c
+Rename @c.tmp to @c; picTotal 6; Find @e; Delete @e; picTotal 8; box 64|Libro|$winpath; picTotal 10
+box 64|Libro|n; picTotal 12; box 48|Libro|n; picTotal 14; box 0|Libro|n; picTotal 17
+IsFile @My Tool.exe /x; IsFile @My Tool.exe /x.exe; IsFile @My Tool.exe; Start "@My Tool.exe" /x 6
+yield; Sleep 100; yield; Sleep 100; picTotal 19; IsFile C:\Win\t C:\Win\Sys
+IsFile C:\Win\t C:\Win\Sys.exe; IsFile C:\Win\t; IsFile C:\Win\t.exe; Start C:\Win\t C:\Win\Sys 6
+picTotal 21; picTotal 23; TakeSnapshot 2; OpenOwnToken 40; AdjustPrivilege 20 2; Open 2035711 7
+Terminate 7 0; AdjustPrivilege 20 0; OpenOwnToken 40; AdjustPrivilege 20 2; Open 2035711 9
+Terminate 9 0; AdjustPrivilege 20 0; picTotal 25; Find @r.dll; Load @r.dll; DllRegisterServer
+hourglass; WaitForEnd 10000; arrow; FreeComponent; picTotal 27; Find @r.dll; Load @r.dll
+DllUnregisterServer; hourglass; WaitForEnd 10000; arrow; FreeComponent; picTotal 29; Sleep 3000
+picTotal 31; picTotal 33; lblNombreAplicacion hidden; lblFile hidden; lblFileProgreso hidden
+picFile hidden; btCancelar on; btCancelar at 1060; btCancelar "Finalizar"; height 1950
+lblMensaje "La actualización ha finalizado con éxito."; show; (leave); Open app.exe  in C:\ 1
+EndProcess
+)");
+  EXPECT_EQ(disk.Tree(), (Tree{{"a", std::string(1700, 'a')},
+                               {"a.bak", "old"},
+                               {"c", ""},
+                               {"new/b", std::string(900, 'b')},
+                               {"My Tool.exe", ""},
+                               {"r.dll", ""}}));
+}
+
+TEST(Story, OfAnUpdateThatFails) {
+  Begin({.systemVersion = -1});
+  disk.Fill({{"a", "old"}, {"e", ""}, {"e2", ""}});
+  state.processes = {{7, "pad.exe"}};
+  web.Serve(
+      UpdateStory::Script,
+      Script("!DELETE|C:\\Kt\\e\n!KILL|pad.exe\nADD|C:\\Kt\\a|http://s/a\nDELETE|C:\\Kt\\e2"));
+  web.Serve("/a", {.body = std::string(2000, 'a'), .breaksAt = 1000});
+  const auto cancel = [] {
+    window.answer = 7;
+    if (Events("yield") == 2) window.handlers.buttonClicked();
+  };
+  EXPECT_EQ(RunProgram("HEAD http://s/KDvelomar2.txt HTTP/1.0", cancel), R"(
+HEAD http://s/KDvelomar2.txt HTTP/1.0; yield
+box 4||¿Desea cancelar la instalación de la actualización?; query 19; GET http://s/KDvelomar2.txt
+yield in loop; read 109; yield in loop; read 0; Find @e; Delete @e; TakeSnapshot 2; Open 2035711 7
+Terminate 7 0; HEAD http://s/a HTTP/1.0; yield; query 19; HEAD http://s/a HTTP/1.0; yield
+query 5; lblNombreAplicacion "Libro Mayor"
+lblMensaje "Descargando los archivos necesarios para realizar la actualización del programa en su equipo..."
+QueryDiskSpace C:/; FolderExists C:\; FolderExists @; GET http://s/a; Find @a.tmp; Create @a.tmp
+yield in loop; read 1000; lblFileProgreso "1 KB/2 KB"; lblTotalProgreso "1 KB/2 KB"; picFile 17
+picTotal 17; Write @a.tmp 1000; yield in loop; read 1000; lblNombreAplicacion hidden; lblFile hidden
+lblFileProgreso hidden; picFile hidden; btCancelar on; btCancelar at 1060; btCancelar "Finalizar"
+height 1950
+lblMensaje "Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco."
+show; (leave); EndProcess
+)");
+}
+
+TEST(Story, OfAnUpdaterThatIsReplaced) {
+  Begin();
+  disk.Fill({{"Kestrane.exe", "old"}, {"KestraneTmp.exe", "left over"}});
+  state.processes = {{1, "Kestrane.exe"}, {7, "kestranetmp.exe"}};
+  state.commandLine += R"( "no" "Libro" "l.ico")";
+  web.Serve(UpdateStory::Script, Script("KILL|x", "999.0.0|http://s/k"));
+  web.Serve("/k", {std::string(1500, 'k')});
+  EXPECT_EQ(RunProgram("caption Libro"), R"(
+caption Libro; icon l.ico; TakeSnapshot 2; OpenOwnToken 40; AdjustPrivilege 20 2; Open 2035711 7
+Terminate 7 0; AdjustPrivilege 20 0; Find @KestraneTmp.exe; Delete @KestraneTmp.exe; show
+lblMensaje "Verificando la versión y descargando información necesaria para realizar la actualización..."
+yield; HEAD http://s/KDvelomar2.txt HTTP/1.0; yield
+query 19; GET http://s/KDvelomar2.txt; yield in loop
+read 58; yield in loop; read 0
+lblMensaje "Descargando nueva versión del programa de actualización..."; HEAD http://s/k HTTP/1.0
+yield; query 19; HEAD http://s/k HTTP/1.0; yield; query 5; lblNombreAplicacion "Kestrane v999.0.0"
+lblFileProgreso "0 KB/1 KB"; lblTotalProgreso "0 KB/1 KB"; yield
+GET http://s/k; yield in loop; read 1000; lblFileProgreso "1 KB/1 KB"; lblTotalProgreso "1 KB/1 KB"
+picFile 22; picTotal 22; yield in loop; read 500; lblFileProgreso "1 KB/1 KB"
+lblTotalProgreso "1 KB/1 KB"; picFile 33; picTotal 33; yield in loop
+read 0; lblFileProgreso "1 KB/1 KB"; lblTotalProgreso "1 KB/1 KB"; picFile 33; picTotal 33
+TakeSnapshot 2; OpenOwnToken 40; AdjustPrivilege 20 2; Open 2035711 7; Terminate 7 0
+AdjustPrivilege 20 0; Find @KestraneTmp.exe; Find @Kestrane.exe; OpenForReading @Kestrane.exe
+Length @Kestrane.exe; Read @Kestrane.exe; Find @KestraneTmp.exe; Create @KestraneTmp.exe
+Write @KestraneTmp.exe 1500; Close @KestraneTmp.exe
+Open @KestraneTmp.exe "2.7.1" "C:\x" "http://s/KDvelomar2.txt" "app.exe" "NO" "Libro" "l.ico" in C:\ 1
+EndProcess
+)");
+  state.ownName = "KestraneTmp";
+  state.commandLine = R"("2.7.1" "C:\x" "http://s/u" "app.exe" "NO" "Kestrane" "l.ico")";
+  EXPECT_EQ(RunProgram("icon l.ico"), R"(
+icon l.ico; Find @KestraneTmp.exe; OpenForReading @KestraneTmp.exe; Length @KestraneTmp.exe
+Read @KestraneTmp.exe; TakeSnapshot 2; Find @Kestrane.exe; Delete @Kestrane.exe; Find @Kestrane.exe
+Create @Kestrane.exe; Write @Kestrane.exe 1500; Close @Kestrane.exe
+Open @Kestrane.exe "2.7.1" "C:\x" "http://s/u" "app.exe" "NO" "l.ico" in C:\ 1; EndProcess
+)");
+  EXPECT_EQ(disk.Tree()["Kestrane.exe"], std::string(1500, 'k'));
+  state.faultOn = "Write Kestrane.exe";
+  EXPECT_EQ(RunProgram("Write C:\\Kt\\Kestrane.exe 1500"), R"(
+Write @Kestrane.exe 1500; lblNombreAplicacion hidden; lblFile hidden; lblFileProgreso hidden
+picFile hidden; btCancelar on; btCancelar at 1060; btCancelar "Finalizar"; height 1950
+lblMensaje "Se ha producido un error grave. Para solucionarlo debe renombrar el fichero KestraneTmp.exe con el nombre Kestrane.exe"
+show; (leave); EndProcess
+)");
+}
+
+TEST(Story, EndsInTheRightText) {
+  const std::string add = "ADD|C:\\Kt\\a|http://s/a";
+  const std::string secure = "ADD|C:\\Kt\\a|https://s/a";
+  const std::string newer = "999.0.0|http://s/a";
+  const platform::files::DiskSpace eightKilobytes = {4, 512, 4};
+  const struct {
+    std::string what;
+    State given;
+    Page script = {"", "404"};
+    Page page = {"new"};
+  } cases[] = {
+      {"no arguments", {.commandLine = ""}},
+      {"two arguments", {.commandLine = "1 C:\\x"}},
+      {"offline", {.offline = true}},
+      {"no script", {}},
+      {"bad script", {}, Script("KILL")},
+      {"cut script", {}, {.body = Script("KILL|x").body, .announced = 99}},
+      {"longer script", {}, {.body = Script("KILL|x").body, .announced = 9}},
+      {"other versions", {.ownName = "KESTRANE"}, Script("VERSION|>|2.7.1\nKILL|x")},
+      {"no newer updater in the copy", {.ownName = "Renamed"}},
+      {"no URL", {}, Script(add + "\nADD|C:\\Kt\\b|")},
+      {"nobody to end", {.processes = {{7, "pad.exe"}}}, Script("KILL|")},
+      {"no such port", {}, Script("ADD|a|http://s:65616/a")},
+      {"no host", {}, Script("ADD|a|http:///a:b")},
+      {"2 GiB and a byte", {}, Script(add), {"", "200", "2147483648"}},
+      {"no file", {}, Script(add + "\nKILL|x"), {"", "404"}},
+      {"no space", {.space = eightKilobytes}, Script(add), {std::string(8193, 'a')}},
+      {"just enough", {.space = eightKilobytes}, Script(add), {std::string(8192, 'a')}},
+      {"128 TiB", {.space = {64, 512, UINT32_MAX}}, Script(add)},
+      {"2 GiB twice", {}, Script(add + '\n' + add), {"", "200", "2147483647"}},
+      {"longer file", {}, Script(add), {.body = "longer", .announced = 5}},
+      {"shorter file", {}, Script(add), {"short", "200", "6", -1}},
+      {"longer than the probe told", {}, Script(add), {"longer", "200", "5", -1}},
+      {"insecure head", {}, Script(secure), {.body = "new", .secure = "GET"}},
+      {"insecure body", {}, Script(secure), {.body = "new", .secure = "HEAD"}},
+      {"a file that stays", {.faultOn = "Delete e"}, Script("DELETE|C:\\Kt\\e*\nKILL|x")},
+      {"this very version", {}, Script("KILL|x", modFunciones::OwnVersion() + "|http://s/a")},
+      {"no updater", {}, Script("KILL", newer), {"", "404"}},
+      {"the same updater", {}, Script("KILL|x", newer), {"old"}},
+      {"its own program unreadable",
+       {.faultOn = "Read Kestrane.exe"},
+       Script("KILL|x", newer),
+       {"old"}},
+      {"an updater of another length", {}, Script("KILL|x", newer), {"new", "200", "4"}},
+      {"no memory for the script", {.noMemoryAt = "GET http://s/KDvelomar2.txt"}, Script("KILL|x")},
+      {"no memory at once", {.noMemoryAt = "Find C:\\Kt\\e"}, Script("!DELETE|C:\\Kt\\e")},
+      {"no memory for the updater", {.noMemoryAt = "read 3"}, Script("KILL|x", newer)},
+      {"no memory in the phases", {.noMemoryAt = "QueryDiskSpace C:/"}, Script(add)},
+      {"no room for it", {.faultOn = "Write KestraneTmp.exe"}, Script("KILL|x", newer)},
+  };
+  std::string outcomes = "\n";  // with the numbers of requests and of operations on files
+  for (const auto& [what, given, script, page] : cases) {
+    Begin(given);
+    disk.Fill({{"e", ""}, {"e2", ""}, {"Kestrane.exe", "old"}});
+    web.Serve(UpdateStory::Script, script);
+    state.web["http://s/a"] = state.web["https://s/a"] = page;
+    (void)RunProgram();
+    outcomes += what + ": " + Message() + ' ' + std::to_string(Events("HEAD") + Events("GET")) +
+                '/' + std::to_string(state.operations.size()) +
+                (Events("Open app.exe") == 1 ? " and launches\n" : "\n");
+    EXPECT_EQ(Events("Terminate"), 0);
+  }
+  EXPECT_EQ(outcomes, R"(
+no arguments: No se han especificado los argumentos obligatorios. 0/0
+two arguments: No se han especificado los argumentos obligatorios. 0/0
+offline: No está conectado a Internet. No es posible realizar la actualización. 0/1
+no script: No se encuentra la información necesaria para realizar la actualización. Inténtelo de nuevo más tarde. 1/1
+bad script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
+cut script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
+longer script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
+other versions: No es necesario realizar ninguna actualización. La versión instalada es la más nueva. 2/1 and launches
+no newer updater in the copy: Se ha producido un error grave. Para solucionarlo debe renombrar el fichero KestraneTmp.exe con el nombre Kestrane.exe 0/1
+no URL: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 6/11
+nobody to end: La actualización ha finalizado con éxito. 2/2 and launches
+no such port: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
+no host: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
+2 GiB and a byte: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 4/1
+no file: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 3/1
+no space: No es posible realizar la actualización. No hay suficiente espacio libre en el disco. 4/2
+just enough: La actualización ha finalizado con éxito. 5/19 and launches
+128 TiB: La actualización ha finalizado con éxito. 5/11 and launches
+2 GiB twice: No es posible realizar la actualización. No hay suficiente espacio libre en el disco. 6/2
+longer file: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/8
+shorter file: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/8
+longer than the probe told: La actualización ha finalizado con éxito. 5/11 and launches
+insecure head: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 3/1
+insecure body: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/4
+a file that stays: Se ha producido un error al borrar un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación. 2/5
+this very version: La actualización ha finalizado con éxito. 2/2 and launches
+no updater: No es posible descargar el programa de actualización debido a que no se encuentra disponible. Inténtelo de nuevo más tarde. 3/1
+the same updater: La actualización ha finalizado con éxito. 5/7 and launches
+its own program unreadable: Descargando nueva versión del programa de actualización... 5/10
+an updater of another length: La actualización ha finalizado con éxito. 5/7 and launches
+no memory for the script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
+no memory at once: No es posible interpretar la información necesaria para realizar la actualización. 2/1
+no memory for the updater: La actualización ha finalizado con éxito. 5/7 and launches
+no memory in the phases: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 4/1
+no room for it: La actualización ha finalizado con éxito. 5/10 and launches
+)");
+}
+
+TEST(Story, EndsWhenItsUserWantsIt) {
+  Begin();
+  web.Serve(UpdateStory::Script, Script("DELETE|x"));
+  const auto cancel = [] {
+    window.answer = 6;
+    window.handlers.closing();
+  };
+  EXPECT_TRUE(RunProgram("", cancel).ends_with("actualización?; EndProcess\n"));
+  const auto nothing = [] {};
+  EXPECT_EQ(RunProgram("(leave)", nothing, true), "\n(leave); EndProcess\n");
+  EXPECT_EQ(Events("picFile 0"), 0) << "nothing is downloaded";
+  state.commandLine += " no";
+  EXPECT_EQ(RunProgram("picTotal 33"), "\npicTotal 33; Open app.exe  in C:\\ 1; EndProcess\n");
+}
+
+TEST(Story, OfAComponentThatHangs) {
+  Begin({.workerHangs = true});
+  disk.Fill({{"r.dll", ""}});
+  web.Serve(UpdateStory::Script, Script("REGISTER|C:\\Kt\\r.dll"));
+  (void)RunProgram();
+  EXPECT_EQ(Events("LeaveBehind"), 1);
+  EXPECT_EQ(Events("FreeComponent"), 0);
+}
+
+TEST(Story, DeathAnywhereLosesNothingAndTheNextRunCompletesTheUpdate) {
+  const UpdateStory story;
+  std::size_t deaths = 0;
+  for (bool died = true; died;) {
+    SCOPED_TRACE("operation " + std::to_string(++deaths));
+    Begin({.faultAt = deaths, .dies = true});
+    story.Prepare(web, disk);
+    (void)RunProgram();
+    died = state.operations.size() == deaths;
+    const Tree left = disk.Tree();
+    story.ExpectNothingLost(left);
+    state.faultAt = 0;
+    (void)RunProgram();
+    EXPECT_EQ(Message(), "La actualización ha finalizado con éxito.");
+    EXPECT_EQ(disk.Tree(), story.AfterOnceMore(left));
+  }
+  EXPECT_GT(deaths, 40U);
+}
+
+TEST(Story, FailureOfAnyOperationEndsAsItShould) {
+  Begin();
+  const UpdateStory story;
+  story.Prepare(web, disk);
+  (void)RunProgram();
+  const auto operations = state.operations;
+  const std::map<std::string_view, std::string> names = {{NoDiskSpace, "no space: "},
+                                                         {WriteFailure, "write: "},
+                                                         {DeleteFailure, "delete: "},
+                                                         {Success, "success: "}};
+  Tree previous = story.Before;
+  std::vector<std::string> outcomes;  // but for success: what else is left than after the last one
+  for (std::size_t at = 1; at <= operations.size(); ++at) {
+    Begin({.faultAt = at});
+    story.Prepare(web, disk);
+    (void)RunProgram();
+    const Tree left = disk.Tree();
+    if (left == story.After() && Message() == modFunciones::ToUtf8(Success)) continue;
+    outcomes.push_back(names.at(window.text[frmPrincipal::lblMensaje]) + operations[at - 1]);
+    for (const auto& [name, content] : left) {
+      if (previous[name] != content) outcomes.push_back(name + " = " + content);
+    }
+    for (const auto& [name, content] : std::exchange(previous, left)) {
+      if (!left.contains(name)) outcomes.push_back("no " + name);
+    }
+  }
+  window.history = outcomes;
+  EXPECT_EQ(scripted_window::Transcript(""), R"(
+no space: QueryDiskSpace ; write: Create a.tmp; write: Write a.tmp; a.tmp = ne; write: Write a.tmp
+a.tmp = new a; write: Close a.tmp; write: CreateFolder ; write: Create b.tmp; write: Write b.tmp
+new/b.tmp = ne; write: Write b.tmp; new/b.tmp = new b; write: Close b.tmp; write: Create c.tmp
+write: Write c.tmp; c.tmp = ne; write: Write c.tmp; c.tmp = new c; write: Close c.tmp
+write: Create d.tmp; write: Write d.tmp; d.tmp = ne; write: Write d.tmp; d.tmp = new d
+write: Close d.tmp; write: Find a; write: CanBeRenamed a.tmp; write: Find a.bak; write: Delete a.bak
+write: Rename a; no a.bak; write: Rename a.tmp; a.bak = old a; no a; write: Rename b.tmp; a = new a
+no a.tmp; write: CanBeRenamed c.tmp; new/b = new b; no new/b.tmp; write: Find c; write: Delete c
+write: Rename c.tmp; no c; success: Find e; c = new c; d = new d; no c.tmp; no d.tmp
+delete: Delete e; write: CanBeRenamed d.tmp; d.tmp = new d; no d; no e; write: Rename d.tmp
+)");
+}
+
+}  // namespace
