@@ -172,8 +172,8 @@ TEST_F(Agreement, HoldsForScreensRequestsAndFiles) {
     EXPECT_EQ(server.TakeRequests(), requests);
     EXPECT_EQ(sandbox->Tree(), files);
     Texts shown;
-    for (const auto& box : scripted_window::state.messageBoxes) {
-      shown.push_back(box.substr(box.rfind('|') + 1));
+    for (const auto& event : scripted_window::state.history) {
+      if (event.starts_with("box ")) shown.push_back(event.substr(event.rfind('|') + 1));
     }
     EXPECT_EQ(shown, messages);
     ++met[finalScreen];

@@ -1,19 +1,10 @@
-// Keys and signatures, and downloads of an application that names its publisher's key.
+// Keys and signatures, as the system knows them.
 
 #include <gtest/gtest.h>
 
 #include "base/binary_text.h"
-#include "platform/signature.h"
-#include "run/messages.h"
+#include "base/text.h"
 #include "run/run_state.h"
-#include "run/update_sequence.h"
-#include "script/action_table.h"
-#include "script/parser.h"
-#include "tests/support/loopback_server.h"
-#include "tests/support/sandbox.h"
-#include "tests/support/scripted_window.h"
-#include "transfer/availability.h"
-#include "transfer/download_phase.h"
 #include "transfer/publisher_check.h"
 
 namespace {
@@ -136,73 +127,6 @@ TEST(SignedScript, IsCheckedByTheKeyBehindItsUrl) {
 
   EXPECT_EQ(Sha256Text(std::string(1'000'000, 'a')),
             "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
-}
-
-class SignedUpdate : public testing::Test {
- protected:
-  SignedUpdate() {
-    ResetRunState();
-    ResetActionTable();
-    ResetScript();
-    scripted_window::Reset();
-  }
-  ~SignedUpdate() override { PublishedDigests.reset(); }
-
-  std::string Download() {
-    ResetActionTable();
-    for (const auto& [name, body] : bodies) {
-      server.Serve("/" + name, {.body = body});
-      EXPECT_TRUE(AddAction("UPDATE", sandbox.Path(name), server.Url("/" + name), ""));
-    }
-    return DownloadFiles();
-  }
-
-  LoopbackServer server;
-  Sandbox sandbox;
-  std::map<std::string, std::string> bodies;
-};
-
-TEST_F(SignedUpdate, TakesOnlyWhatItsPublisherSigned) {
-  const std::string large(300'000, 'x');
-  bodies = {{"a", "genuine"}, {"z", large}};
-  PublishedDigests = {
-      {{server.Url("/a"), Sha256Text("genuine")}, {server.Url("/z"), Sha256Text(large)}}};
-  EXPECT_EQ(Download(), "");
-  const std::map<std::string, std::string> downloaded = {{"a.tmp", "genuine"},
-                                                         {"z.tmp", Shown(large)}};
-  EXPECT_EQ(sandbox.Tree(), downloaded);
-
-  // Of another content, or of none that is known: also behind files that are as they should be.
-  bodies = {{"a", "genuine"}, {".z", large}};
-  EXPECT_EQ(Download(), NotGenuine);
-  PublishedDigests = {
-      {{server.Url("/a"), Sha256Text("genuine")}, {server.Url("/.z"), Sha256Text("")}}};
-  EXPECT_EQ(Download(), NotGenuine);
-  EXPECT_EQ(sandbox.Tree(), downloaded);
-
-  // What lies there already is not taken for a download that announces nothing.
-  bodies = {{"z", ""}};
-  EXPECT_EQ(Download(), NotGenuine);
-  PublishedDigests = {{{server.Url("/z"), Sha256Text("")}}};
-  sandbox.Write("z.tmp", "left behind");
-  EXPECT_EQ(Download(), "");
-  EXPECT_EQ(sandbox.Read("z.tmp"), "");
-}
-
-TEST_F(SignedUpdate, CarriesNothingOutOfAScriptThatIsNotSigned) {
-  server.Serve("/K.exe", {.body = "a newer updater"});
-  server.Serve("/s.txt",
-               {.body = "99.0.0|" + server.Url("/K.exe") +
-                        "\n\n\nNAME|No\nVERSION|<|9.0.0\n!MSG|No\n!DELETE|" + sandbox.Path("kept") +
-                        "\n" + Signature(Rsa2048, Rsa2048Signature)});
-  sandbox.Write("kept", "");
-  AppVersion = "1.0.0";
-  UpdateInfoUrl = server.Url("/s.txt#key=" + fingerprint);
-  CheckForUpdate();
-  EXPECT_EQ(scripted_window::state.text[frmPrincipal::lblMensaje], NotSigned);
-  EXPECT_TRUE(HadError && sandbox.Has("kept") && scripted_window::state.messageBoxes.empty());
-  EXPECT_EQ(server.TakeRequests(),
-            (std::vector<std::string>{"HEAD /s.txt HTTP/1.0", "GET /s.txt HTTP/1.1"}));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/binary_text.h"
 #include "run/messages.h"
 #include "run/own_version.h"
 #include "run/startup.h"
@@ -49,6 +50,15 @@ auto Events(const std::string& beginning) {
 
 Page Script(const std::string& lines, const std::string& head = "1.0.0|x") {
   return {head + "\nNAME|Libro|Mayor\nVERSION|<|3.0.0\n" + lines};
+}
+
+/// The same, with the digest of a body for a page, and signed.
+Page Signed(const std::string& lines, std::string body, const std::string& head = "1.0.0|x") {
+  body.resize(32);
+  Page script = Script(lines, head);
+  script.body +=
+      "\n#SHA256|" + modFunciones::HexText(body) + "|http://s/a\n#SIGNATURE|a2V5|c2lnbmVk";
+  return script;
 }
 
 /// A system of its own for every test.
@@ -105,15 +115,14 @@ Create @a.tmp; yield in loop; read 1000; lblFileProgreso "1 KB/2 KB"; lblTotalPr
 picFile 19; picTotal 13; Write @a.tmp 1000; yield in loop
 read 700; lblFileProgreso "2 KB/2 KB"; lblTotalProgreso "2 KB/3 KB"; picFile 33; picTotal 22
 Write @a.tmp 700; yield in loop; read 0; lblFileProgreso "2 KB/2 KB"; lblTotalProgreso "2 KB/3 KB"
-picFile 33; picTotal 22; Write @a.tmp 0; Close @a.tmp; lblFileProgreso ""; FolderExists C:\
-FolderExists @; FolderExists @new\; CreateFolder @new\; GET https://s/b; Find @new\b.tmp
-Create @new\b.tmp; yield in loop; read 900; lblFileProgreso "1 KB/1 KB"
-lblTotalProgreso "3 KB/3 KB"; picFile 33; picTotal 33; Write @new\b.tmp 900; yield in loop
-read 0; lblFileProgreso "1 KB/1 KB"; lblTotalProgreso "3 KB/3 KB"; picFile 33; picTotal 33
-Write @new\b.tmp 0; Close @new\b.tmp; lblFileProgreso ""; FolderExists C:\; FolderExists @
-GET http://s/c; Find @c.tmp; Create @c.tmp; yield in loop
+picFile 33; picTotal 22; Close @a.tmp; lblFileProgreso ""; FolderExists C:\; FolderExists @
+FolderExists @new\; CreateFolder @new\; GET https://s/b; Find @new\b.tmp; Create @new\b.tmp
+yield in loop; read 900; lblFileProgreso "1 KB/1 KB"; lblTotalProgreso "3 KB/3 KB"; picFile 33
+picTotal 33; Write @new\b.tmp 900; yield in loop; read 0; lblFileProgreso "1 KB/1 KB"
+lblTotalProgreso "3 KB/3 KB"; picFile 33; picTotal 33; Close @new\b.tmp; lblFileProgreso ""
+FolderExists C:\; FolderExists @; GET http://s/c; Find @c.tmp; Create @c.tmp; yield in loop
 read 0; lblFileProgreso "0 KB/0 KB"; lblTotalProgreso "3 KB/3 KB"; picFile 33; picTotal 33
-Write @c.tmp 0; Close @c.tmp; lblFileProgreso "" x14; picFile 0; picTotal 0; lblTotalProgreso ""
+Close @c.tmp; lblFileProgreso "" x14; picFile 0; picTotal 0; lblTotalProgreso ""
 lblMensaje "Actualizando la aplicación con los archivos descargados..."; btCancelar off; lblFile ""
 lblTotal "Progreso de instalación:"; yield; Find @a; CanBeRenamed @a.tmp; Find @a.bak
 Delete @a.bak; Rename @a to @a.bak; Rename @a.tmp to @a; picTotal 2; CanBeRenamed @new\b.tmp
@@ -220,6 +229,8 @@ TEST(Story, EndsInTheRightText) {
   const std::string add = "ADD|C:\\Kt\\a|http://s/a";
   const std::string secure = "ADD|C:\\Kt\\a|https://s/a";
   const std::string newer = "999.0.0|http://s/a";
+  const State signedOnly = {.commandLine = "1.0.0 C:\\x http://s/KDvelomar.txt#key=6B6579" +
+                                           std::string(58, '0')};
   const platform::files::DiskSpace eightKilobytes = {4, 512, 4};
   const struct {
     std::string what;
@@ -264,6 +275,18 @@ TEST(Story, EndsInTheRightText) {
       {"no memory at once", {.noMemoryAt = "Find C:\\Kt\\e"}, Script("!DELETE|C:\\Kt\\e")},
       {"no memory for the updater", {.noMemoryAt = "read 3"}, Script("KILL|x", newer)},
       {"no memory in the phases", {.noMemoryAt = "QueryDiskSpace C:/"}, Script(add)},
+      {"signed", signedOnly, Signed("!DELETE|C:\\Kt\\e\n" + add, "new")},
+      {"not signed", signedOnly, Script("!DELETE|C:\\Kt\\e\n" + add, newer)},
+      {"no script of it", signedOnly, {.body = Script(add).body, .announced = 99}},
+      {"another file", signedOnly, Signed("KILL|x\n" + add, "old")},
+      {"a file of no digest", signedOnly, Signed("ADD|C:\\Kt\\a|http://s/a?", "new")},
+      {"nothing, where something lies",
+       signedOnly,
+       Signed("UPDATE|C:\\Kt\\e|http://s/a", "new"),
+       {""}},
+      {"signed nothing", signedOnly, Signed("UPDATE|C:\\Kt\\e|http://s/a", ""), {""}},
+      {"another updater", signedOnly, Signed("KILL|x", "old", newer)},
+      {"a signed updater", signedOnly, Signed("KILL|x", "new", newer)},
       {"no room for it", {.faultOn = "Write KestraneTmp.exe"}, Script("KILL|x", newer)},
   };
   std::string outcomes = "\n";  // with the numbers of requests and of operations on files
@@ -271,7 +294,7 @@ TEST(Story, EndsInTheRightText) {
     Begin(given);
     disk.Fill({{"e", ""}, {"e2", ""}, {"Kestrane.exe", "old"}});
     web.Serve(UpdateStory::Script, script);
-    state.web["http://s/a"] = state.web["https://s/a"] = page;
+    state.web["http://s/a"] = state.web["http://s/a?"] = state.web["https://s/a"] = page;
     (void)RunProgram();
     outcomes += what + ": " + Message() + ' ' + std::to_string(Events("HEAD") + Events("GET")) +
                 '/' + std::to_string(state.operations.size()) +
@@ -288,19 +311,19 @@ cut script: No es posible interpretar la información necesaria para realizar la
 longer script: No es posible interpretar la información necesaria para realizar la actualización. 2/1
 other versions: No es necesario realizar ninguna actualización. La versión instalada es la más nueva. 2/1 and launches
 no newer updater in the copy: Se ha producido un error grave. Para solucionarlo debe renombrar el fichero KestraneTmp.exe con el nombre Kestrane.exe 0/1
-no URL: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 6/11
+no URL: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 6/10
 nobody to end: La actualización ha finalizado con éxito. 2/2 and launches
 no such port: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
 no host: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 2/1
 2 GiB and a byte: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 4/1
 no file: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 3/1
 no space: No es posible realizar la actualización. No hay suficiente espacio libre en el disco. 4/2
-just enough: La actualización ha finalizado con éxito. 5/19 and launches
-128 TiB: La actualización ha finalizado con éxito. 5/11 and launches
+just enough: La actualización ha finalizado con éxito. 5/18 and launches
+128 TiB: La actualización ha finalizado con éxito. 5/10 and launches
 2 GiB twice: No es posible realizar la actualización. No hay suficiente espacio libre en el disco. 6/2
-longer file: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/8
-shorter file: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/8
-longer than the probe told: La actualización ha finalizado con éxito. 5/11 and launches
+longer file: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/7
+shorter file: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/7
+longer than the probe told: La actualización ha finalizado con éxito. 5/10 and launches
 insecure head: No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde. 3/1
 insecure body: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/4
 a file that stays: Se ha producido un error al borrar un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación. 2/5
@@ -313,6 +336,15 @@ no memory for the script: No es posible interpretar la información necesaria pa
 no memory at once: No es posible interpretar la información necesaria para realizar la actualización. 2/1
 no memory for the updater: La actualización ha finalizado con éxito. 5/7 and launches
 no memory in the phases: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 4/1
+signed: La actualización ha finalizado con éxito. 5/12
+not signed: La información de la actualización no está firmada por el autor del programa. 2/1
+no script of it: No es posible interpretar la información necesaria para realizar la actualización. 2/1
+another file: Un archivo descargado no es el que publicó el autor del programa. Inténtelo de nuevo más tarde. 5/9
+a file of no digest: Un archivo descargado no es el que publicó el autor del programa. Inténtelo de nuevo más tarde. 5/9
+nothing, where something lies: Un archivo descargado no es el que publicó el autor del programa. Inténtelo de nuevo más tarde. 5/8
+signed nothing: La actualización ha finalizado con éxito. 5/11
+another updater: Un archivo descargado no es el que publicó el autor del programa. Inténtelo de nuevo más tarde. 5/1
+a signed updater: Descargando nueva versión del programa de actualización... 5/10
 no room for it: La actualización ha finalizado con éxito. 5/10 and launches
 )");
 }
@@ -388,16 +420,16 @@ TEST(Story, FailureOfAnyOperationEndsAsItShould) {
   }
   window.history = outcomes;
   EXPECT_EQ(scripted_window::Transcript(""), R"(
-no space: QueryDiskSpace ; write: Create a.tmp; write: Write a.tmp; a.tmp = ne; write: Write a.tmp
-a.tmp = new a; write: Close a.tmp; write: CreateFolder ; write: Create b.tmp; write: Write b.tmp
-new/b.tmp = ne; write: Write b.tmp; new/b.tmp = new b; write: Close b.tmp; write: Create c.tmp
-write: Write c.tmp; c.tmp = ne; write: Write c.tmp; c.tmp = new c; write: Close c.tmp
-write: Create d.tmp; write: Write d.tmp; d.tmp = ne; write: Write d.tmp; d.tmp = new d
-write: Close d.tmp; write: Find a; write: CanBeRenamed a.tmp; write: Find a.bak; write: Delete a.bak
-write: Rename a; no a.bak; write: Rename a.tmp; a.bak = old a; no a; write: Rename b.tmp; a = new a
-no a.tmp; write: CanBeRenamed c.tmp; new/b = new b; no new/b.tmp; write: Find c; write: Delete c
-write: Rename c.tmp; no c; success: Find e; c = new c; d = new d; no c.tmp; no d.tmp
-delete: Delete e; write: CanBeRenamed d.tmp; d.tmp = new d; no d; no e; write: Rename d.tmp
+no space: QueryDiskSpace ; write: Create a.tmp; write: Write a.tmp; a.tmp = ne; write: Close a.tmp
+a.tmp = new a; write: CreateFolder ; write: Create b.tmp; write: Write b.tmp; new/b.tmp = ne
+write: Close b.tmp; new/b.tmp = new b; write: Create c.tmp; write: Write c.tmp; c.tmp = ne
+write: Close c.tmp; c.tmp = new c; write: Create d.tmp; write: Write d.tmp; d.tmp = ne
+write: Close d.tmp; d.tmp = new d; write: Find a; write: CanBeRenamed a.tmp; write: Find a.bak
+write: Delete a.bak; write: Rename a; no a.bak; write: Rename a.tmp; a.bak = old a; no a
+write: Rename b.tmp; a = new a; no a.tmp; write: CanBeRenamed c.tmp; new/b = new b; no new/b.tmp
+write: Find c; write: Delete c; write: Rename c.tmp; no c; success: Find e; c = new c; d = new d
+no c.tmp; no d.tmp; delete: Delete e; write: CanBeRenamed d.tmp; d.tmp = new d; no d; no e
+write: Rename d.tmp
 )");
 }
 

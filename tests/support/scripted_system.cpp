@@ -8,6 +8,7 @@
 #include "base/replace.h"
 #include "platform/components.h"
 #include "platform/http.h"
+#include "platform/signature.h"
 #include "platform/system.h"
 #include "tests/support/scripted_window.h"
 
@@ -248,6 +249,23 @@ bool WaitForEnd(const Worker& /*worker*/, std::uint32_t milliseconds) {
 }
 
 }  // namespace platform::components
+
+// The digest of a text is its own beginning, and the key "key" signs by a word.
+namespace platform::signature {
+void CloseDigest::operator()(void* digest) const { delete static_cast<std::string*>(digest); }
+Digest StartDigest() { return Digest(new std::string); }
+void Add(const Digest& digest, std::string_view bytes) {
+  *static_cast<std::string*>(digest.get()) += bytes;
+}
+std::string Finish(Digest digest) {
+  std::string bytes = *static_cast<std::string*>(digest.get());
+  bytes.resize(32);
+  return bytes;
+}
+bool IsSignedBy(std::string_view publicKey, std::string_view, std::string_view signature) {
+  return publicKey == "key" && signature == "signed";
+}
+}  // namespace platform::signature
 
 namespace platform::system {
 
