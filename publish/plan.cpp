@@ -114,13 +114,16 @@ void CheckDifference(const Difference& difference, Problems& problems) {
   }
 }
 
+void CheckVersion(const std::string& version, Problems& problems) {
+  const std::string oddity = OddityOf(version);
+  if (!oddity.empty()) problems.push_back("The version " + version + " " + oddity + ".");
+}
+
 }  // namespace
 
 void CheckOrder(const Order& order, Problems& problems) {
-  for (const auto& version : {order.from, order.to}) {
-    const std::string oddity = OddityOf(version);
-    if (!oddity.empty()) problems.push_back("The version " + version + " " + oddity + ".");
-  }
+  CheckVersion(order.from, problems);
+  CheckVersion(order.to, problems);
   if (VersionToNumber(order.from) >= VersionToNumber(order.to)) {
     problems.push_back("The version " + order.to + " does not come after " + order.from + ".");
   }

@@ -40,9 +40,9 @@ bool IsDownload(const TakenAction& action) {
 }
 
 /// The recorded actions, as they are carried out, and what the final screen says then.
-class Run {
+class Rehearsal {
  public:
-  Run(const Script& readScript, Outcome& result, bool sizesAreKnown)
+  Rehearsal(const Script& readScript, Outcome& result, bool sizesAreKnown)
       : script(readScript), outcome(result), isProbed(sizesAreKnown) {}
 
   void CarryOut() {
@@ -50,7 +50,7 @@ class Run {
   }
 
  private:
-  std::string ArgumentOf(const TakenAction& action) const {
+  [[nodiscard]] std::string ArgumentOf(const TakenAction& action) const {
     return modFunciones::LowerCase(FieldAt(script.lines[action.line], 1));
   }
 
@@ -158,7 +158,7 @@ Outcome Simulate(const Script& script, const std::string& installed, bool probe)
   MarkProgramsThatAreNotStarted(script, outcome.reading);
   outcome.finalScreen = FinalScreenOf(outcome.reading);
   for (const auto& action : actions) outcome.bytes += action.size;
-  if (!isRefused) Run(script, outcome, probe).CarryOut();
+  if (!isRefused) Rehearsal(script, outcome, probe).CarryOut();
   return outcome;
 }
 

@@ -8,7 +8,6 @@
 
 #include "base/replace.h"
 #include "base/text.h"
-#include "publish/pattern.h"
 #include "publish/simulate.h"
 #include "run/run_state.h"
 #include "run/update_sequence.h"
@@ -25,6 +24,7 @@ using namespace publish;
 using modPrincipal::Verb;
 using Kind = modPrincipal::ArgumentKind;
 using Texts = std::vector<std::string>;
+using Tree = std::map<std::string, std::string>;
 using namespace std::string_literals;
 
 class Agreement : public testing::Test {
@@ -76,8 +76,10 @@ class Agreement : public testing::Test {
     return text;
   }
 
+  /// Below the sandbox.
   std::string NameOf(const std::string& path) const {
-    return modFunciones::ReplaceAll(path.substr(sandbox->Path("").size()), "\\", "/");
+    const auto root = std::min(sandbox->Path("").size(), path.size());
+    return modFunciones::ReplaceAll(path.substr(root), "\\", "/");
   }
 
   /// Carries out what simulate tells, on names and contents alone.
@@ -87,31 +89,27 @@ class Agreement : public testing::Test {
     files = sandbox->Tree();
     messages.clear();
     requests = {"HEAD /s HTTP/1.0", "GET /s HTTP/1.1"};
-    Texts downloads;
-    const auto contentOf = [&](const std::string& url) {
-      return url.ends_with("/empty") ? "" : url.substr(url.rfind('/') + 1);
-    };
+    Texts gets;  // up to one that has no URL
+    Tree downloads;
     std::size_t bytes = 0;
-    bool isRefused = !outcome.reading.failure.empty();
-    const Reading reading = Read(script, {modPrincipal::VersionToNumber(installed)});
-    for (const auto& action : reading.actions) {
-      const Fields& line = script.lines[action.line];
+    for (const auto& action : Read(script, {modPrincipal::VersionToNumber(installed)}).actions) {
       if (action.command->effect != modPrincipal::Effect::Download) continue;
-      downloads.push_back(line[2]);
-      const std::string head = "HEAD /" + line[2].substr(line[2].rfind('/') + 1) + " HTTP/1.0";
-      if (!line[2].empty()) requests.push_back(head);
-      if (line[2].ends_with("/gone")) break;
-      if (!line[2].empty()) requests.push_back(head);
-      bytes += contentOf(line[2]).size();
-    }
-    if (!isRefused && bytes > 0) {
-      for (const auto& action : reading.actions) {
-        const Fields& line = script.lines[action.line];
-        if (action.command->effect != modPrincipal::Effect::Download) continue;
-        if (line[2].empty()) break;
-        requests.push_back("GET /" + line[2].substr(line[2].rfind('/') + 1) + " HTTP/1.1");
-        files[NameOf(line[1]) + ".tmp"] = contentOf(line[2]);
+      const Fields& line = script.lines[action.line];
+      const std::string name = line[2].substr(line[2].rfind('/') + 1);
+      const std::string content = name == "empty" ? "" : name;
+      bytes += content.size();
+      requests.insert(requests.end(), name.empty() || name == "gone" ? !name.empty() : 2,
+                      "HEAD /" + name + " HTTP/1.0");
+      if (name == "gone") break;
+      if (gets.empty() || !gets.back().empty()) {
+        gets.push_back(name.empty() ? "" : "GET /" + name + " HTTP/1.1");
+        if (!name.empty()) downloads[NameOf(line[1]) + ".tmp"] = content;
       }
+    }
+    if (outcome.reading.failure.empty() && bytes > 0) {
+      std::erase(gets, "");
+      requests.insert(requests.end(), gets.begin(), gets.end());
+      for (const auto& [name, content] : downloads) files[name] = content;
     }
     for (const auto& action : outcome.reading.actions) {
       if (action.fate == Fate::Done) CarryOut(*action.command, script.lines[action.line]);
@@ -119,16 +117,16 @@ class Agreement : public testing::Test {
   }
 
   void CarryOut(const modPrincipal::Command& command, const Fields& line) {
+    const std::string name = NameOf(line[1]);
     if (command.verb == Verb::Message) messages.push_back(line[1]);
     if (command.verb == Verb::Execute && line[1].ends_with(" x")) files["log"] += "x\n";
     if (command.verb == Verb::Delete) {
       std::erase_if(files, [&](const auto& file) {
-        return Fits(file.first, NameOf(line[1])) && file.first.find('/') == std::string::npos;
+        return file.first == name ||
+               (name == "*.bak" && file.first[0] != 'f' && file.first.ends_with(".bak"));
       });
-      files.erase(NameOf(line[1]));
     }
     if (command.effect != modPrincipal::Effect::Download) return;
-    const std::string name = NameOf(line[1]);
     if (command.verb == Verb::Add && files.contains(name)) files[name + ".bak"] = files[name];
     files[name] = files[name + ".tmp"];
     files.erase(name + ".tmp");
@@ -150,7 +148,7 @@ class Agreement : public testing::Test {
   LoopbackServer server;
   std::unique_ptr<Sandbox> sandbox;
   std::string finalScreen;
-  std::map<std::string, std::string> files;
+  Tree files;
   Texts requests;
   Texts messages;
 };

@@ -184,46 +184,6 @@ TEST(Check, ReadsForEverybodyAsForEachAlone) {
   }
 }
 
-TEST(Simulate, TellsWhatEachInstallationMeets) {
-  LoopbackServer server;
-  server.Serve("/a", {.body = "12345"});
-  server.Serve("/b", {.body = "678"});
-  const std::string a = server.Url("/a");
-  const std::string gone = server.Url("/gone");
-  const Script script = CutWithNumbers(
-      header + "VERSION|=|1.0.0\n!KILL|x.exe\nADD|$AppPath\\gone|" + gone +
-      "\nEND\nVERSION|<|2.0.0\nADD|$AppPath\\a|" + a + "\n!MSG|x|NOTHING\nUPDATE|b|" +
-      server.Url("/b") + "\nEND\nVERSION|=|2.0.0\n!SLEEP|1\nEND");
-  Texts met;  // by each range: lines, "!" when immediate, with their bytes; the final screen
-  for (const auto& [first, last, reading, finalScreen, bytes] : SimulateAll(script, true)) {
-    std::string actions;
-    for (const auto& action : reading.actions) {
-      const char* const fates[] = {"", "missing", "fails", "idle"};
-      const std::string size = action.size > 0 ? std::to_string(action.size) : "";
-      actions += " " + std::to_string(script.numbers[action.line]) +
-                 (action.immediate ? "!" : ":") + size + fates[static_cast<int>(action.fate)];
-    }
-    met.push_back(first + "-" + last + actions + " " + std::to_string(bytes) + finalScreen);
-  }
-  const std::string both = " 9! 8:5 10:3 8" + std::string(modPrincipal::Success);
-  const std::string nothing = " 0" + std::string(modPrincipal::NothingToDo);
-  EXPECT_EQ(met, (Texts{"-" + both, "0.0.0-0.999.999" + both,
-                        "1.0.0-1.0.0 4! 5:missing 0" + std::string(modPrincipal::FilesNotAvailable),
-                        "1.0.1-1.999.999" + both, "2.0.0-2.0.0 13!" + nothing,
-                        "2.0.1-999.999.999" + nothing}));
-  (void)server.TakeRequests();
-  (void)SimulateAll(script, false);
-  EXPECT_EQ(server.TakeRequests(), Texts{});
-
-  const std::string ends = "\nEND\nEND\nEND";
-  EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + gone + ends), true).failure,
-            modPrincipal::UpdaterNotAvailable);
-  EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + a + "|" + ends), true).version, "");
-  EXPECT_EQ(Fetch(gone), std::nullopt);
-  const Script faulty = CutWithNumbers(header + "VERSION|=|1\nADD|x|" + gone + "\nKILL");
-  EXPECT_EQ(Simulate(faulty, "1", true).finalScreen, modPrincipal::FilesNotAvailable);
-}
-
 class Making : public Test {
  protected:
   const std::string component = "it exports DllRegisterServer";
@@ -423,43 +383,64 @@ TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
             "@site/s: 1 error, 1 warning; the updater understands it\n2");
 }
 
-TEST_F(Tool, TellsWhatGoesWrongInASimulation) {
+TEST_F(Tool, SimulatesWhatEachInstallationMeets) {
   LoopbackServer server;
   server.Serve("/l/a", {.body = "12345"});
   server.Serve("/l/empty", {});
+  sandbox.Fill({{"site/a", "1234567"}, {"site/empty", ""}});
   const std::string a = server.Url("/l/a");
   const std::string empty = server.Url("/l/empty");
-  const std::string start = "1|" + a + "\nNAME|x\nVERSION|=|2.7.1\n#\n";
+  const std::string gone = server.Url("/l/gone");
+  const std::string script = "1|" + a + "\nVERSION|=|1.0.0\n!KILL|x\nADD|x|" + gone +
+                             "\nEND\nVERSION|<|2.0.0\nADD|x|" + a + "\n!MSG|x|NOTHING\nADD|y|" +
+                             empty + "\nEND\nVERSION|=|2.7.1\nDELETE|$AppPath\\*.exe\n" +
+                             "EXECUTE|x|SOON|MAX\nUPDATE|$AppPath\\kestrane.EXE|" + a +
+                             "\nKILL|x\nEND\nVERSION|=|3\n!SLEEP|1";
   const std::string offer = "An updater older than 1 first replaces itself from " + a;
-  const std::string failing =
-      start + "DELETE|$AppPath\\*.exe\nEXECUTE|x|SOON|MAX\nUPDATE|$AppPath\\kestrane.EXE|" + a +
-      "\nKILL|x";
-  // The blank is lost on the way to the program.
-  EXPECT_EQ(Simulates(failing, {.script = "", .installed = {" 2.7.1"}, .site = ""}),
+  const std::string success = ToUtf8(modPrincipal::Success);
+  const std::string nothing = ToUtf8(modPrincipal::NothingToDo);
+  const std::string failure = ToUtf8(modPrincipal::WriteFailure);
+  const std::string missing = ToUtf8(modPrincipal::FilesNotAvailable);
+  SimulateOptions options = {.script = "", .installed = {}, .all = true, .site = ""};
+  options.probe = options.inShort = true;
+  const std::string both = ": 3 actions, 5 bytes\n  " + success + "\n";
+  const std::string none = ": 0 actions, 0 bytes\n  " + nothing + "\n";
+  EXPECT_EQ(Simulates(script, options),
+            offer + "  (5 bytes)\n\nno valid version" + both + "0.0.0 to 0.999.999" + both +
+                "1.0.0: 2 actions, 0 bytes\n  " + missing + "\n1.0.1 to 1.999.999" + both +
+                "2.0.0 to 2.7.0" + none + "2.7.1: 3 actions, 5 bytes\n  " + failure +
+                "\n2.7.2 to 2.999.999" + none + "3.0.0: 1 action, 0 bytes\n  " + nothing +
+                "\n3.0.1 and later" + none + "2");
+
+  options = {.script = "", .installed = {" 1.0.0", "0.9"}, .probe = true, .site = ""};
+  options.site = Utf8Of(sandbox.Folder("site"));  // the blank is lost on the way to the program
+  EXPECT_EQ(Simulates(script, options),
             offer +
-                "\n\nInstalled:  2.7.1\n  in the window: x\n"
-                "  line    5           DELETE  $AppPath\\*.exe  (fails)\n"
-                "  line    6           EXECUTE  x  SOON  MAX  "
+                "  (5 bytes)\n\nInstalled:  1.0.0\n  line    3  at once  KILL  x\n"
+                "  line    4           ADD  x  " +
+                gone + "  (not available)\n  final screen: " + missing +
+                "\n\nInstalled: 0.9\n  in the window: \n  line    8  at once  MSG  x  NOTHING\n"
+                "  line    7           ADD  x  " +
+                a +
+                "  (5 bytes)  (but 7 bytes in the upload folder)\n  line    9           ADD  y  " +
+                empty + "  (0 bytes)\n  in all 5 bytes\n  final screen: " + success + "\n\n2");
+
+  (void)server.TakeRequests();
+  options = {.script = "", .installed = {"2.7.1"}, .site = ""};
+  EXPECT_EQ(Simulates(script, options),
+            offer +
+                "\n\nInstalled: 2.7.1\n  in the window: \n"
+                "  line   12           DELETE  $AppPath\\*.exe  (fails)\n"
+                "  line   13           EXECUTE  x  SOON  MAX  "
                 "(not started: neither WAIT nor NOWAIT)\n"
-                "  line    7           UPDATE  $AppPath\\kestrane.EXE  " +
-                a + "  (fails)\n  final screen: " + ToUtf8(modPrincipal::WriteFailure) + "\n\n2");
-  sandbox.Fill({{"site/a", "1234567"}, {"site/empty", ""}});
-  SimulateOptions options = {.script = "", .installed = {"2.7.1"}, .probe = true, .site = ""};
-  options.site = Utf8Of(sandbox.Folder("site"));
-  const std::string script = start + "ADD|x|" + a + "\nADD|y|" + empty;
-  EXPECT_EQ(Simulates(script, options), offer +
-                                            "  (5 bytes)\n\nInstalled: 2.7.1\n  in the window: x\n"
-                                            "  line    5           ADD  x  " +
-                                            a +
-                                            "  (5 bytes)  (but 7 bytes in the upload folder)\n"
-                                            "  line    6           ADD  y  " +
-                                            empty +
-                                            "  (0 bytes)\n  in all 5 bytes\n  final screen: " +
-                                            ToUtf8(modPrincipal::Success) + "\n\n2");
-  options.inShort = true;
-  sandbox.Write("site/a", "abcde");
-  EXPECT_EQ(Simulates(script, options), offer + "  (5 bytes)\n\n2.7.1: 2 actions, 5 bytes\n  " +
-                                            ToUtf8(modPrincipal::Success) + "\n0");
+                "  line   14           UPDATE  $AppPath\\kestrane.EXE  " +
+                a + "  (fails)\n  final screen: " + failure + "\n\n2");
+  EXPECT_EQ(server.TakeRequests(), Texts{});
+
+  const std::string ends = "\nEND\nEND\nEND";
+  EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + gone + ends), true).failure,
+            modPrincipal::UpdaterNotAvailable);
+  EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + a + "|" + ends), true).version, "");
 }
 
 TEST_F(Tool, TellsWhatItMade) {
