@@ -15,6 +15,8 @@ namespace {
 namespace fs = std::filesystem;
 using Problems = std::vector<std::string>;
 
+constexpr unsigned NewKeyBits = 3072;
+
 /// The folders that a path lies in, as it is written and where its links lead.
 std::vector<fs::path> FoldersOf(const fs::path& path) {
   std::vector<fs::path> folders;
@@ -70,16 +72,14 @@ std::string MakeKeyFiles(const fs::path& path, Problems& problems) {
   if (!upload.empty()) problems.push_back(Exposed(Utf8Of(path), upload));
   if (!problems.empty()) return "";
 
-  const auto key = MakeKey();
-  std::string why;
-  const auto publicKey = key ? ReadPublicKey(key->publicKey, why) : std::nullopt;
-  if (!publicKey) {
+  const auto key = MakeKey(NewKeyBits);
+  if (!key) {
     problems.emplace_back("The system gives no random numbers for a key.");
-  } else if (!platform::private_file::Create(path, key->privateKey) ||
-             !WriteFile(publicPath, key->publicKey)) {
+  } else if (!platform::private_file::Create(path, key->privateFile) ||
+             !WriteFile(publicPath, key->publicFile)) {
     problems.push_back(Utf8Of(path) + " and the public key beside it cannot be written.");
   }
-  return problems.empty() ? FingerprintOf(*publicKey) : "";
+  return problems.empty() ? FingerprintOf(key->key.PublicKey()) : "";
 }
 
 std::vector<PrivateKey> LoadPrivateKeys(const std::vector<std::string>& files,

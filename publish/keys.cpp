@@ -13,8 +13,6 @@
 namespace publish {
 namespace {
 
-constexpr const char* NewKeyParameters = "(genkey (rsa (nbits 4:3072)))";
-
 constexpr const char* Pkcs8Label = "PRIVATE KEY";
 constexpr const char* Pkcs1Label = "RSA PRIVATE KEY";
 constexpr const char* PublicLabel = "PUBLIC KEY";
@@ -150,17 +148,19 @@ std::string PrivateKey::PublicKey() const {
                  RsaAlgorithm() + Element(Tag::BitString, std::string(1, '\0') + numbers));
 }
 
-std::optional<KeyFiles> MakeKey() {
+std::optional<NewKey> MakeKey(unsigned bits) {
   StartLibrary();
   gcry_sexp_t made = nullptr;
-  if (gcry_pk_genkey(&made, Build(NewKeyParameters).get()) != 0) return std::nullopt;
+  if (gcry_pk_genkey(&made, Build("(genkey (rsa (nbits %u)))", bits).get()) != 0) {
+    return std::nullopt;
+  }
   const Expression key(made);
   const auto info = PrivateKeyInfo(Expression(gcry_sexp_find_token(made, "private-key", 0)));
   if (!info) return std::nullopt;
   const std::string file = ToPem(Pkcs8Label, *info);
   const auto numbers = PrivateKeyIn(file);
   if (!numbers) return std::nullopt;
-  return KeyFiles{file, ToPem(PublicLabel, numbers->PublicKey())};
+  return NewKey{*numbers, file, ToPem(PublicLabel, numbers->PublicKey())};
 }
 
 std::optional<PrivateKey> ReadPrivateKey(std::string_view file, std::string& problem) {

@@ -19,14 +19,14 @@ struct PrivateKey {
   [[nodiscard]] std::string PublicKey() const;
 };
 
-/// The text of both files.
-struct KeyFiles {
-  std::string privateKey;
-  std::string publicKey;
+struct NewKey {
+  PrivateKey key;
+  std::string privateFile;  // what the files hold
+  std::string publicFile;
 };
 
-/// A new key of 3,072 bits; nothing when the library cannot make one.
-[[nodiscard]] std::optional<KeyFiles> MakeKey();
+/// Nothing when the library cannot make one.
+[[nodiscard]] std::optional<NewKey> MakeKey(unsigned bits);
 
 /// Reads the text of a file. Nothing, with the reason as the end of a sentence in problem, when it
 /// holds no key that signs updates.

@@ -57,15 +57,15 @@ std::string DigestLine(const std::string& digest, const std::string& url) {
   return std::string(modFunciones::DigestMark) + digest + "|" + url + "\n";
 }
 
-std::string SignatureLine(const std::string& text, const PrivateKey& key) {
-  return std::string(modFunciones::SignatureMark) + Base64Text(key.PublicKey()) + "|" +
-         Base64Text(SignatureOf(text, key)) + "\n";
-}
-
 }  // namespace
 
 std::string WithoutSignatures(const std::string& script) {
   return WithoutLines(script, modFunciones::SignatureMark);
+}
+
+std::string SignatureLine(const std::string& text, const PrivateKey& key) {
+  return std::string(modFunciones::SignatureMark) + Base64Text(key.PublicKey()) + "|" +
+         Base64Text(SignatureOf(text, key)) + "\n";
 }
 
 void SignFile(const fs::path& script, const Signing& signing, Problems& problems) {

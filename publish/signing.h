@@ -18,6 +18,9 @@ using modFunciones::Digests;
 /// The script without its signatures, which fit no longer once anything else is changed.
 [[nodiscard]] std::string WithoutSignatures(const std::string& script);
 
+/// The line that signs all of a text that stands above it.
+[[nodiscard]] std::string SignatureLine(const std::string& text, const PrivateKey& key);
+
 /// What a script is signed with.
 struct Signing {
   std::vector<PrivateKey> keys;   // none: digests only
