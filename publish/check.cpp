@@ -6,6 +6,7 @@
 #include "publish/reading.h"
 #include "publish/site.h"
 #include "publish/versions.h"
+#include "run/messages.h"
 #include "script/version.h"
 
 namespace publish {
@@ -69,7 +70,9 @@ void Sort(Findings& findings) {
 
 Findings Check(const Script& script, const Knowledge& knowledge) {
   Findings findings = CheckText(script);
-  if (!findings.empty()) return findings;
+  const bool isText = findings.empty();
+  if (knowledge.origin) CheckSigning(script, *knowledge.origin, knowledge.probe, findings);
+  if (!isText) return findings;
   CheckLines(script, findings);
   if (Verdict(script).empty()) CheckFlow(script, knowledge.newest, findings);
   CheckHeaderVersion(script, knowledge.updater, findings);
@@ -78,7 +81,8 @@ Findings Check(const Script& script, const Knowledge& knowledge) {
   return findings;
 }
 
-std::string Verdict(const Script& script) {
+std::string Verdict(const Script& script, const std::optional<std::string>& key) {
+  if (!IsTaken(script, key)) return std::string(modPrincipal::NotSigned);
   return Read(script, VersionsToldApart(script)).failure;
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "publish/check_rules.h"
 #include "publish/script_text.h"
+#include "publish/trust.h"
 
 namespace publish {
 
@@ -12,13 +14,15 @@ namespace publish {
 struct Knowledge {
   std::string newest;   // the newest release of the application; may be empty
   std::string updater;  // the file of the updater that the header offers, its bytes; may be empty
-  std::filesystem::path site = {};  // the upload folder; may be empty
+  std::filesystem::path site = {};    // the upload folder; may be empty
+  std::optional<Origin> origin = {};  // nothing: of digests and signatures nothing is told
+  bool probe = false;                 // ask the servers for files that have a digest
 };
 
 /// Everything there is to know about a script, errors first, then by line.
 [[nodiscard]] Findings Check(const Script& script, const Knowledge& knowledge);
 
 /// The message with which one installed version at least refuses the script; empty when none does.
-[[nodiscard]] std::string Verdict(const Script& script);
+[[nodiscard]] std::string Verdict(const Script& script, const std::optional<std::string>& key = {});
 
 }  // namespace publish

@@ -19,6 +19,9 @@ namespace {
 constexpr int Failed = 2;
 
 constexpr const char* ScriptHelp = "The update script: a file or a URL";
+constexpr const char* KeyHelp =
+    "Key that installations name: its 64 digits, or its file, public or private";
+constexpr const char* SigningKeyHelp = "Private key to sign the script with; twice for two of them";
 constexpr const char* JsonHelp = "Tell it as JSON";
 
 /// What a command does once its options are read; its exit status.
@@ -30,6 +33,8 @@ Execution DefineCheck(CLI::App& command) {
   command.add_option("--newest", options->newest, "Newest release of the application");
   command.add_option("--updater", options->updater,
                      "File of the updater that the header offers, if it is not beside the script");
+  command.add_option("--key", options->key, KeyHelp);
+  command.add_flag("--probe", options->probe, "Compare what the server sends with the digests");
   command.add_flag("--json", options->asJson, JsonHelp);
   command.footer(
       "Exit status: 0 nothing to tell, 1 warnings, 2 errors.\n\n"
@@ -46,6 +51,7 @@ Execution DefineSimulate(CLI::App& command) {
   which->add_option("--installed", options->installed, "Installed versions");
   which->add_flag("--matrix", options->all, "Every version that the script tells apart");
   which->require_option(1);
+  command.add_option("--key", options->key, KeyHelp);
   auto* const probe = command.add_flag(
       "--probe", options->probe, "Ask the server for every file, with two HEAD requests each");
   command
@@ -81,6 +87,7 @@ struct MakeArguments {
   std::string newFolder;
   std::string site = "site";
   std::vector<std::string> updater;
+  std::vector<std::string> keys;
   bool asJson = false;
 };
 
@@ -109,7 +116,7 @@ int RunMake(MakeArguments arguments) {
   for (auto* names : {&wishes.backups, &wishes.kept, &wishes.components}) {
     for (auto& name : *names) std::replace(name.begin(), name.end(), '/', '\\');
   }
-  return publish::RunMake(order, arguments.asJson);
+  return publish::RunMake(order, arguments.asJson, arguments.keys);
 }
 
 /// An option that may be given several times, a value each.
@@ -146,6 +153,7 @@ Execution DefineMake(CLI::App& command) {
   AddList(command, "--register", order.wishes.components,
           "DLL or OCX that registers itself, or unregisters where it goes");
   AddList(command, "--then", order.wishes.lastLines, "Line for the end of the block");
+  AddList(command, "--key", arguments->keys, SigningKeyHelp);
   command.add_flag("--older", order.coversOlder,
                    "Also give every file of NEW to all other versions below it");
   command.add_flag("--force", order.force, "Replace files that are published already");
@@ -166,6 +174,36 @@ Execution DefineMake(CLI::App& command) {
   return [arguments] { return RunMake(*arguments); };
 }
 
+Execution DefineKey(CLI::App& command) {
+  auto options = std::make_shared<publish::KeyOptions>();
+  command.add_option("FILE", options->file, "For the private key; the public one gets .pub behind")
+      ->required();
+  command.add_option("--url", options->url, "Where the upload folder will be found");
+  command.footer(
+      "The files are those of openssl, in PEM. A file that is there is never written over.\n\n"
+      "Example:\n"
+      "  kestrane-publish key ledger.pem --url https://updates.example/ledger");
+  return [options] { return publish::RunKey(*options); };
+}
+
+Execution DefineSign(CLI::App& command) {
+  auto options = std::make_shared<publish::SignOptions>();
+  command.add_option("SCRIPT", options->script, "The update script, with its files beside it")
+      ->required();
+  AddList(command, "--key", options->keys, SigningKeyHelp);
+  command.add_option("--updater", options->updater,
+                     "File of the updater that the header offers, if it is not beside the script");
+  command.add_flag("--json", options->asJson, JsonHelp);
+  command.footer(
+      "The digest of every file that the script names, and the signatures, take the place of "
+      "those\n"
+      "that there are. Without --key there is no signature: openssl can add it. A file that is no\n"
+      "longer beside the script keeps the digest that one of the keys has signed.\n\n"
+      "Example:\n"
+      "  kestrane-publish sign site/update.txt --key ledger.pem");
+  return [options] { return publish::RunSign(*options); };
+}
+
 /// The commands, each with what defines its options.
 constexpr struct {
   const char* name;
@@ -176,6 +214,8 @@ constexpr struct {
     {"simulate", "Tell what a script does, without doing it", DefineSimulate},
     {"make", "Make the update that turns one folder into another", DefineMake},
     {"serve", "Serve an upload folder to this machine, for a trial", DefineServe},
+    {"key", "Make a key that signs updates", DefineKey},
+    {"sign", "Put digests and signatures into a script", DefineSign},
 };
 
 int RunCommandLine(int argc, char** argv) {

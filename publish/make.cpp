@@ -1,7 +1,6 @@
 #include "publish/make.h"
 
 #include <algorithm>
-#include <fstream>
 
 #include "base/text.h"
 #include "publish/check.h"
@@ -9,6 +8,7 @@
 #include "publish/plan.h"
 #include "publish/progress.h"
 #include "publish/script_text.h"
+#include "publish/signing.h"
 #include "publish/source.h"
 #include "publish/versions.h"
 #include "publish/words.h"
@@ -132,18 +132,9 @@ bool CopyFiles(const Plan& plan) {
   return copied;
 }
 
-/// The script comes last, and in one piece: it names files that have to be there.
-bool WriteScript(const fs::path& path, const std::string& script) {
-  fs::path unfinished = path;
-  unfinished += ".new";
-  if (!(std::ofstream(unfinished, std::ios::binary) << script << std::flush)) return false;
-  std::error_code error;
-  fs::rename(unfinished, path, error);
-  return !error;
-}
-
+/// The script comes last: it names files that have to be there.
 bool WriteSite(const Plan& plan) {
-  return CopyFiles(plan) && WriteScript(plan.order.site / ScriptName, plan.script);
+  return CopyFiles(plan) && WriteFile(plan.order.site / ScriptName, plan.script);
 }
 
 void CountFiles(const Difference& difference, Made& made) {
@@ -171,7 +162,7 @@ Plan PlanFor(const Order& order, Made& made) {
   plan.difference = Compare(plan.oldFolder, plan.newFolder);
   std::erase_if(plan.difference.removed,
                 [&](const FolderFile& file) { return AreAmong(order.wishes.kept, file.name); });
-  plan.script = ReadFile(order.site / ScriptName).value_or("");
+  plan.script = WithoutSignatures(ReadFile(order.site / ScriptName).value_or(""));
   return plan;
 }
 

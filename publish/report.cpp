@@ -210,7 +210,9 @@ void PrintOffer(const Offer& offer, bool probed) {
   std::cout << "An updater older than " << modFunciones::ToUtf8(offer.version)
             << " first replaces itself from " << modFunciones::ToUtf8(offer.url);
   if (!offer.failure.empty()) {
-    std::cout << "  (not available)\n  final screen: " << modFunciones::ToUtf8(offer.failure);
+    const bool isRefused = offer.failure == modPrincipal::NotGenuine;
+    std::cout << (isRefused ? "  (not genuine)" : "  (not available)")
+              << "\n  final screen: " << modFunciones::ToUtf8(offer.failure);
   } else if (probed) {
     std::cout << "  (" << Number(static_cast<std::uint64_t>(offer.bytes), "byte") << ")";
   }

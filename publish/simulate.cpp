@@ -39,6 +39,13 @@ bool IsDownload(const TakenAction& action) {
   return action.command->effect == modPrincipal::Effect::Download;
 }
 
+/// Whether something would be downloaded that is not taken then.
+bool IsRefused(const Script& script, const Reading& reading, const Trust& trust) {
+  return std::any_of(reading.actions.begin(), reading.actions.end(), [&](const auto& action) {
+    return IsDownload(action) && trust.refusedUrls.contains(FieldAt(script.lines[action.line], 2));
+  });
+}
+
 /// The recorded actions, as they are carried out, and what the final screen says then.
 class Rehearsal {
  public:
@@ -129,10 +136,11 @@ bool AreAlike(const Outcome& a, const Outcome& b) {
 
 }  // namespace
 
-Offer SimulateOffer(const Script& script, bool probe) {
-  if (!Read(script, {0}).offersUpdater) return {};
+Offer SimulateOffer(const Script& script, bool probe, const Trust& trust) {
+  if (!trust.takesScript || !Read(script, {0}).offersUpdater) return {};
   const Fields& header = script.lines.front();
   Offer offer = {header[0], header[1], "", 0};
+  if (trust.refusedUrls.contains(offer.url)) offer.failure = modPrincipal::NotGenuine;
   if (!probe) return offer;
   const auto bytes = modFunciones::AvailableLength(offer.url);
   offer.bytes = bytes.value_or(0);
@@ -140,15 +148,24 @@ Offer SimulateOffer(const Script& script, bool probe) {
   return offer;
 }
 
-Outcome Simulate(const Script& script, const std::string& installed, bool probe) {
+Outcome Simulate(const Script& script, const std::string& installed, bool probe,
+                 const Trust& trust) {
   StartProgress("Asking the server", script.lines.size());
   // A blank at the beginning is lost on the command line.
   const auto first = std::min(installed.find_first_not_of(" \t"), installed.size());
   const auto number = modPrincipal::VersionToNumber(installed.substr(first));
-  Outcome outcome = {installed, installed, Read(script, {number}), "", 0};
+  Outcome outcome = {installed, installed, {}, "", 0};
+  if (trust.takesScript) {
+    outcome.reading = Read(script, {number});
+  } else {
+    outcome.reading.failure = modPrincipal::NotSigned;
+  }
   auto& actions = outcome.reading.actions;
   if (probe) Probe(script, outcome.reading);
   EndProgress();
+  if (outcome.reading.failure.empty() && IsRefused(script, outcome.reading, trust)) {
+    outcome.reading.failure = modPrincipal::NotGenuine;
+  }
   // Of a refused script no row is carried out; the last one may be what it is refused for.
   const bool isRefused = !outcome.reading.failure.empty();
   std::erase_if(actions, [&](const TakenAction& action) {
@@ -184,11 +201,11 @@ void CompareWithSite(const Script& script, const Site& site, std::vector<Outcome
   }
 }
 
-std::vector<Outcome> SimulateAll(const Script& script, bool probe) {
+std::vector<Outcome> SimulateAll(const Script& script, bool probe, const Trust& trust) {
   std::vector<Outcome> outcomes;
   for (const std::int32_t number : VersionsToldApart(script)) {
     const std::string installed = VersionOf(number);
-    Outcome outcome = Simulate(script, installed, false);
+    Outcome outcome = Simulate(script, installed, false, trust);
     if (!outcomes.empty() && AreAlike(outcomes.back(), outcome)) {
       outcomes.back().last = installed;
     } else {
@@ -198,7 +215,7 @@ std::vector<Outcome> SimulateAll(const Script& script, bool probe) {
   if (!probe) return outcomes;
   for (auto& outcome : outcomes) {  // each range is asked for once
     const std::string last = outcome.last;
-    outcome = Simulate(script, outcome.first, true);
+    outcome = Simulate(script, outcome.first, true, trust);
     outcome.last = last;
   }
   return outcomes;

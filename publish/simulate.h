@@ -6,6 +6,7 @@
 
 #include "publish/reading.h"
 #include "publish/site.h"
+#include "publish/trust.h"
 
 namespace publish {
 
@@ -22,13 +23,14 @@ struct Outcome {
 struct Offer {
   std::string version;  // empty: the header is not understood, so that it offers none
   std::string url;
-  std::string failure;     // the message, where the server was asked and does not have it
+  std::string failure;     // the message, where it is known not to be to be had
   std::int32_t bytes = 0;  // where the server was asked
 };
 
-[[nodiscard]] Offer SimulateOffer(const Script& script, bool probe);
+[[nodiscard]] Offer SimulateOffer(const Script& script, bool probe, const Trust& trust = {});
 
-[[nodiscard]] Outcome Simulate(const Script& script, const std::string& installed, bool probe);
+[[nodiscard]] Outcome Simulate(const Script& script, const std::string& installed, bool probe,
+                               const Trust& trust = {});
 
 /// Whether the update fails, or the server has other files than the upload folder.
 [[nodiscard]] bool GoesWrong(const Outcome& outcome);
@@ -37,6 +39,7 @@ struct Offer {
 void CompareWithSite(const Script& script, const Site& site, std::vector<Outcome>& outcomes);
 
 /// One outcome for each range of versions that meet the same.
-[[nodiscard]] std::vector<Outcome> SimulateAll(const Script& script, bool probe);
+[[nodiscard]] std::vector<Outcome> SimulateAll(const Script& script, bool probe,
+                                               const Trust& trust = {});
 
 }  // namespace publish

@@ -13,20 +13,8 @@ namespace {
 namespace http = platform::http;
 
 std::optional<std::string> Download(const std::string& url) {
-  if (!modFunciones::IsAvailable(url)) return std::nullopt;
-  const http::Handle root =
-      http::OpenRoot(modFunciones::UserAgentText, modFunciones::PreconfiguredAccess, "");
-  if (!root) return std::nullopt;
-  const http::Body body = http::OpenUrl(root, url);
-  if (!body) return std::nullopt;
-
   std::string content;
-  std::array<char, modFunciones::TransferBlockSize> block{};
-  std::uint32_t received = 0;
-  do {
-    if (!http::Read(body, block.data(), block.size(), received)) return std::nullopt;
-    content.append(block.data(), received);
-  } while (received > 0);
+  if (!Receive(url, [&](std::string_view block) { content += block; })) return std::nullopt;
   return content;
 }
 
@@ -68,6 +56,23 @@ std::string WhyUnreadable(const std::string& fileOrUrl) {
              : "gives no answer: there is no such server, or none that listens";
 }
 
+bool Receive(const std::string& url, const std::function<void(std::string_view)>& take) {
+  if (!modFunciones::IsAvailable(url)) return false;
+  const http::Handle root =
+      http::OpenRoot(modFunciones::UserAgentText, modFunciones::PreconfiguredAccess, "");
+  if (!root) return false;
+  const http::Body body = http::OpenUrl(root, url);
+  if (!body) return false;
+
+  std::array<char, modFunciones::TransferBlockSize> block{};
+  std::uint32_t received = 0;
+  do {
+    if (!http::Read(body, block.data(), block.size(), received)) return false;
+    take({block.data(), received});
+  } while (received > 0);
+  return true;
+}
+
 std::filesystem::path PathOf(const std::string& utf8) {
   return {std::u8string(utf8.begin(), utf8.end())};
 }
@@ -86,6 +91,15 @@ std::optional<std::string> ReadFile(const std::filesystem::path& path) {
     return std::nullopt;
   }
   return content;
+}
+
+bool WriteFile(const std::filesystem::path& path, const std::string& content) {
+  std::filesystem::path unfinished = path;
+  unfinished += ".new";
+  if (!(std::ofstream(unfinished, std::ios::binary) << content << std::flush)) return false;
+  std::error_code error;
+  std::filesystem::rename(unfinished, path, error);
+  return !error;
 }
 
 }  // namespace publish

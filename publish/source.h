@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace publish {
 
@@ -16,11 +18,19 @@ namespace publish {
 /// What became of the attempt, to follow the name in a sentence, where Fetch returned nothing.
 [[nodiscard]] std::string WhyUnreadable(const std::string& fileOrUrl);
 
+/// Hands what a URL answers with to take, block by block, as Fetch asks; false when it cannot be
+/// had whole.
+[[nodiscard]] bool Receive(const std::string& url,
+                           const std::function<void(std::string_view)>& take);
+
 /// A path in UTF-8 as the standard library takes it, and the other way round.
 [[nodiscard]] std::filesystem::path PathOf(const std::string& utf8);
 [[nodiscard]] std::string Utf8Of(const std::filesystem::path& path);
 
 /// The bytes of a file; nothing when it cannot be read.
 [[nodiscard]] std::optional<std::string> ReadFile(const std::filesystem::path& path);
+
+/// Writes a file anew, in one piece: it is the old one or the whole new one.
+[[nodiscard]] bool WriteFile(const std::filesystem::path& path, const std::string& content);
 
 }  // namespace publish

@@ -12,7 +12,8 @@ cd "$folder"
 PATH=$build:$PATH
 site=https://updates.example
 
-# What the commands of a block print: with a probe, from the server here, sizes as N.
+# What the commands of a block print, with … for digests, keys and signatures; with a probe, from the
+# server here, sizes as N.
 run_block() {
   local command address=http://127.0.0.1:$port
   grep '^\$ ' "$1" | while read -r _ command; do
@@ -23,7 +24,8 @@ run_block() {
       sed -i "s#$address#$site#" site/update.txt
     else
       # The findings tell; sizes are those of a build.
-      eval "$command" 2>&1 | sed -E "/download/s/[0-9,]+ byte/N byte/" || true
+      { eval "$command" 2>&1 || true; } |
+        sed -E '/download/s/[0-9,]+ byte/N byte/; s/[0-9a-f]{64}/…/g; s#[A-Za-z0-9+/]{300,}=*#…#g'
     fi
   done
 }
@@ -46,7 +48,8 @@ done
 # The server of the page about hosting, in front of the upload folder.
 mkdir www
 ln -s ../site www/ledger
-echo updater >www/Kestrane.exe
+printf '\275\004\357\376\0\0\1\0\0\0\1\0\0\0\3\0' >Kestrane.exe # a version record, of 1.0.3
+ln -s ../Kestrane.exe www/Kestrane.exe
 next_port
 serve_with nginx "$(sed "s#listen 80#listen 127.0.0.1:$port#; s#/srv/updates#$folder/www#" server.conf)"
 

@@ -4,8 +4,11 @@
 #include <cstdlib>
 #include <random>
 
+#include "base/arrays.h"
+#include "base/binary_text.h"
 #include "tests/support/program_fixture.h"
 #include "tests/support/update_story.h"
+#include "transfer/signed_script.h"
 
 namespace {
 
@@ -65,19 +68,51 @@ TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
   sandbox.Fill({{"new/app.exe", "2"}, {"new/same", "="}, {"new/d/e/f", "2"}, {"new/data", ""}});
   sandbox.Fill({{"new/b c/x", "2"}, {"old/mine", "edited"}, {"new/mine", "default"}});
   std::filesystem::rename(sandbox.Folder("new/b c/x"), sandbox.Folder("new/b c") / u8"ñ #%.txt");
-  Run((OwnFolder() / "../kestrane-publish").string(),
+  const std::string tool = (OwnFolder() / "../kestrane-publish").string();
+  const std::string key = sandbox.Folder("own.pem").string();
+  Run(tool, {"key", key});
+  ASSERT_TRUE(Ends());
+  sandbox.Write("site/Kestrane.exe", kestrane);
+  Run(tool,
       {"make", sandbox.Folder("old").string(), sandbox.Folder("new").string(), "--site",
        sandbox.Folder("site").string(), "--url", server.Url(""), "--from", "2.7.1", "--to", "3.0.0",
-       "--updater", server.Url("/Kestrane.exe"), "0.0.1", "--keep", "mine"});
+       "--updater", server.Url("/Kestrane.exe"), "0.0.1", "--keep", "mine", "--key", key});
   ASSERT_TRUE(Ends());
   for (const auto& [name, shown] : sandbox.Tree("site")) {
-    if (name.find(' ') != std::string::npos) continue;
+    if (name.find(' ') != std::string::npos || name == "Kestrane.exe") continue;
     const std::string asked = name == "update.txt" ? "HG" : "HHG";
     server.Serve("/" + name, {.body = sandbox.Read("site/" + name), .asked = asked});
   }
   server.Serve("/3.0.0/b%20c/%C3%B1%20%23%25.txt", {"2"});
   sandbox.Write("old/Kestrane.exe", kestrane);
-  Run(sandbox.Path("old/Kestrane.exe"), {"2.7.1", "C:", server.Url("/update.txt"), "none", "no"});
+  const std::string script = sandbox.Read("site/update.txt");
+  const Texts fields = modFunciones::Split(script.substr(script.find("#SIGNATURE")), '|');
+  const std::string url =
+      server.Url("/update.txt#key=") +
+      modFunciones::Sha256Text(modFunciones::FromBase64(fields.at(1)).value_or(""));
+  const Texts arguments = {"2.7.1", "C:", url, "none", "no"};
+  const Tree before = sandbox.Tree("old");
+
+  // Once it has what was not signed it asks for nothing more, and changes nothing.
+  for (const auto& [path, content] :
+       {std::pair("/update.txt", "!DELETE|" + sandbox.Path("old/same") + "\n" + script),
+        {"/update.txt", script.substr(0, script.find("#SIGNATURE"))},
+        {"/3.0.0/app.exe", "3"}}) {
+    server.Serve(path, {content});
+    Run(sandbox.Path("old/Kestrane.exe"), arguments);
+    const std::string last = std::string("GET ") + path + " HTTP/1.1";
+    EXPECT_TRUE(Eventually([&] {
+      const Texts requests = server.TakeRequests();
+      return !requests.empty() && requests.back() == last;
+    }));
+    std::this_thread::sleep_for(std::chrono::seconds(1));
+    EXPECT_EQ(server.TakeRequests(), Texts{});
+    Kill();
+    EXPECT_EQ(sandbox.Tree("old"), before);
+    server.Serve(path, {sandbox.Read(std::string("site") + path)});
+  }
+
+  Run(sandbox.Path("old/Kestrane.exe"), arguments);
   ASSERT_TRUE(Ends());
   Tree made = sandbox.Tree("new");
   made["Kestrane.exe"] = Shown(kestrane);

@@ -64,19 +64,6 @@ bool OneFits(std::string_view content, std::string_view signatures, std::string_
   return fits;
 }
 
-std::optional<Digests> DigestsIn(std::string_view content) {
-  Digests digests;
-  while (!content.empty()) {
-    const std::string_view line = TakeLine(content);
-    if (!line.starts_with(DigestMark)) continue;
-    const auto fields = TwoFields(line, DigestMark);
-    if (!fields || !IsSha256(fields->first)) return std::nullopt;
-    const std::string digest = LowerCase(fields->first);
-    if (digests.try_emplace(fields->second, digest).first->second != digest) return std::nullopt;
-  }
-  return digests;
-}
-
 }  // namespace
 
 std::string WithoutKey(std::string_view url) { return std::string(url.substr(0, KeyMarkIn(url))); }
@@ -91,6 +78,19 @@ std::string Sha256Text(std::string_view bytes) {
   auto digest = platform::signature::StartDigest();
   platform::signature::Add(digest, bytes);
   return HexText(platform::signature::Finish(std::move(digest)));
+}
+
+std::optional<Digests> DigestsIn(std::string_view text) {
+  Digests digests;
+  while (!text.empty()) {
+    const std::string_view line = TakeLine(text);
+    if (!line.starts_with(DigestMark)) continue;
+    const auto fields = TwoFields(line, DigestMark);
+    if (!fields || !IsSha256(fields->first)) return std::nullopt;
+    const std::string digest = LowerCase(fields->first);
+    if (digests.try_emplace(fields->second, digest).first->second != digest) return std::nullopt;
+  }
+  return digests;
 }
 
 std::optional<Digests> SignedDigests(std::string_view script, std::string_view key) {

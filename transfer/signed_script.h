@@ -36,6 +36,10 @@ inline constexpr std::string_view SignatureMark = "#SIGNATURE|";
 /// SHA-256, as 64 digits in lower case, of what each URL delivers.
 using Digests = std::map<std::string, std::string, std::less<>>;
 
+/// The digests that a text names, whoever wrote it; nothing when a line about one is not as it has
+/// to be.
+[[nodiscard]] std::optional<Digests> DigestsIn(std::string_view text);
+
 /// The digests that a script names; nothing when the script is not signed by the key that is
 /// named, or a line about digests or signatures is not as it has to be.
 [[nodiscard]] std::optional<Digests> SignedDigests(std::string_view script, std::string_view key);

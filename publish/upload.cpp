@@ -1,0 +1,93 @@
+#include "publish/upload.h"
+
+#include <array>
+#include <charconv>
+#include <fstream>
+#include <utility>
+
+#include "base/binary_text.h"
+#include "base/text.h"
+#include "platform/signature.h"
+#include "publish/source.h"
+
+namespace publish {
+namespace {
+
+namespace fs = std::filesystem;
+namespace signature = platform::signature;
+
+/// A URL with its %20 and the like as the bytes that they stand for.
+std::string Decoded(const std::string& url) {
+  std::string decoded;
+  for (std::size_t i = 0; i < url.size(); ++i) {
+    const std::string_view digits = std::string_view(url).substr(i + 1, 2);
+    unsigned char byte = 0;
+    const char* const end = digits.data() + digits.size();
+    const bool isByte = url[i] == '%' && digits.size() == 2 &&
+                        std::from_chars(digits.data(), end, byte, 16).ptr == end;
+    decoded += isByte ? static_cast<char>(byte) : url[i];
+    if (isByte) i += 2;
+  }
+  return decoded;
+}
+
+/// Empty when the text is no name of a file below a folder.
+fs::path PathBelow(const std::string& text) {
+  const bool isUtf8 = modFunciones::FromUtf8(text).has_value();
+  const fs::path path = PathOf(isUtf8 ? text : modFunciones::ToUtf8(text)).lexically_normal();
+  const bool isBelow = path.is_relative() && !path.has_root_name() && *path.begin() != "..";
+  return isBelow ? path : fs::path();
+}
+
+std::string HexOf(signature::Digest digest) {
+  return modFunciones::HexText(signature::Finish(std::move(digest)));
+}
+
+}  // namespace
+
+std::vector<Download> DownloadsIn(const Script& script) {
+  std::vector<Download> downloads;
+  for (std::size_t i = 0; i < script.lines.size(); ++i) {
+    const Fields& line = script.lines[i];
+    const auto* const command = CommandOf(line);
+    const bool isDownload =
+        i > 0 && command != nullptr && command->effect == modPrincipal::Effect::Download;
+    const std::string& url = i == 0 ? FieldAt(line, 1) : isDownload ? FieldAt(line, 2) : "";
+    if (!url.empty()) downloads.push_back({i, url});
+  }
+  return downloads;
+}
+
+fs::path FileAtHand(const fs::path& folder, const std::string& url) {
+  if (folder.empty()) return {};
+  std::string end = Decoded(url);
+  for (auto slash = end.find('/'); slash != std::string::npos; slash = end.find('/')) {
+    end.erase(0, slash + 1);
+    if (end.empty() || end.starts_with('/')) continue;
+    const fs::path below = PathBelow(end);
+    std::error_code error;
+    if (!below.empty() && fs::is_regular_file(folder / below, error)) return folder / below;
+  }
+  return {};
+}
+
+std::optional<std::string> DigestOfFile(const fs::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  auto digest = signature::StartDigest();
+  std::array<char, 65'536> block;
+  while (file.read(block.data(), block.size()) || file.gcount() > 0) {
+    signature::Add(digest, {block.data(), static_cast<std::size_t>(file.gcount())});
+  }
+  if (!file.eof()) return std::nullopt;  // it could not be opened, or read to its end
+  return HexOf(std::move(digest));
+}
+
+std::optional<std::string> DigestOfUrl(const std::string& url) {
+  auto digest = signature::StartDigest();
+  const bool received =
+      Receive(url, [&](std::string_view block) { signature::Add(digest, block); });
+  if (!received) return std::nullopt;
+  return HexOf(std::move(digest));
+}
+
+}  // namespace publish
