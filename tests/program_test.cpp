@@ -90,29 +90,7 @@ TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
   const std::string url =
       server.Url("/update.txt#key=") +
       modFunciones::Sha256Text(modFunciones::FromBase64(fields.at(1)).value_or(""));
-  const Texts arguments = {"2.7.1", "C:", url, "none", "no"};
-  const Tree before = sandbox.Tree("old");
-
-  // Once it has what was not signed it asks for nothing more, and changes nothing.
-  for (const auto& [path, content] :
-       {std::pair("/update.txt", "!DELETE|" + sandbox.Path("old/same") + "\n" + script),
-        {"/update.txt", script.substr(0, script.find("#SIGNATURE"))},
-        {"/3.0.0/app.exe", "3"}}) {
-    server.Serve(path, {content});
-    Run(sandbox.Path("old/Kestrane.exe"), arguments);
-    const std::string last = std::string("GET ") + path + " HTTP/1.1";
-    EXPECT_TRUE(Eventually([&] {
-      const Texts requests = server.TakeRequests();
-      return !requests.empty() && requests.back() == last;
-    }));
-    std::this_thread::sleep_for(std::chrono::seconds(1));
-    EXPECT_EQ(server.TakeRequests(), Texts{});
-    Kill();
-    EXPECT_EQ(sandbox.Tree("old"), before);
-    server.Serve(path, {sandbox.Read(std::string("site") + path)});
-  }
-
-  Run(sandbox.Path("old/Kestrane.exe"), arguments);
+  Run(sandbox.Path("old/Kestrane.exe"), {"2.7.1", "C:", url, "none", "no"});
   ASSERT_TRUE(Ends());
   Tree made = sandbox.Tree("new");
   made["Kestrane.exe"] = Shown(kestrane);
