@@ -132,5 +132,7 @@ std::int32_t OpenWithShell(const std::string&, const std::string&, const std::st
                            const std::string&, int) {
   return 0;
 }
+void EndTurn::operator()(void*) const {}
+Turn TakeTurn() { return Turn(&object); }
 void EndProcess() { std::abort(); }
 }  // namespace platform::system

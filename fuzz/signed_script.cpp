@@ -1,8 +1,8 @@
 // A URL that may name a key, and a script that may be signed.
 
+#include "transfer/signed_script.h"
 #include "fuzz/fuzz.h"
 #include "script/reader.h"
-#include "transfer/signed_script.h"
 
 void Fuzz(const std::string& firstLine, const std::string& rest) {
   using namespace modFunciones;

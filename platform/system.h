@@ -4,6 +4,7 @@
 // text is the failure value.
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 namespace platform::system {
@@ -35,6 +36,16 @@ namespace platform::system {
 /// file is started, in the folder if there is one, and nothing else is opened.
 std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder, int showValue);
+
+struct EndTurn {
+  void operator()(void* turn) const;
+};
+/// Held by one process of the executable file at a time.
+using Turn = std::unique_ptr<void, EndTurn>;
+
+/// Empty while another process has the turn, and where the executable file cannot be read or
+/// locked. It ends with the process at the latest.
+[[nodiscard]] Turn TakeTurn();
 
 /// Ends the process at once with exit code 0: nothing else of the program runs, open files are
 /// closed, other threads are not waited for.

@@ -90,6 +90,10 @@ std::string ReplaceOutdatedUpdater() {
 }
 
 std::string RunBothPhases() {
+  // What was checked stays as it is until it is in place only if no other run downloads over it.
+  const auto turn = PublishedDigests ? platform::system::TakeTurn() : nullptr;
+  if (PublishedDigests && !turn) return std::string(WriteFailure);
+
   window::SetText(frmPrincipal::lblNombreAplicacion, AppDisplayName);
   window::SetText(frmPrincipal::lblMensaje, DownloadingStatus);
   const std::string failure = DownloadFiles();

@@ -4,6 +4,7 @@
 
 #include "base/binary_text.h"
 #include "base/text.h"
+#include "platform/system.h"
 #include "run/run_state.h"
 #include "transfer/publisher_check.h"
 
@@ -78,6 +79,7 @@ TEST(SignedScript, IsAcceptedWhenOneSignatureFits) {
            content + '\0' + good,
            content.substr(0, content.size() - 1) + good,  // no line of its own
            content + good + "UPDATE|b|http://u/b\n",
+           content + good + good,
            content + good + "#\n",
            content + good + '\0',
            content + good + " ",
@@ -116,17 +118,25 @@ TEST(SignedScript, IsCheckedByTheKeyBehindItsUrl) {
     UpdateInfoUrl = url;
     EXPECT_EQ(AcceptScript(script), !key.has_value()) << url;
   }
-  for (const char* end : {"0", "#key=", " "}) {
+  for (const char* end : {"0", "#key=", " x"}) {
     UpdateInfoUrl = "http://u/s#key=" + fingerprint + end;
     EXPECT_FALSE(AcceptScript(script)) << end;
   }
-  UpdateInfoUrl = "http://u/s#key=" + UpperCase(fingerprint);
+  UpdateInfoUrl = "http://u/s#key=" + UpperCase(fingerprint) + " \t";
   EXPECT_TRUE(AcceptScript(script) && PublishedDigests);
   UpdateInfoUrl = "http://u/s";
   EXPECT_TRUE(AcceptScript("no script") && !PublishedDigests);
 
   EXPECT_EQ(Sha256Text(std::string(1'000'000, 'a')),
             "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+}
+
+TEST(Turn, IsOneProcessAtATime) {
+  auto turn = platform::system::TakeTurn();
+  EXPECT_TRUE(turn);
+  EXPECT_FALSE(platform::system::TakeTurn());
+  turn.reset();
+  EXPECT_TRUE(platform::system::TakeTurn());
 }
 
 }  // namespace

@@ -231,6 +231,8 @@ TEST(Story, EndsInTheRightText) {
   const std::string newer = "999.0.0|http://s/a";
   const State signedOnly = {.commandLine = "1.0.0 C:\\x http://s/KDvelomar.txt#key=6B6579" +
                                            std::string(58, '0')};
+  State signedMeanwhile = signedOnly;
+  signedMeanwhile.turnIsTaken = true;
   const platform::files::DiskSpace eightKilobytes = {4, 512, 4};
   const struct {
     std::string what;
@@ -285,6 +287,8 @@ TEST(Story, EndsInTheRightText) {
        Signed("UPDATE|C:\\Kt\\e|http://s/a", "new"),
        {""}},
       {"signed nothing", signedOnly, Signed("UPDATE|C:\\Kt\\e|http://s/a", ""), {""}},
+      {"another run", signedMeanwhile, Signed("KILL|x\n" + add, "new")},
+      {"a file cut short", signedOnly, Signed("KILL|x\n" + add, "new"), {"new", "200", "4", 4}},
       {"another updater", signedOnly, Signed("KILL|x", "old", newer)},
       {"a signed updater", signedOnly, Signed("KILL|x", "new", newer)},
       {"no room for it", {.faultOn = "Write KestraneTmp.exe"}, Script("KILL|x", newer)},
@@ -343,6 +347,8 @@ another file: Un archivo descargado no es el que publicó el autor del programa.
 a file of no digest: Un archivo descargado no es el que publicó el autor del programa. Inténtelo de nuevo más tarde. 5/9
 nothing, where something lies: Un archivo descargado no es el que publicó el autor del programa. Inténtelo de nuevo más tarde. 5/8
 signed nothing: La actualización ha finalizado con éxito. 5/11
+another run: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 4/1
+a file cut short: Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco. 5/8
 another updater: Un archivo descargado no es el que publicó el autor del programa. Inténtelo de nuevo más tarde. 5/1
 a signed updater: Descargando nueva versión del programa de actualización... 5/10
 no room for it: La actualización ha finalizado con éxito. 5/10 and launches

@@ -29,14 +29,14 @@ std::string_view DownloadRow(std::size_t row) {
   modFunciones::CreateFolderPath(ActionArg1[row]);
   const std::string target = ActionArg1[row] + ".tmp";
   PublisherCheck check;
-  if (modFunciones::DownloadUrl(ActionArg2[row], target, modFunciones::UserAgentText,
-                                modFunciones::PreconfiguredAccess, "", &check)
-          .empty()) {
-    return WriteFailure;
-  }
-  if (std::move(check).Passes(ActionArg2[row])) return "";
-  (void)platform::files::Delete(target);  // nothing takes it for a download any more
-  return NotGenuine;
+  const bool arrived =
+      !modFunciones::DownloadUrl(ActionArg2[row], target, modFunciones::UserAgentText,
+                                 modFunciones::PreconfiguredAccess, "", &check)
+           .empty();
+  if (arrived && std::move(check).Passes(ActionArg2[row])) return "";
+  // Nothing takes it for a download any more; every later run begins it anew.
+  if (PublishedDigests) (void)platform::files::Delete(target);
+  return arrived ? NotGenuine : WriteFailure;
 }
 
 }  // namespace

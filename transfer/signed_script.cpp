@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <utility>
-#include <vector>
 
-#include "base/arrays.h"
 #include "base/binary_text.h"
 #include "base/text.h"
 #include "platform/signature.h"
@@ -32,12 +30,17 @@ std::string_view TakeLine(std::string_view& text) {
 }
 
 /// The fields of a line behind its mark, when there are two and neither is empty.
-std::optional<std::pair<std::string, std::string>> TwoFields(std::string_view line,
-                                                             std::string_view mark) {
+std::optional<std::pair<std::string_view, std::string_view>> TwoFields(std::string_view line,
+                                                                       std::string_view mark) {
   if (!line.starts_with(mark)) return std::nullopt;
-  std::vector<std::string> fields = Split(line.substr(mark.size()), '|');
-  if (fields.size() != 2 || fields[0].empty() || fields[1].empty()) return std::nullopt;
-  return std::pair(std::move(fields[0]), std::move(fields[1]));
+  line.remove_prefix(mark.size());
+  const std::size_t bar = std::min(line.find('|'), line.size());
+  const auto first = line.substr(0, bar);
+  const auto second = line.substr(std::min(bar + 1, line.size()));
+  if (first.empty() || second.empty() || second.find('|') != std::string_view::npos) {
+    return std::nullopt;
+  }
+  return std::pair(first, second);
 }
 
 /// Where the first signature begins: behind the last byte that is signed.
@@ -47,7 +50,8 @@ std::size_t SignedLength(std::string_view script) {
   return found == std::string_view::npos ? 0 : found + 1;
 }
 
-/// signatures: the rest of the script, in which nothing else may stand.
+/// signatures: the rest of the script, in which nothing else may stand. A key signs once, since a
+/// script of which every line had to be looked at would take for ever.
 bool OneFits(std::string_view content, std::string_view signatures, std::string_view key) {
   bool fits = false;
   while (!signatures.empty()) {
@@ -58,8 +62,9 @@ bool OneFits(std::string_view content, std::string_view signatures, std::string_
     const auto publicKey = FromBase64(fields->first);
     const auto signature = FromBase64(fields->second);
     if (!publicKey || !signature) return false;
-    fits = fits || (Sha256Text(*publicKey) == key &&
-                    platform::signature::IsSignedBy(*publicKey, content, *signature));
+    if (Sha256Text(*publicKey) != key) continue;
+    if (fits || !platform::signature::IsSignedBy(*publicKey, content, *signature)) return false;
+    fits = true;
   }
   return fits;
 }
@@ -71,7 +76,9 @@ std::string WithoutKey(std::string_view url) { return std::string(url.substr(0, 
 std::optional<std::string> NamedKey(std::string_view url) {
   const std::size_t mark = KeyMarkIn(url);
   if (mark == std::string_view::npos) return std::nullopt;
-  return LowerCase(url.substr(mark + KeyMark.size()));
+  // An empty argument behind it on the command line leaves a blank.
+  const std::string_view key = url.substr(mark + KeyMark.size());
+  return LowerCase(key.substr(0, key.find_last_not_of(" \t") + 1));
 }
 
 std::string Sha256Text(std::string_view bytes) {
@@ -88,7 +95,8 @@ std::optional<Digests> DigestsIn(std::string_view text) {
     const auto fields = TwoFields(line, DigestMark);
     if (!fields || !IsSha256(fields->first)) return std::nullopt;
     const std::string digest = LowerCase(fields->first);
-    if (digests.try_emplace(fields->second, digest).first->second != digest) return std::nullopt;
+    const auto known = digests.try_emplace(std::string(fields->second), digest).first;
+    if (known->second != digest) return std::nullopt;
   }
   return digests;
 }

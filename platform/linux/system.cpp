@@ -2,11 +2,14 @@
 
 #include <langinfo.h>
 #include <locale.h>  // NOLINT(modernize-deprecated-headers): the one that declares newlocale
+#include <sys/file.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string_view>
+#include <utility>
 
 #include "base/text.h"
 #include "platform/linux/paths.h"
@@ -73,6 +76,15 @@ std::string ExecutableBaseName() {
   const std::string& path = ExecutablePath();
   const std::string name = path.substr(path.rfind('\\') + 1);
   return name.substr(0, name.rfind('.'));
+}
+
+void EndTurn::operator()(void* turn) const { (void)std::fclose(static_cast<std::FILE*>(turn)); }
+
+Turn TakeTurn() {
+  Turn turn(std::fopen("/proc/self/exe", "re"));
+  const bool isOurs =
+      turn && flock(fileno(static_cast<std::FILE*>(turn.get())), LOCK_EX | LOCK_NB) == 0;
+  return isOurs ? std::move(turn) : nullptr;
 }
 
 std::size_t WindowsDirectory(std::string& buffer) { return Fill(buffer, WindowsFolder); }

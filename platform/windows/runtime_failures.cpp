@@ -5,8 +5,8 @@
 #include <exception>
 #include <new>
 
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl50-cpp,cert-dcl51-cpp,cert-dcl58-cpp): the
-// runtime's own names
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl50-cpp,cert-dcl51-cpp,cert-dcl58-cpp):
+// the runtime's own names
 namespace std {
 
 void __throw_bad_alloc() { throw bad_alloc(); }

@@ -52,6 +52,10 @@ struct Hash {
   Hash& operator=(const Hash&) = delete;
 
   void Add(std::string_view bytes) {
+    if (waiting.empty() && bytes.size() >= Batch) {
+      WaitForBatch();
+      return Take(bytes);
+    }
     waiting += bytes;
     if (waiting.size() < Batch) return;
     WaitForBatch();
@@ -71,7 +75,7 @@ struct Hash {
     if (worker != nullptr) WaitForSingleObject(worker->done, INFINITE);
   }
 
-  void Take(const std::string& bytes) {
+  void Take(std::string_view bytes) {
     failed = failed || CryptHashData(handle, reinterpret_cast<const BYTE*>(bytes.data()),
                                      static_cast<DWORD>(bytes.size()), 0) == FALSE;
   }

@@ -4,6 +4,8 @@
 
 #include <shellapi.h>
 
+#include <utility>
+
 #include "base/text.h"
 #include "platform/windows/libraries.h"
 #include "platform/windows/programs.h"
@@ -51,6 +53,22 @@ std::string ExecutableBaseName() {
   const std::string& path = ExecutablePath();
   const std::string name = path.substr(path.find_last_of('\\') + 1);
   return name.substr(0, name.find_last_of('.'));
+}
+
+void EndTurn::operator()(void* turn) const { CloseHandle(turn); }
+
+Turn TakeTurn() {
+  const HANDLE file = CreateFileA(ExecutablePath().c_str(), GENERIC_READ,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, 0, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return nullptr;
+  Turn turn(file);
+  // A byte far behind the end of the file is in nobody's way.
+  OVERLAPPED place{};
+  place.OffsetHigh = 1;
+  const bool isOurs = LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0,
+                                 &place) != FALSE;
+  return isOurs ? std::move(turn) : nullptr;
 }
 
 std::size_t WindowsDirectory(std::string& buffer) {

@@ -278,6 +278,8 @@ std::string DecimalSeparator() { return ","; }
 std::int32_t OpenWithShell(Text verb, Text file, Text parameters, Text folder, int showValue) {
   return Told(33, verb, file, parameters, "in", folder, showValue);
 }
+void EndTurn::operator()(void* /*turn*/) const {}
+Turn TakeTurn() { return Turn(state.turnIsTaken ? nullptr : &state); }
 void EndProcess() { throw Told(ProcessEnded(), "EndProcess"); }
 
 }  // namespace platform::system
