@@ -43,9 +43,9 @@ void Fuzz(const std::string& firstLine, const std::string& rest) {
   Require(Letters(modFunciones::Join(elements, "")) ==
           Letters("C:LedgerKestrane" + firstLine + rest));
 
-  Main();
-  Require(HadError == (elements.size() < 4));
-  const List successor = HadError ? List() : SuccessorArguments("own");
+  Main();  // and a run, which finds no script
+  Require(HadError);
+  const List successor = elements.size() < 4 ? List() : SuccessorArguments("own");
   Require(successor.empty() ||
           modFunciones::SplitArguments("own", RelaunchParameters()) == successor);
 }
