@@ -1,11 +1,30 @@
 #!/bin/bash
-# Runs the examples of docs/, those in a programming language where there is a compiler for it. In a
-# page, ```text NAME, ```nginx NAME and ```cpp NAME are files, and ```console is what commands print,
-# in a folder that holds the sample application and those files.
+# Holds translated pages against the English ones, and runs the examples of docs/, those in a
+# programming language where there is a compiler for it. In a page, ```text NAME, ```nginx NAME and
+# ```cpp NAME are files, and ```console is what commands print, in a folder that holds the sample
+# application and those files.
 #   docs_test.sh BUILD_FOLDER
 set -euo pipefail
 build=$(realpath "$1")
 . "$(dirname "$0")/../scripts/common.sh"
+
+# A translation has the examples of its English page and names the state of it that was translated.
+code() { awk '/^```/ { inside = !inside; print; next } inside' "$1"; }
+anchors() { LC_ALL=C.UTF-8 sed -nE '/^#+ /{s///;s/[^[:alnum:] _-]//g;s/ /-/g;s/.*/\L&/p}' "$1"; }
+outdated=
+for page in README.md docs/*.md; do
+  copy=$(sed 's#^docs/#&es/#; s#^README#&.es#' <<<"$page")
+  diff -u <(code "$page") <(code "$copy") || fail "the examples of $copy are not those of $page"
+  state="$page sha256 $(sha256sum <"$page" | cut -c -64)"
+  grep -qF "<!-- source: $state -->" "$copy" ||
+    outdated+=$'\n'"$page has changed. Read $copy again, then: sed -i 's#source: .* -->#source: $state -->#' $copy"
+  grep -oP '\]\(\K[^):]+(?=\))' "$page" "$copy" | while IFS=':#' read -r from target anchor; do
+    target=${target:+$(dirname "$from")/}${target:-$from}
+    [[ -e $target && -z $anchor ]] || anchors "$target" | grep -qx "$anchor" || fail "$from leads to no $target#$anchor"
+  done
+done
+[[ -z $outdated ]] || fail "$outdated"
+
 folder=$(mktemp -d)
 trap 'end_children; rm -rf "$folder"' EXIT
 cd "$folder"
