@@ -17,6 +17,7 @@ from updates import (
     LINE_ROWS,
     MEGABYTE,
     ROW_SIZE,
+    SIGNED,
     TITLE,
     Programs,
     Servers,
@@ -99,6 +100,26 @@ def file(bench: Bench) -> Iterator[Row]:
             1.4,
             taken["product"].figure("time"),
             taken["curl"].figure("time"),
+        )
+
+
+def updates_signed_file(programs: Programs) -> Sample:
+    programs.update(f"signed-{SIGNED}")
+    return file_sample(SIGNED)
+
+
+def signed(bench: Bench) -> Iterator[Row]:
+    for programs in bench.programs():
+        taken = bench.take(
+            product=lambda programs=programs: updates_signed_file(programs),
+            unsigned=lambda programs=programs: updates_file(programs, SIGNED),
+        )
+        yield Row(
+            f"{programs.system.title}, {SIGNED} MB in one ADD, signed",
+            "the same unsigned",
+            1.3,
+            taken["product"].figure("time"),
+            taken["unsigned"].figure("time"),
         )
 
 
@@ -420,6 +441,7 @@ def growth(bench: Bench) -> Iterator[Growth | Row]:
 
 GROUPS = {
     "file": file,
+    "signed": signed,
     "rows": rows,
     "line": line,
     "script": script,

@@ -3,6 +3,7 @@ by the server's log and the times of the files."""
 
 from __future__ import annotations
 
+import base64
 import hashlib
 import os
 import shutil
@@ -33,10 +34,12 @@ APP = FOLDER / "app"  # where the program that is measured runs
 NGINX = FOLDER / "nginx"
 LOG = NGINX / "access.log"
 AUTHORITY = FOLDER / "authority"  # .pem, .key and .der
+PUBLISHER = FOLDER / "publisher"  # the key of signed updates: .pem and .der
 
 TITLE = "Bench"  # of the program's window
 MEGABYTE = 1_000_000
 FILES = (5, 10, 100, 500, 1000)  # megabytes
+SIGNED = 100  # megabytes; the update of this file is there with a signature as well
 LASTING = 2000  # megabytes; at full speed still under way when a click comes
 ROW_SIZE = 4096
 ROWS = (5, 50, 500, 1000)
@@ -170,6 +173,7 @@ def lay_out_site(servers: Servers) -> None:
         (SITE / str(size)).touch()
         os.truncate(SITE / str(size), size * MEGABYTE)
         offer(f"file-{size}", [f"ADD|$AppPath\\file|{near}/{size}"])
+    sign(f"signed-{SIGNED}", f"file-{SIGNED}", f"{near}/{SIGNED}", SITE / str(SIGNED))
     for name in ("slow", "steady"):
         (SITE / name).hardlink_to(SITE / "500")
         offer(name, [f"ADD|$AppPath\\file|{near}/{name}"])
@@ -193,6 +197,20 @@ def offer(name: str, lines: list[str]) -> None:
     """An update script whose block holds the lines."""
     script = ["1.0.0|http://127.0.0.1/none", f"NAME|{TITLE}", "VERSION|<|9.0.0", *lines]
     (SITE / f"{name}.txt").write_text("\n".join(script) + "\n")
+
+
+def sign(name: str, unsigned: str, url: str, file: Path) -> None:
+    """Another update script, signed by a key of its own, with the digest of its one file."""
+    digest = hashlib.sha256(file.read_bytes()).hexdigest()
+    script, signature = SITE / f"{name}.txt", PUBLISHER.with_suffix(".signature")
+    key, public = PUBLISHER.with_suffix(".pem"), PUBLISHER.with_suffix(".der")
+    script.write_text(f"{(SITE / f'{unsigned}.txt').read_text()}#SHA256|{digest}|{url}\n")
+    run(["openssl", "genrsa", "-out", key, "3072"], FOLDER)
+    run(["openssl", "pkey", "-in", key, "-pubout", "-outform", "DER", "-out", public], FOLDER)
+    run(["openssl", "dgst", "-sha256", "-sign", key, "-out", signature, script], FOLDER)
+    fields = [base64.b64encode(path.read_bytes()).decode() for path in (public, signature)]
+    with script.open("a") as text:
+        text.write("|".join(["#SIGNATURE", *fields]) + "\n")
 
 
 # --- Programs that are measured.
@@ -221,6 +239,8 @@ class Programs:
     def kestrane(self, script: str) -> list:
         """The command that lets the program carry out a script, and end."""
         url = f"{self.servers.near.url}/{script}.txt"
+        if script.startswith("signed"):
+            url += "#key=" + hashlib.sha256(PUBLISHER.with_suffix(".der").read_bytes()).hexdigest()
         return [
             *self.system.launcher,
             APP / "Kestrane.exe",
