@@ -9,14 +9,11 @@
 #include "base/replace.h"
 #include "base/text.h"
 #include "publish/simulate.h"
-#include "run/run_state.h"
-#include "run/update_sequence.h"
-#include "script/action_table.h"
-#include "script/parser.h"
 #include "script/version.h"
 #include "tests/support/loopback_server.h"
 #include "tests/support/sandbox.h"
 #include "tests/support/scripted_window.h"
+#include "tests/support/update_run.h"
 
 namespace {
 
@@ -132,18 +129,6 @@ class Agreement : public testing::Test {
     files.erase(name + ".tmp");
   }
 
-  /// Runs the update sequence and returns the message of its final screen.
-  std::string Update(const std::string& installed) const {
-    modPrincipal::ResetRunState();
-    modPrincipal::ResetActionTable();
-    modPrincipal::ResetScript();
-    scripted_window::Reset();
-    modPrincipal::AppVersion = installed;
-    modPrincipal::UpdateInfoUrl = server.Url("/s");
-    modPrincipal::CheckForUpdate();
-    return scripted_window::state.text[frmPrincipal::lblMensaje];
-  }
-
   std::minstd_rand random;
   LoopbackServer server;
   std::unique_ptr<Sandbox> sandbox;
@@ -166,7 +151,7 @@ TEST_F(Agreement, HoldsForScreensRequestsAndFiles) {
     const std::string installed = Any({"1.0.0", "2.7.1", "2.7.1", "none"});
     Foretell(CutWithNumbers(text), installed);
     (void)server.TakeRequests();
-    EXPECT_EQ(Update(installed), finalScreen);
+    EXPECT_EQ(RunUpdate(installed, server.Url("/s")), finalScreen);
     EXPECT_EQ(server.TakeRequests(), requests);
     EXPECT_EQ(sandbox->Tree(), files);
     Texts shown;

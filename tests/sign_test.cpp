@@ -4,6 +4,7 @@
 
 #include "base/binary_text.h"
 #include "base/replace.h"
+#include "base/text.h"
 #include "publish/check.h"
 #include "publish/der.h"
 #include "publish/key_files.h"
@@ -11,34 +12,25 @@
 #include "publish/simulate.h"
 #include "publish/source.h"
 #include "run/messages.h"
-#include "run/progress_window.h"
-#include "run/run_state.h"
-#include "run/update_sequence.h"
-#include "script/action_table.h"
-#include "script/parser.h"
 #include "tests/support/loopback_server.h"
 #include "tests/support/sandbox.h"
-#include "tests/support/scripted_window.h"
+#include "tests/support/update_run.h"
 
 namespace {
 
 using namespace publish;
 using namespace modPrincipal;
+using namespace testing;
 using modFunciones::ReplaceAll;
 using modFunciones::Sha256Text;
 using Texts = std::vector<std::string>;
 
-/// Of a public key on a curve, as DER.
-constexpr const char* CurveKey =
-    "MFkwEwYHKoZIzj0CAQYIKoZIzj0DAQcDQgAE5a3ppNQ5f6bh+5Sqh3Sc4o8SuhOAL35FZlCcL8LO73FDAm23nnH6ACma"
-    "tIn6w6P7yPnLaMWRrVX5ojRQSjNFJg==";
-
-PrivateKey KeyOf(unsigned bits) { return MakeKey(bits)->key; }
 std::string NameOf(const PrivateKey& key) { return FingerprintOf(key.PublicKey()); }
 
-class Signed : public testing::Test {
+class Signed : public Test {
  protected:
   Signed() {
+    server.ExpectAnything();
     sandbox.Write("site/f", "new");
     server.Serve("/f", {.body = "new"});
     sandbox.Write("site/update.txt", Text());
@@ -58,23 +50,19 @@ class Signed : public testing::Test {
   [[nodiscard]] std::string With(const std::string& part, const std::string& instead) const {
     return Sign(ReplaceAll(content, part, instead));
   }
-  [[nodiscard]] std::string Sign(const std::string& text) const {
-    return text + SignatureLine(text, own);
+  /// The content with further lines, and signed.
+  [[nodiscard]] std::string WithLines(const std::string& lines) const {
+    return Sign(content + lines);
+  }
+  static std::string Sign(const std::string& text, const PrivateKey& key = own) {
+    return text + SignatureLine(text, key);
   }
 
-  /// The message on which the program ends.
-  std::string Run(const std::string& script, const std::string& key) {
+  /// The message on which the program ends. fragment: what stands behind the URL.
+  std::string Run(const std::string& script, const std::string& fragment) {
     server.Serve("/KDvelomar2.txt", {.body = script});
-    ResetRunState();
-    ResetActionTable();
-    ResetScript();
-    scripted_window::Reset();
-    AppVersion = "2.7.1";
-    UpdateInfoUrl = server.Url("/KDvelomar2.txt#key=" + key);
-    CheckForUpdate();
-    return scripted_window::state.text[frmPrincipal::lblMensaje];
+    return RunUpdate("2.7.1", server.Url("/KDvelomar2.txt" + fragment));
   }
-
   /// The message that the tool foresees for an installation with an updater of 1.0.3.
   static std::string Foresee(const Script& script, const Origin& origin) {
     const Trust trust = TrustIn(script, origin);
@@ -82,8 +70,7 @@ class Signed : public testing::Test {
     if (offer.version > "1.0.3" && !offer.failure.empty()) return offer.failure;
     return Simulate(script, "2.7.1", false, trust).finalScreen;
   }
-
-  [[nodiscard]] bool Passes(const Script& script, const Origin& origin) const {
+  static bool Passes(const Script& script, const Origin& origin) {
     const Findings findings = Check(script, {"", "", {}, origin, true});
     return std::none_of(findings.begin(), findings.end(),
                         [](const Finding& finding) { return finding.severity == Severity::Error; });
@@ -91,109 +78,95 @@ class Signed : public testing::Test {
 
   LoopbackServer server;
   Sandbox sandbox;
-  static inline const PrivateKey own = KeyOf(2048);
-  static inline const PrivateKey other = KeyOf(2048);
+  static inline const PrivateKey own = MakeKey(2048)->key;
+  static inline const PrivateKey other = MakeKey(2048)->key;
   std::string good;
   std::string content;    // of the good one, above its signature
   std::string signature;  // its line
 };
 
 TEST_F(Signed, ToolAndProgramTakeTheSame) {
-  const PrivateKey small = KeyOf(1024);
-  const std::string curve = *modFunciones::FromBase64(CurveKey);
+  const PrivateKey small = MakeKey(1024)->key;
   const std::string digest = content.substr(content.find("#SHA256|") + 8, 64);
   const std::string url = server.Url("/f");
   const std::string digestLine = "#SHA256|" + digest + "|" + url + "\n";
   const std::string otherDigest(64, '0');
+  const std::string withoutEnd = good.substr(0, good.size() - 1);
+  const std::string open = content.substr(0, content.size() - 1);
   const auto bar = signature.rfind('|');
   const auto withKey = [&](const std::string& key) {
     return content + "#SIGNATURE|" + key + signature.substr(bar);
   };
-  const std::string success(Success);
-  const std::string notSigned(NotSigned);
-  const std::string notGenuine(NotGenuine);
   const struct {
-    std::string what;
+    const char* what;
     std::string script;
-    std::string message;
-    std::string key = NameOf(own);
+    std::string_view message = NotSigned;
+    std::string fragment = "#key=" + NameOf(own);
   } cases[] = {
-      {"as it was signed", good, success},
-      {"two signatures", content + SignatureLine(content, other) + signature, success},
-      {"the same twice", good + signature, success},
-      {"blank lines, other line ends", content + ReplaceAll(signature, "\n", "\r\n\r\n\n"),
-       success},
-      {"no line end at the end", good.substr(0, good.size() - 1), success},
-      {"capital digits", With(digest, modFunciones::UpperCase(digest)), success},
-      {"a digest twice", With("END\n", "END\n" + digestLine), success},
-      {"a digest of nothing", With("END\n", "END\n#SHA256|" + digest + "|x\n"), success},
-      {"marks that are none", With("END\n", "END\n#sha256|x\n#SIGNATURE\n"), success},
-      {"zero bytes", With("END\n", std::string("END\n#\0\n", 7)), success},
-      {"Windows line ends", Sign(ReplaceAll(content, "\n", "\r\n")), success},
-      {"a byte-order mark",
-       With("1.0.3",
-            "\xEF\xBB\xBF"
-            "1.0.3"),
-       std::string(ScriptNotUnderstood)},
+      {"no key is named", Text(), Success, "#part"},
+      {"as it was signed", good, Success},
+      {"a key in capitals", good, Success, modFunciones::UpperCase("#key=" + NameOf(own))},
+      {"two signatures", content + SignatureLine(content, other) + signature, Success},
+      {"blank lines", content + ReplaceAll(signature, "\n", "\r\n\r\n\n"), Success},
+      {"no line end at the end", withoutEnd, Success},
+      {"capital digits", With(digest, modFunciones::UpperCase(digest)), Success},
+      {"a digest twice", WithLines(digestLine), Success},
+      {"marks that are none", WithLines("#sha256|\n#signature|\n#SIGNATURE\n##SIGNATURE|\n"),
+       Success},
+      {"zero bytes", WithLines(std::string("#\0\n", 3)), Success},
+      {"Windows line ends", Sign(ReplaceAll(content, "\n", "\r\n")), Success},
+      {"a byte-order mark", Sign("\xEF\xBB\xBF" + content), ScriptNotUnderstood},
 
-      {"unsigned", content, notSigned},
-      {"signed by another", content + SignatureLine(content, other), notSigned},
-      {"another byte", ReplaceAll(good, "NAME|x", "NAME|y"), notSigned},
-      {"signature of another text", content + SignatureLine("x", own), notSigned},
-      {"a small key", content + SignatureLine(content, small), notSigned, NameOf(small)},
-      {"another algorithm", withKey(CurveKey), notSigned, FingerprintOf(curve)},
-      {"a key that is no DER", withKey("AAAA"), notSigned, FingerprintOf({"\0\0\0", 3})},
-      {"a key that is no base64", withKey("%%%%"), notSigned},
-      {"no key", withKey(""), notSigned},
-      {"no signature", content + signature.substr(0, bar + 1), notSigned},
-      {"one field", content + signature.substr(0, bar), notSigned},
-      {"three fields", good.substr(0, good.size() - 1) + "|x\n", notSigned},
-      {"no base64", content + signature.substr(0, bar + 9) + "*" + signature.substr(bar + 10),
-       notSigned},
-      {"a short signature", content + signature.substr(0, bar + 9), notSigned},
-      {"bytes behind the signature", good.substr(0, good.size() - 1) + " ", notSigned},
-      {"a bad signature beside a good one", good + "#SIGNATURE|x|\n", notSigned},
-      {"a line behind", good + "SLEEP|1\n", notSigned},
-      {"a comment behind", good + "#\n", notSigned},
-      {"a digest behind", good + digestLine, notSigned},
-      {"a blank behind", good + " \n", notSigned},
-      {"a zero byte behind", good + std::string(1, '\0'), notSigned},
-      {"a signature in the middle", With("END\n", signature + "END\n"), notSigned},
-      {"a mark in another column", content + " " + signature, notSigned},
-      {"a mark in lower case", content + ReplaceAll(signature, "#SIGN", "#sign"), notSigned},
-      {"an old line end before it",
-       content.substr(0, content.size() - 1) + "\r" +
-           SignatureLine(content.substr(0, content.size() - 1) + "\r", own),
-       notSigned},
-      {"signatures alone", SignatureLine("", own), notSigned},
-      {"63 digits", With(digest, digest.substr(1)), notSigned},
-      {"65 digits", With(digest, digest + "0"), notSigned},
-      {"no digits", With(digest, otherDigest.substr(1) + "g"), notSigned},
-      {"a digest without a URL", With("END\n", "END\n#SHA256|" + digest + "\n"), notSigned},
-      {"three fields of a digest", With("END\n", "END\n#SHA256|" + digest + "|x|y\n"), notSigned},
-      {"two digests", With("END\n", "END\n#SHA256|" + otherDigest + "|" + url + "\n"), notSigned},
-      {"no key that could fit", good, notSigned, ""},
-      {"half a key", good, notSigned, NameOf(own).substr(1)},
+      {"no key that could fit", good, NotSigned, "#KEY="},
+      {"half a key", good, NotSigned, "#key=" + NameOf(own).substr(1)},
+      {"two keys", good, NotSigned, "#key=" + NameOf(own) + "#key=" + NameOf(own)},
+      {"a small key", Sign(content, small), NotSigned, "#key=" + NameOf(small)},
+      {"no DER", withKey("AAAA"), NotSigned, "#key=" + FingerprintOf({"\0\0\0", 3})},
+      {"unsigned", content},
+      {"signed by another", Sign(content, other)},
+      {"another byte", ReplaceAll(good, "NAME|x", "NAME|y")},
+      {"a key that is no base64", withKey("%%%%")},
+      {"a short signature", content + signature.substr(0, bar + 9)},
+      {"three fields", withoutEnd + "|x\n"},
+      {"bytes behind the signature", withoutEnd + " "},
+      {"no base64 behind", good + "#SIGNATURE|AAAA|AA*A\n"},
+      {"half a group of base64 behind", good + "#SIGNATURE|AAAA|AAAAA\n"},
+      {"no key behind", good + "#SIGNATURE||AAAA\n"},
+      {"no signature behind", good + "#SIGNATURE|AAAA|\n"},
+      {"one field behind", good + "#SIGNATURE|AAAA\n"},
+      {"a line behind", good + "SLEEP|1\n"},
+      {"a comment behind", good + "#\n"},
+      {"a digest behind", good + digestLine},
+      {"a blank behind", good + " \n"},
+      {"a signature in the middle", With("END\n", signature + "END\n")},
+      {"a mark in another column", content + " " + signature},
+      {"an old line end before it", Sign(open + "\r")},
+      {"signatures alone", SignatureLine("", own)},
+      {"63 digits", With(digest, digest.substr(1))},
+      {"65 digits", With(digest, digest + "0")},
+      {"no digits", With(digest, otherDigest.substr(1) + "g")},
+      {"a digest without a URL", WithLines("#SHA256|" + digest + "\n")},
+      {"three fields of a digest", WithLines("#SHA256|" + digest + "|x|y\n")},
+      {"two digests", WithLines(ReplaceAll(digestLine, digest, otherDigest))},
 
-      {"no digest", Sign(Text()), notGenuine},
-      {"another digest", With(digest, otherDigest), notGenuine},
-      {"a URL in capitals", With(digest + "|http", digest + "|HTTP"), notGenuine},
+      {"no digest", Sign(Text()), NotGenuine},
+      {"another digest", With(digest, otherDigest), NotGenuine},
+      {"a URL in capitals", With(digest + "|http", digest + "|HTTP"), NotGenuine},
       {"an updater without digest", With("1.0.3|" + url, "999.0.0|" + server.Url("/g")),
-       notGenuine},
+       NotGenuine},
   };
   server.Serve("/g", {.body = "new"});
-  for (const auto& [what, script, message, key] : cases) {
+  for (const auto& [what, script, message, fragment] : cases) {
     SCOPED_TRACE(what);
-    EXPECT_EQ(Run(script, key), message);
-    const Script cut = CutWithNumbers(script);
-    const Origin origin = {sandbox.Folder("site"), key};
-    EXPECT_EQ(Foresee(cut, origin), message);
-    EXPECT_EQ(Passes(cut, origin), message == Success);
-    const bool isRefused = message == NotSigned;
-    EXPECT_EQ(Verdict(cut, key) == NotSigned, isRefused);
+    EXPECT_EQ(Run(script, fragment), message);
+    const Script text = CutWithNumbers(script);
+    const Origin origin = {sandbox.Folder("site"), modFunciones::NamedKey(fragment)};
+    EXPECT_EQ(Foresee(text, origin), message);
+    EXPECT_EQ(Passes(text, origin), message == Success);
+    EXPECT_EQ(Verdict(text, origin.key) == NotSigned, message == NotSigned);
   }
   server.Serve("/f", {.body = "NEW"});
-  EXPECT_EQ(Run(good, NameOf(own)), NotGenuine);
+  EXPECT_EQ(Run(good, "#key=" + NameOf(own)), NotGenuine);
   EXPECT_FALSE(Passes(CutWithNumbers(good), {{}, NameOf(own)}));
 }
 
@@ -209,19 +182,56 @@ TEST_F(Signed, IsSignedAnew) {
   sandbox.Write("site/f", "newer");
   EXPECT_EQ(sign(good + "#remark", {{other, own}, {}, {}}), Texts{});
   const std::string twice = sandbox.Read("site/update.txt");
-  EXPECT_THAT(twice, testing::StartsWith(Text() + "#remark\n#SHA256|"));
+  EXPECT_THAT(twice, StartsWith(Text() + "#remark\n#SHA256|"));
   for (const auto& key : {own, other}) {
     EXPECT_EQ(DigestsSignedBy({key}, script), (Digests{{server.Url("/f"), Sha256Text("newer")}}));
   }
-  EXPECT_EQ(Run(twice, NameOf(other)), NotGenuine) << "the server still has the former file";
+  EXPECT_EQ(Run(twice, "#key=" + NameOf(other)), NotGenuine);  // the server has the former file
 
   // A file that is there no longer keeps the digest that was signed; without one nothing is done.
   std::filesystem::remove(sandbox.Folder("site/f"));
   EXPECT_EQ(sign(twice, {{own}, {}, DigestsSignedBy({other}, script)}), Texts{});
-  EXPECT_THAT(sandbox.Read("site/update.txt"), testing::HasSubstr(Sha256Text("newer")));
-  EXPECT_THAT(sign(good, {{own}, {}, {}}),
-              testing::Each(testing::HasSubstr("not beside the script")));
+  EXPECT_THAT(sandbox.Read("site/update.txt"), HasSubstr(Sha256Text("newer")));
+  EXPECT_THAT(sign(good, {{own}, {}, {}}), Each(HasSubstr("not beside the script")));
   EXPECT_EQ(sandbox.Read("site/update.txt"), good);
+}
+
+// What openssl signed: with the padding that is wanted, with another one, and by a key on a curve.
+constexpr const char* Message = "VERSION|<|2.0.0\n";
+constexpr const char* Rsa =
+    "MIIBIjANBgkqhkiG9w0BAQEFAAOCAQ8AMIIBCgKCAQEApJciXSa8u2pjFmQovCgFWAmqNFejaxdvE25jCvu696lf/FQ1"
+    "GhcHpe+ytQf0rSVZCsw6e3+79779HnupPO3sV6sfqgEgXjk3I5TxrdN+xOfOhxCFRUwqkdcqp4bN9gSUcBc3eXb+wput"
+    "WMRIjcnw62wy8TqgCm9rQ2XoYY6D6Fhwv6HJBXHzrEB3vnuryKUi9ZFTZFN14gpb2Q+dy0GcIwLhpyncsR0fO85wk/A8"
+    "s0Wc+BCgzOJgtjDFxde36+esNxX/aOWI5duY8fAR9IufawDtdr74v3rRzh8AEM7uUGqa9t75XAser6p7qndoYYpl+HQc"
+    "uYG4ysxNZg/heTBfgQIDAQAB";
+constexpr const char* RsaSignature =
+    "HuxjvLVil2ML4Tmk1+Z0mffDrUcv3Xdzsryce9ohzbkCMbVhz3Otdl1ZdgoQr+BzKqbmeDitE/TfZSwwLNqXOr4tyGBX"
+    "wQWzIVtHODwQCal/vW5yLK7iKKy/9vDW40ftRpzNP0fyvyigUegBu8U8gIvk5IaRQEk2F3mE8TIMzg0vkowOkBTSPa2u"
+    "+GLhirHUhYNeZQPmW8O2Xqpke36vtcdOAWN07R945g6v4n8WWEAVg/Vbho1e/2rnTgywHUYObeUFcbKqBPneRi5w+s1D"
+    "UgbPOjtO1OXPr71nTF8GTEQSOH5ZkSUDK+7Z6yt+vhMSV/wRyfijsxJp23O7LcCVyg==";
+constexpr const char* PssSignature =
+    "jiRQEmLqvs1kyGxl5e97yZbTQyzc8BAFlDLoqrkIeSw6AIuwmOaNAkJps1yhQrCfNvRsl5V1yzaCNVRwcDoD9XnTdR3w"
+    "WIEBqozNl/KlRbilkyzXZ2Dcpp+hxiM5jj9NCESsCpquWkZYIeCnY1Pz1iNqc5rvyGdlRV/PjGC/UrZ8a8IQFuhAfyF4"
+    "hhBNSip5CwLOyvlo88FOXag5eiX4HtXASM9FgGBKQ+qT8VX3Nw8oHV3/cUIsJ9Qt6JOnum+zVzvTApIv2ZGbvBerNwUy"
+    "cAymJNERlmQsUpy8Nlaoi3ELve2A1RcS8gPNxTxc30mi4XDzFeNwly7SUlxpX2ZU6A==";
+constexpr const char* Curve =
+    "MFkwEwYHKoZIzj0CAQYIKoZIzj0DAQcDQgAE6eM/MYNSwpbvZPfRP9OllSpKkJkb2CDq0MZU0IBrlD7uTHnWn3ea0dpm"
+    "4Dd7ViR4GjuCJkaO/VKjgnnn1NvIoA==";
+constexpr const char* CurveSignature =
+    "MEUCIQCBgj50TntW0lLdC99+BBozSCIYf4JYN5RtAgts54ytxgIgDdYD66x+9gMEUnDLXMxwnFrjKqim6EfSkdiERezV"
+    "6jc=";
+
+TEST(Openssl, SignsWhatTheProgramTakes) {
+  const auto takes = [](const std::string& key, const std::string& signature) {
+    const std::string named = Sha256Text(*modFunciones::FromBase64(key));
+    const std::string line = "#SIGNATURE|" + key + "|" + signature;
+    return modFunciones::SignedDigests(Message + line, named).has_value();
+  };
+  EXPECT_TRUE(takes(Rsa, RsaSignature));
+  EXPECT_FALSE(takes(Rsa, PssSignature));
+  EXPECT_FALSE(takes(Curve, CurveSignature));
+  EXPECT_EQ(Sha256Text(std::string(1'000'000, 'a')),
+            "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
 }
 
 TEST(Keys, AreThoseOfOpensslAndStayPrivate) {
@@ -252,22 +262,20 @@ TEST(Keys, AreThoseOfOpensslAndStayPrivate) {
   std::string why;
   EXPECT_EQ(ReadPrivateKey(pkcs1, why)->PublicKey(), ReadPublicKey(text, why));
 
-  sandbox.Fill({{"site/update.txt", ""}, {"site/sub/key.pem", text}});
-  sandbox.Fill({{"locked.pem", ToPem("ENCRYPTED PRIVATE KEY", "x")},
+  sandbox.Fill({{"site/update.txt", ""},
+                {"site/sub/key.pem", text},
+                {"locked.pem", ToPem("ENCRYPTED PRIVATE KEY", "x")},
                 {"half.pem", ToPem("PRIVATE KEY", whole.substr(0, 700))},
                 {"small.pem", MakeKey(1024)->privateFile},
                 {"public.pem", sandbox.Read("own.pem.pub")}});
-  const struct {
-    const char* file;
-    const char* problem;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"missing.pem", "cannot be read"},         {"locked.pem", "is encrypted"},
       {"half.pem", "holds no private RSA key"},  {"public.pem", "holds no private RSA key"},
       {"small.pem", "holds a key of 1024 bits"}, {"site/sub/key.pem", "keep it elsewhere"}};
   for (const auto& [broken, problem] : cases) {
     problems.clear();
     (void)LoadPrivateKeys({Utf8Of(sandbox.Folder(broken))}, {sandbox.Folder("site")}, problems);
-    EXPECT_THAT(problems, testing::ElementsAre(testing::HasSubstr(problem))) << broken;
+    EXPECT_THAT(problems, ElementsAre(HasSubstr(problem))) << broken;
   }
   for (const auto* place : {"site/new.pem", "site/sub/new.pem", "nowhere/new.pem"}) {
     EXPECT_EQ(MakeKeyFiles(sandbox.Folder(place), problems), "");
