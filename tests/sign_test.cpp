@@ -5,6 +5,7 @@
 #include "base/binary_text.h"
 #include "base/replace.h"
 #include "base/text.h"
+#include "platform/system.h"
 #include "publish/check.h"
 #include "publish/der.h"
 #include "publish/key_files.h"
@@ -119,31 +120,27 @@ TEST_F(Signed, ToolAndProgramTakeTheSame) {
 
       {"no key that could fit", good, NotSigned, "#KEY="},
       {"half a key", good, NotSigned, "#key=" + NameOf(own).substr(1)},
+      {"blanks behind the key", good, Success, "#key=" + NameOf(own) + " \t"},
       {"two keys", good, NotSigned, "#key=" + NameOf(own) + "#key=" + NameOf(own)},
       {"a small key", Sign(content, small), NotSigned, "#key=" + NameOf(small)},
       {"no DER", withKey("AAAA"), NotSigned, "#key=" + FingerprintOf({"\0\0\0", 3})},
       {"unsigned", content},
       {"signed by another", Sign(content, other)},
       {"another byte", ReplaceAll(good, "NAME|x", "NAME|y")},
-      {"a key that is no base64", withKey("%%%%")},
       {"a short signature", content + signature.substr(0, bar + 9)},
       {"three fields", withoutEnd + "|x\n"},
-      {"bytes behind the signature", withoutEnd + " "},
-      {"no base64 behind", good + "#SIGNATURE|AAAA|AA*A\n"},
-      {"half a group of base64 behind", good + "#SIGNATURE|AAAA|AAAAA\n"},
+      {"a key in no base64 behind", good + "#SIGNATURE|AA*A|AAAA\n"},
+      {"a group of base64 cut short behind", good + "#SIGNATURE|AAAA|AAAAA\n"},
+      {"the same behind", good + signature},
       {"no key behind", good + "#SIGNATURE||AAAA\n"},
       {"no signature behind", good + "#SIGNATURE|AAAA|\n"},
       {"one field behind", good + "#SIGNATURE|AAAA\n"},
-      {"a line behind", good + "SLEEP|1\n"},
       {"a comment behind", good + "#\n"},
-      {"a digest behind", good + digestLine},
       {"a blank behind", good + " \n"},
       {"a signature in the middle", With("END\n", signature + "END\n")},
-      {"a mark in another column", content + " " + signature},
       {"an old line end before it", Sign(open + "\r")},
       {"signatures alone", SignatureLine("", own)},
       {"63 digits", With(digest, digest.substr(1))},
-      {"65 digits", With(digest, digest + "0")},
       {"no digits", With(digest, otherDigest.substr(1) + "g")},
       {"a digest without a URL", WithLines("#SHA256|" + digest + "\n")},
       {"three fields of a digest", WithLines("#SHA256|" + digest + "|x|y\n")},
@@ -151,7 +148,6 @@ TEST_F(Signed, ToolAndProgramTakeTheSame) {
 
       {"no digest", Sign(Text()), NotGenuine},
       {"another digest", With(digest, otherDigest), NotGenuine},
-      {"a URL in capitals", With(digest + "|http", digest + "|HTTP"), NotGenuine},
       {"an updater without digest", With("1.0.3|" + url, "999.0.0|" + server.Url("/g")),
        NotGenuine},
   };
@@ -164,6 +160,10 @@ TEST_F(Signed, ToolAndProgramTakeTheSame) {
     EXPECT_EQ(Foresee(text, origin), message);
     EXPECT_EQ(Passes(text, origin), message == Success);
     EXPECT_EQ(Verdict(text, origin.key) == NotSigned, message == NotSigned);
+  }
+  {
+    const auto turn = platform::system::TakeTurn();  // of another run
+    EXPECT_EQ(Run(good, "#key=" + NameOf(own)), WriteFailure);
   }
   server.Serve("/f", {.body = "NEW"});
   EXPECT_EQ(Run(good, "#key=" + NameOf(own)), NotGenuine);
@@ -186,7 +186,7 @@ TEST_F(Signed, IsSignedAnew) {
   for (const auto& key : {own, other}) {
     EXPECT_EQ(DigestsSignedBy({key}, script), (Digests{{server.Url("/f"), Sha256Text("newer")}}));
   }
-  EXPECT_EQ(Run(twice, "#key=" + NameOf(other)), NotGenuine);  // the server has the former file
+  EXPECT_FALSE(Passes(CutWithNumbers(twice), {{}, NameOf(other)}));  // the server has the old one
 
   // A file that is there no longer keeps the digest that was signed; without one nothing is done.
   std::filesystem::remove(sandbox.Folder("site/f"));
