@@ -30,30 +30,23 @@ class Agreement : public testing::Test {
   std::string Any(const Texts& texts) { return texts[Below(texts.size())]; }
 
   std::string Argument(const modPrincipal::Argument& argument) {
+    const Texts paths = {"a", "b", "c", "d", "f/g", "f/h/i", "j"};
+    const std::string program = '"' + (OwnFolder() / "helper.exe").string() + '"';
+    const std::map<Kind, Texts> choices = {
+        {Kind::Comparator, {"<", "<=", "=", ">=", ">"}},
+        {Kind::Version, {"1.0.0", "2.0.0", "2.7.1.9", "2.7.1", "3.0", "2.7.1"}},
+        {Kind::Path, {sandbox->Path(Any(paths))}},
+        {Kind::Files, {sandbox->Path(Below(10) == 0 ? "*.bak" : Any(paths))}},
+        {Kind::Url, {Below(90) == 0 ? "" : server.Url(Any({"/1", "/22", "/1", "/22", "/empty"}))}},
+        {Kind::CommandLine, {"none.exe", program + " append \"" + sandbox->Path("log") + "\" x"}},
+        // Without waiting nobody knows when a program ends.
+        {Kind::Choice, {"WAIT", "wait", "later"}},
+        {Kind::ProcessName, {"kt-none.exe"}},
+    };
+    const auto texts = choices.find(argument.kind);
+    if (texts != choices.end()) return Any(texts->second);
     const auto words = argument.words;
-    const std::string paths[] = {sandbox->Path(Any({"a", "b", "c", "d", "f/g", "f/h/i", "j"})),
-                                 sandbox->Path("*.bak")};
-    const std::string program = (OwnFolder() / "helper.exe").string();
-    switch (argument.kind) {
-      case Kind::Comparator:
-        return std::string(modPrincipal::Comparators()[Below(5)].word);
-      case Kind::Version:
-        return Any({"1.0.0", "2.0.0", "2.7.1.9", "2.7.1", "3.0", "2.7.1"});
-      case Kind::Path:
-        return paths[0];
-      case Kind::Files:
-        return paths[Below(10) / 9];
-      case Kind::Url:
-        return Below(90) == 0 ? "" : server.Url(Any({"/1", "/22", "/1", "/22", "/empty"}));
-      case Kind::CommandLine:
-        return Any({"none.exe", '"' + program + "\" append \"" + sandbox->Path("log") + "\" x"});
-      case Kind::Choice:
-        return Any({"WAIT", "wait", "later"});  // without waiting nobody knows when a program ends
-      case Kind::ProcessName:
-        return "kt-none.exe";
-      default:
-        return words.empty() ? Any({"0", "1", "x"}) : std::string(words[Below(words.size())].word);
-    }
+    return words.empty() ? Any({"0", "1", "x"}) : std::string(words[Below(words.size())].word);
   }
 
   std::string Line() {

@@ -60,29 +60,22 @@ std::string Block(const std::string& lines) {  // of old versions; the first lin
   return header + "VERSION|<|3.2.0\nSLEEP|1\n" + lines;
 }
 
-TEST(Check, TellsWhatIsWrongWithALine) {
+TEST(Check, TellsWhatIsWrongWithLines) {
   const std::string longest(251, 'a');  // of the names of a path
   const std::pair<std::string, Texts> cases[] = {
-      {"NAME||", {"E5 no name"}},
-      {"VERSION|=<|2", {"E5 no comparator"}},
-      {"VERSION|=|2.x", {"E5 at most three digits each"}},
-      {"VERSION|=|02.1.0", {"E5 needless 0"}},
-      {"VERSION|=|0.1.0.4", {"W5 more than three parts"}},
+      {"!NAME||", {"E5 no name", "W5 \"!\" has no effect on NAME"}},
+      {"VERSION|=<|2\nVERSION|=|2.x", {"E5 no comparator", "E6 at most three digits each"}},
+      {"VERSION|=|02.1.0\nVERSION|=|0.1.0.4", {"E5 needless 0", "W6 more than three parts"}},
       {"EXECUTE|x|WAIT", {"E5 needs 4 fields, EXECUTE|command|WAIT|window, but has 3"}},
       {"EXECUTE||SOON|BIG", {"E5 \"SOON\" is no", "E5 names no program", "W5 \"BIG\" is no"}},
-      {"ADD |x", {"E5 spaces around the command ADD"}},
-      {"!!KILL|ledger.exe", {"E5 no command"}},
-      {" \t", {"E5 nothing but blanks"}},
-      {" #remark", {"E5 first column"}},
-      {"MSG|a\xC3\xB1o\xE4\xB8\xAD\xF0\x9F\x98\x80|NOTHING", {"W5 in UTF-8"}},
+      {"ADD |x\n!!KILL|ledger.exe", {"E5 spaces around the command ADD", "E6 no command"}},
+      {" \t\n #remark", {"E5 nothing but blanks", "E6 first column"}},
+      {"MSG|a\xC3\xB1o\xE4\xB8\xAD\xF0\x9F\x98\x80|NOTHING\nMSG|a\xF1o|NOTHING||", {"W5 in UTF-8"}},
       {"MSG|a\x81o|x|NOTHING", {"W5 no character of", "W5 into 4 fields, but MSG takes 3: MSG|"}},
-      {"MSG|a\xF1o|NOTHING||", {}},
-      {"KILL|Pad.exe", {"E5 notepad.exe too"}},
-      {"KILL|excel.exe", {"W5 excel.exe too"}},
-      {"KILL|le.exe", {"W5 the name is short"}},
-      {"KILL| ledger.exe", {"W5 ends nothing"}},
-      {"DELETE|\\\\pc\\share\\a", {}},
-      {"DELETE|C:\\" + longest, {}},
+      {"KILL|Pad.exe\nKILL|excel.exe", {"E5 notepad.exe too", "W6 excel.exe too"}},
+      {"KILL|le.exe\nKILL|\nKILL| a.exe",
+       {"W5 name is short", "W6 ends nothing", "W7 ends nothing"}},
+      {"DELETE|\\\\pc\\share\\a\nDELETE|C:\\" + longest, {}},
       {"DELETE|C:\\*" + longest, {"E5 too long", "W5 every file that fits"}},
       {"DELETE|$WinPath\\" + longest.substr(77), {}},
       {"DELETE|$WinPath\\" + longest.substr(76), {"W5 at most 79 characters"}},
@@ -97,15 +90,14 @@ TEST(Check, TellsWhatIsWrongWithALine) {
       {"ADD|$AppPath\\a\\|https://u/a#b", {"E5 write %23", "E5 path ends with a backslash"}},
       {"ADD|\\\\pc\\a?|https://u/a\\b", {"E5 has a backslash", "E5 every file that fits"}},
       {"ADD|$AppPath\\a|http://u:x/", {"E5 no URL", "W5 plain http"}},
-      {"ADD|$AppPath\\a|https://u:0/f", {"E5 from 1 to 32767"}},
-      {"ADD|$AppPath\\a|https://u/a/", {"E5 that of a folder"}},
-      {"ADD|$AppPath\\a|https://u", {"E5 that of a folder"}},
-      {"ADD|$AppPath\\a|https://u/a ", {"E5 take them away"}},
+      {"ADD|$AppPath\\a|https://u:0/\nADD|$AppPath\\b|https://u/a/\nADD|$AppPath\\c|https://u\n"
+       "ADD|$AppPath\\d|https://u/a ",
+       {"E5 from 1 to 32767", "E6 that of a folder", "E7 that of a folder", "E8 take them away"}},
   };
-  for (const auto& [line, findings] : cases) ExpectFindings(Block(line + "\nEND"), findings);
+  for (const auto& [lines, findings] : cases) ExpectFindings(Block(lines + "\nEND"), findings);
 }
 
-TEST(Check, TellsWhatIsWrongWithAScript) {
+TEST(Check, TellsWhatIsWrongWithScripts) {
   const std::string ends = "\nEND\nEND\nEND";
   const std::string exe = "UPDATE|$AppPath\\Ledger.exe" + url + "\n";
   const std::string old = header + "VERSION|=|2\n";
@@ -136,7 +128,6 @@ TEST(Check, TellsWhatIsWrongWithAScript) {
       {Block("SLEEP|1\n"), {"W5 something may be cut off"}},
 
       {Block("END\nVERSION|<|2\nSLEEP|1\nSLEEP|2\nEND"), {"W7 No installed version"}},
-      {Block("X\nSLEEP|1\nVERSION|<|3\nSLEEP|1\nEND"), {"E5 is no command", "W3 that of line 7"}},
       {header + "VERSION|>=|2\n!SLEEP|1\nEND", {}},
       {header + "VERSION|<=|2\nSLEEP|1\nEND", {"W3 holds for 2 itself"}},
       {header + "VERSION|<=|2\nSLEEP|1\nEND", {}, {"2.0.1", ""}},
@@ -293,16 +284,13 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
     std::function<void(Order&)> change = [](Order&) {};
   } cases[] = {
       {"no version such as", {}, [](Order& o) { o.from = "x"; }},
-      {"more than three parts", {}, [](Order& o) { o.to = "2.0.0.0"; }},
       {"needless 0", {}, [](Order& o) { o.to = "02.0.0"; }},
       {"lie one in the other", {}, [](Order& o) { o.site = o.newFolder / "site"; }},
       {"no updater for Windows", {{"new/Kestrane.exe", "ELF"}}},
       {"a is no component", {}, [](Order& o) { o.wishes.components = {"a"}; }},
       {"would replace the %", {{"new/%a", "x"}}, [](Order& o) { o.wishes.kept = {"%a"}; }},
       {"write over a.default", {{"new/a.default", "x"}}, [](Order& o) { o.wishes.kept = {"a"}; }},
-      {"accent that is a character of its own",
-       {},
-       [](Order& o) { std::ofstream(o.newFolder / u8"e\u0301") << "x"; }},
+      {"accent that is a character of its own", {{"new/e\u0301", "x"}}},
       {"does not come after", {}, [](Order& o) { o.to = "0.9.0"; }},
       {"folders are alike", {{"new/a", "1"}}},
       {"new files are empty", {{"new/a", ""}}},
@@ -313,7 +301,7 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
       {"a folder in the old version",
        {{"new/b", "x"}},
        [](Order& o) { std::filesystem::create_directory(o.oldFolder / "b"); }},
-      {"Windows-1252 lacks", {}, [](Order& o) { std::ofstream(o.newFolder / u8"\u4E2D") << "x"; }},
+      {"Windows-1252 lacks", {{"new/\u4E2D", "x"}}},
       {"macro", {{"new/$AppPath", "x"}}},
       {"no file b", {}, [](Order& o) { o.wishes.components = {"b"}; }},
       {"other updaters too", {{"new/e.exe", "x"}}},
@@ -322,7 +310,7 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
   for (const auto& [problem, files, change] : cases) {
     for (const char* folder : {"old", "new"}) std::filesystem::remove_all(sandbox.Folder(folder));
     sandbox.Fill(base);
-    sandbox.Fill(files);
+    for (const auto& [name, content] : files) sandbox.Write(PathOf(name), content);
     Order changed = order;
     change(changed);
     EXPECT_THAT(Make(changed).problems, ElementsAre(HasSubstr(problem)));
@@ -353,16 +341,9 @@ class Tool : public Making {
 };
 
 TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
-  sandbox.Write("s", Block("KILL|\n!NAME|x\nKILL|\nKILL|\nEND"));
-  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("s"))),
-            "@s:5: warning: KILL without a name ends nothing. (also in lines 7, 8)\n"
-            "@s:6: warning: The \"!\" has no effect on NAME.\n"
-            "@s: 0 errors, 4 warnings; the updater understands it\n1");
   sandbox.Write("s", "1|x");
-  EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("s"))),
-            "@s: error: The script needs at least four lines beside comments and blank ones, but "
-            "has 1.\n@s: 1 error, 0 warnings; the updater refuses it, and says:\n  " +
-                ToUtf8(modPrincipal::ScriptNotUnderstood) + "\n2");
+  EXPECT_THAT(Checks(Utf8Of(sandbox.Folder("s"))),
+              StartsWith("@s: error: The script needs at least four lines"));
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("none"))), "@none is not there.\n2");
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("")), true),
             "{\n  \"problems\": [\n    \"@ is a folder.\"\n  ]\n}\n2");
@@ -377,16 +358,18 @@ TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
   // Against the upload folder beside it.
   sandbox.Fill({{"site/1/a b", "x"}, {"site/1/empty", ""}});
   sandbox.Write("site/s", Block("ADD|$AppPath\\a|https://u/l/1/a%20b\nADD|$AppPath\\b|https://u/x\n"
-                                "ADD|$AppPath\\c|https://u/l/1/gone\nADD|$AppPath\\d|https://u/l/1/"
-                                "empty\nEND"));
+                                "ADD|$AppPath\\c|https://u/l/1/c\nADD|$AppPath\\d|https://u/l/1/d\n"
+                                "ADD|$AppPath\\e|https://u/l/1/e\nUPDATE|$AppPath\\f|"
+                                "https://u/l/1/empty\nEND"));
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("site/s"))),
-            "@site/s:7: error: The upload folder has no file for this URL, though it has others.\n"
-            "@site/s:8: warning: The file in the upload folder is empty.\n"
-            "@site/s: 1 error, 1 warning; the updater understands it\n2");
+            "@site/s:7: error: The upload folder has no file for this URL, though it has others. "
+            "(also in lines 8, 9)\n@site/s:10: warning: The file in the upload folder is empty.\n"
+            "@site/s: 3 errors, 1 warning; the updater understands it\n2");
 }
 
 TEST_F(Tool, SimulatesWhatEachInstallationMeets) {
   LoopbackServer server;
+  server.ExpectAnything();
   server.Serve("/l/a", {.body = "12345"});
   server.Serve("/l/empty", {});
   sandbox.Fill({{"site/a", "1234567"}, {"site/empty", ""}});
@@ -434,11 +417,6 @@ TEST_F(Tool, SimulatesWhatEachInstallationMeets) {
           "  line   14           UPDATE  $AppPath\\kestrane.EXE  " +
           a + "  (fails)  (but 7 bytes in the upload folder)\n  in all 5 bytes\n  final screen: " +
           failure + "\n\n2");
-
-  (void)server.TakeRequests();
-  options = {.script = "", .installed = {"2.7.1"}, .site = ""};
-  EXPECT_THAT(Simulates(script, options), HasSubstr(a + "  (fails)\n  final screen: " + failure));
-  EXPECT_EQ(server.TakeRequests(), Texts{});
 
   const std::string ends = "\nEND\nEND\nEND";
   EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + gone + ends), true).failure,

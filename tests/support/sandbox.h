@@ -65,7 +65,7 @@ class Sandbox {
   }
   /// The same for the standard library.
   [[nodiscard]] std::filesystem::path Folder(const std::string& name) const { return root / name; }
-  void Write(const std::string& name, const std::string& content) const {
+  void Write(const std::filesystem::path& name, const std::string& content) const {
     std::filesystem::create_directories((root / name).parent_path());
     std::ofstream(root / name, std::ios::binary) << content;
     // It may be a program.
