@@ -30,25 +30,17 @@ using Texts = std::vector<std::string>;
 const std::string header = "1.0.3|https://u/Kestrane.exe\nNAME|Ledger\n";
 const std::string url = "|https://u/f";
 
-/// Each finding as "E3 its text" or "W3 its text".
-Texts FindingsOf(const std::string& script, const Knowledge& knowledge = {}) {
-  Texts texts;
-  for (const auto& [severity, line, text] : Check(CutWithNumbers(script), knowledge)) {
-    texts.push_back((severity == Severity::Error ? "E" : "W") + std::to_string(line) + " " + text);
-  }
-  return texts;
-}
-
-/// expected: of each finding its severity, line and a part of the text.
+/// expected: of each finding its severity, line and a part of the text, such as "E3 no name".
 void ExpectFindings(const std::string& script, const Texts& expected,
                     const Knowledge& knowledge = {}) {
-  std::vector<Matcher<std::string>> matchers;
-  for (const auto& finding : expected) {
-    const auto blank = finding.find(' ') + 1;
-    matchers.push_back(
-        AllOf(StartsWith(finding.substr(0, blank)), HasSubstr(finding.substr(blank))));
+  const Findings findings = Check(CutWithNumbers(script), knowledge);
+  EXPECT_EQ(findings.size(), expected.size()) << script;
+  for (std::size_t i = 0; i < std::min(findings.size(), expected.size()); ++i) {
+    const auto& [severity, line, text] = findings[i];
+    const std::string place = (severity == Severity::Error ? "E" : "W") + std::to_string(line);
+    EXPECT_THAT(expected[i], StartsWith(place + " ")) << text << "\n" << script;
+    EXPECT_THAT(text, HasSubstr(expected[i].substr(expected[i].find(' ') + 1))) << script;
   }
-  EXPECT_THAT(FindingsOf(script, knowledge), ElementsAreArray(matchers)) << script;
 }
 
 /// A program that says that it is version 1.0.REVISION.
@@ -147,6 +139,13 @@ TEST(Check, ReadsForEverybodyAsForEachAlone) {
   const Texts lines = {"VERSION|<|2",     "VERSION|<=|2.0.1", "VERSION|=|3", "VERSION|>=|2.0.1",
                        "VERSION|>|1.0.0", "VERSION|=|1.0.0",  "END",         "!KILL|a",
                        "SLEEP|1",         "KILL|a",           "unknown"};
+  const auto linesFor = [](const Reading& reading, const Audience& audience) {
+    std::vector<std::size_t> numbers;
+    for (const auto& action : reading.actions) {
+      if (reading.blocks[action.block].audience.Overlaps(audience)) numbers.push_back(action.line);
+    }
+    return numbers;
+  };
   std::minstd_rand random;
   for (int i = 0; i < 500; ++i) {
     std::string text = header;
@@ -155,13 +154,8 @@ TEST(Check, ReadsForEverybodyAsForEachAlone) {
     const auto versions = VersionsToldApart(script);
     const Reading all = Read(script, versions);
     for (std::size_t k = 0; k < versions.size(); ++k) {
-      std::vector<std::size_t> shared;
-      for (const auto& action : all.actions) {
-        if (all.blocks[action.block].audience.Overlaps({k, k + 1})) shared.push_back(action.line);
-      }
-      std::vector<std::size_t> own;
-      for (const auto& action : Read(script, {versions[k]}).actions) own.push_back(action.line);
-      EXPECT_EQ(shared, own) << versions[k] << "\n" << text;
+      const Reading own = Read(script, {versions[k]});
+      EXPECT_EQ(linesFor(all, {k, k + 1}), linesFor(own, {0, 1})) << versions[k] << "\n" << text;
     }
   }
 }
@@ -321,6 +315,7 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
 /// What a command prints, and its exit status; the sandbox as "@".
 class Tool : public Making {
  protected:
+  Tool() { server.ExpectAnything(); }
   std::string Prints(const std::function<int()>& command) const {
     internal::CaptureStdout();
     internal::CaptureStderr();
@@ -333,11 +328,15 @@ class Tool : public Making {
   std::string Checks(const std::string& file, bool asJson = false) const {
     return Prints([&] { return RunCheck({file, "", "", asJson}); });
   }
+  /// The server is "http://s".
   std::string Simulates(const std::string& script, SimulateOptions options) const {
-    sandbox.Write("site/s", script);
+    sandbox.Write("site/s", modFunciones::ReplaceAll(script, "http://s", server.Url("")));
     options.script = Utf8Of(sandbox.Folder("site/s"));
-    return Prints([&] { return RunSimulate(options); });
+    return modFunciones::ReplaceAll(Prints([&] { return RunSimulate(options); }), server.Url(""),
+                                    "http://s");
   }
+
+  LoopbackServer server;
 };
 
 TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
@@ -347,13 +346,11 @@ TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("none"))), "@none is not there.\n2");
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("")), true),
             "{\n  \"problems\": [\n    \"@ is a folder.\"\n  ]\n}\n2");
-  std::optional<LoopbackServer> server(std::in_place);
-  server->ExpectAnything();
-  const std::string gone = server->Url("/");
-  EXPECT_EQ(Checks(gone), gone + " is answered with status 404 instead of 200.\n2");
-  server.reset();
-  EXPECT_EQ(Checks(gone),
-            gone + " gives no answer: there is no such server, or none that listens.\n2");
+  EXPECT_EQ(Checks(server.Url("/")),
+            server.Url("/") + " is answered with status 404 instead of 200.\n2");
+  EXPECT_EQ(
+      Checks("http://127.0.0.1:1/"),
+      "http://127.0.0.1:1/ gives no answer: there is no such server, or none that listens.\n2");
 
   // Against the upload folder beside it.
   sandbox.Fill({{"site/1/a b", "x"}, {"site/1/empty", ""}});
@@ -368,60 +365,57 @@ TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
 }
 
 TEST_F(Tool, SimulatesWhatEachInstallationMeets) {
-  LoopbackServer server;
-  server.ExpectAnything();
-  server.Serve("/l/a", {.body = "12345"});
-  server.Serve("/l/empty", {});
+  server.Serve("/a", {.body = "12345"});
+  server.Serve("/empty", {});
   sandbox.Fill({{"site/a", "1234567"}, {"site/empty", ""}});
-  const std::string a = server.Url("/l/a");
-  const std::string empty = server.Url("/l/empty");
-  const std::string gone = server.Url("/l/gone");
-  const std::string script = "1|" + a + "\nVERSION|=|1.0.0\n!KILL|x\nADD|x|" + gone +
-                             "\nEND\nVERSION|<|2.0.0\nADD|x|" + a + "\n!MSG|x|NOTHING\nADD|y|" +
-                             empty + "\nEND\nVERSION|=|2.7.1\nDELETE|$AppPath\\*.exe\n" +
-                             "EXECUTE|x|SOON|MAX\nUPDATE|$AppPath\\kestrane.EXE|" + a +
-                             "\nKILL|x\nEND\nVERSION|=|3\n!SLEEP|1";
-  const std::string offer = "An updater older than 1 first replaces itself from " + a;
-  const std::string success = ToUtf8(modPrincipal::Success);
-  const std::string nothing = ToUtf8(modPrincipal::NothingToDo);
-  const std::string failure = ToUtf8(modPrincipal::WriteFailure);
-  const std::string missing = ToUtf8(modPrincipal::FilesNotAvailable);
+  const std::string script =
+      "1|http://s/a\nVERSION|=|1.0.0\n!KILL|x\nADD|x|http://s/gone\nEND\n"
+      "VERSION|<|2.0.0\nADD|x|http://s/a\n!MSG|x|NOTHING\nADD|y|http://s/empty\nEND\n"
+      "VERSION|=|2.7.1\nDELETE|$AppPath\\*.exe\nEXECUTE|x|SOON|MAX\n"
+      "UPDATE|$AppPath\\kestrane.EXE|http://s/a\nKILL|x\nEND\nVERSION|=|3\n!SLEEP|1";
+  const std::string offer = "An updater older than 1 first replaces itself from http://s/a";
+  const std::string success = ToUtf8(modPrincipal::Success) + "\n";
+  const std::string nothing = ToUtf8(modPrincipal::NothingToDo) + "\n";
+  const std::string failure = ToUtf8(modPrincipal::WriteFailure) + "\n";
+  const std::string missing = ToUtf8(modPrincipal::FilesNotAvailable) + "\n";
   SimulateOptions options = {.script = "", .installed = {}, .all = true, .site = ""};
   options.probe = options.inShort = true;
-  const std::string both = ": 3 actions, 5 bytes\n  " + success + "\n";
-  const std::string none = ": 0 actions, 0 bytes\n  " + nothing + "\n";
+  const std::string both = ": 3 actions, 5 bytes\n  " + success;
+  const std::string none = ": 0 actions, 0 bytes\n  " + nothing;
   EXPECT_EQ(Simulates(script, options),
             offer + "  (5 bytes)\n\nno valid version" + both + "0.0.0 to 0.999.999" + both +
-                "1.0.0: 2 actions, 0 bytes\n  " + missing + "\n1.0.1 to 1.999.999" + both +
+                "1.0.0: 2 actions, 0 bytes\n  " + missing + "1.0.1 to 1.999.999" + both +
                 "2.0.0 to 2.7.0" + none + "2.7.1: 3 actions, 5 bytes\n  " + failure +
-                "\n2.7.2 to 2.999.999" + none + "3.0.0: 1 action, 0 bytes\n  " + nothing +
-                "\n3.0.1 and later" + none + "2");
+                "2.7.2 to 2.999.999" + none + "3.0.0: 1 action, 0 bytes\n  " + nothing +
+                "3.0.1 and later" + none + "2");
 
   // The blank is lost on the way to the program.
   options = {.script = "", .installed = {" 1.0.0", "0.9", "2.7.1"}, .probe = true, .site = ""};
   options.site = Utf8Of(sandbox.Folder("site"));
-  EXPECT_EQ(
-      Simulates(script, options),
-      offer +
-          "  (5 bytes)\n\nInstalled:  1.0.0\n  line    3  at once  KILL  x\n"
-          "  line    4           ADD  x  " +
-          gone + "  (not available)\n  final screen: " + missing +
-          "\n\nInstalled: 0.9\n  in the window: \n  line    8  at once  MSG  x  NOTHING\n"
-          "  line    7           ADD  x  " +
-          a + "  (5 bytes)  (but 7 bytes in the upload folder)\n  line    9           ADD  y  " +
-          empty + "  (0 bytes)\n  in all 5 bytes\n  final screen: " + success +
-          "\n\nInstalled: 2.7.1\n  in the window: \n"
-          "  line   12           DELETE  $AppPath\\*.exe  (fails)\n"
-          "  line   13           EXECUTE  x  SOON  MAX  "
-          "(not started: neither WAIT nor NOWAIT)\n"
-          "  line   14           UPDATE  $AppPath\\kestrane.EXE  " +
-          a + "  (fails)  (but 7 bytes in the upload folder)\n  in all 5 bytes\n  final screen: " +
-          failure + "\n\n2");
+  EXPECT_EQ(Simulates(script, options),
+            offer +
+                "  (5 bytes)\n\nInstalled:  1.0.0\n  line    3  at once  KILL  x\n"
+                "  line    4           ADD  x  http://s/gone  (not available)\n"
+                "  final screen: " +
+                missing +
+                "\nInstalled: 0.9\n  in the window: \n  line    8  at once  MSG  x  NOTHING\n"
+                "  line    7           ADD  x  http://s/a  (5 bytes)"
+                "  (but 7 bytes in the upload folder)\n"
+                "  line    9           ADD  y  http://s/empty  (0 bytes)\n"
+                "  in all 5 bytes\n  final screen: " +
+                success +
+                "\nInstalled: 2.7.1\n  in the window: \n"
+                "  line   12           DELETE  $AppPath\\*.exe  (fails)\n"
+                "  line   13           EXECUTE  x  SOON  MAX"
+                "  (not started: neither WAIT nor NOWAIT)\n"
+                "  line   14           UPDATE  $AppPath\\kestrane.EXE  http://s/a  (fails)"
+                "  (but 7 bytes in the upload folder)\n  in all 5 bytes\n  final screen: " +
+                failure + "\n2");
 
   const std::string ends = "\nEND\nEND\nEND";
-  EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + gone + ends), true).failure,
+  EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + server.Url("/gone") + ends), true).failure,
             modPrincipal::UpdaterNotAvailable);
-  EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|" + a + "|" + ends), true).version, "");
+  EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|http://s/a|" + ends), true).version, "");
 }
 
 TEST(Encoding, GoesBothWays) {
