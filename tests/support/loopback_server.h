@@ -43,15 +43,12 @@ class LoopbackServer {
       acceptor.bind({asio::ip::address_v4::loopback(), port}, failure);
     }
     acceptor.listen();
-    for (auto& thread : threads) thread = std::jthread([this] { Work(); });
+    Listen();
+    for (auto& thread : threads) thread = std::jthread([this] { context.run(); });
   }
   ~LoopbackServer() {
     Release();
-    stopping = true;
-    for (std::size_t i = 0; i < threads.size(); ++i) {
-      asio::error_code ignored;
-      Socket(context).connect(acceptor.local_endpoint(), ignored);  // wakes one up
-    }
+    context.stop();
     for (auto& thread : threads) thread.join();
     for (const auto& [path, page] : pages) ExpectAll(path);
     for (const auto& request : unexpected) {
@@ -84,12 +81,6 @@ class LoopbackServer {
     released.notify_all();
   }
 
-  /// The requests for a path since it was served, by their first letters.
-  [[nodiscard]] std::string Asked(const std::string& path) {
-    const std::lock_guard lock(mutex);
-    return pages.at(path).asked;
-  }
-
   /// The test looks at the requests itself, or there may be any.
   void ExpectAnything() { expectsAnything = true; }
 
@@ -113,28 +104,21 @@ class LoopbackServer {
     std::string asked = "";
   };
 
-  Socket NextConnection() {
-    const std::lock_guard lock(accepting);
-    Socket socket = acceptor.accept();
-    ++answering;
-    return socket;
+  void Listen() {
+    acceptor.async_accept([this](asio::error_code failure, Socket socket) {
+      ++answering;
+      Listen();
+      if (!failure) Answer(socket);
+      socket.close(failure);
+      --answering;
+      answering.notify_all();
+    });
   }
 
   void ExpectAll(const std::string& path) const {
     const auto& [head, get, asked] = pages.at(path);
     const bool isRight = get.asked == "*" ? !asked.empty() : asked == get.asked;
     if (!isRight && !expectsAnything) ADD_FAILURE() << path << " was asked for " << asked;
-  }
-
-  void Work() {
-    while (!stopping) {
-      {
-        Socket socket = NextConnection();
-        if (!stopping) Answer(socket);
-      }
-      --answering;
-      answering.notify_all();
-    }
   }
 
   Reply ReplyTo(const std::string& request) {
@@ -184,8 +168,6 @@ class LoopbackServer {
   asio::ip::tcp::acceptor acceptor{context};
   std::mutex mutex;
   std::atomic<bool> released = false;
-  std::atomic<bool> stopping = false;
-  std::mutex accepting;
   std::map<std::string, Page> pages;  // by path
   std::vector<std::string> requests;
   std::vector<std::string> unexpected;
