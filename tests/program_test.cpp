@@ -16,6 +16,9 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
   const std::string component = ReadWhole(OwnFolder() / "component.dll");
   sandbox.Fill({{"kt-ledger.exe", "1"}, {"oldprint.dll", "x"}, {"old.txt", "x"}});
   sandbox.Fill({{"reports.dll", "old"}, {"reports.dll.bak", "older"}});
+  // It takes longer than it is waited for, and keeps others from loading libraries meanwhile.
+  const std::string slow = ReadWhole(OwnFolder() / "slow_component.dll");
+  sandbox.Write("slow.dll", slow);
   server.Serve("/ledger", {.body = helper});
   server.Serve("/reports", {.body = component});
   server.Serve("/help", {.body = "ayuda"});
@@ -31,7 +34,8 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
               "\nEXECUTE|$AppPath\\kt-ledger.exe append \"$AppPath\\gone\" x|WAIT|HIDE"
               "\nDELETE|$AppPath\\gone"
               "\nSLEEP|3000\nKILL|KT-LEDGER.EXE"
-              "\nREGISTER|$AppPath\\reports.dll\nUNREGISTER|$AppPath\\reports.dll\nEND\nMSG\n");
+              "\nREGISTER|$AppPath\\reports.dll\nUNREGISTER|$AppPath\\reports.dll"
+              "\nREGISTER|$AppPath\\out\nREGISTER|$AppPath\\slow.dll\nEND\nMSG\n");
   EXPECT_TRUE(RunsSilently());
   EXPECT_EQ(Files(), (Tree{{"kt-ledger.exe", Shown(helper)},
                            {"reports.dll", Shown(component)},
@@ -39,7 +43,8 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
                            {"help/es es/help.txt", "ayuda"},
                            {"out", "two words\n"},
                            {"stay", "up\n"},
-                           {"component.log", "loaded\nregistered\nloaded\nunregistered\n"},
+                           {"component.log", "loaded\nregistered\nloaded\nunregistered\nloaded\n"},
+                           {"slow.dll", Shown(slow)},
                            {"kt-app.exe.log", "launched\n"}}));
 }
 

@@ -285,15 +285,10 @@ TEST_F(ProgramWindow, LoadsNoLibraryFromItsOwnFolder) {
   }
   const std::string formerPath = std::string("PATH=") + std::getenv("PATH");
   putenv((formerPath + ';' + sandbox.Path("on path")).c_str());
-  // The second keeps the program from loading anything for 15 seconds, 5 more than it is waited
-  // for.
-  sandbox.Write("slow.dll", ReadWhole(OwnFolder() / "slow_component.dll"));
-  ServeScript("REGISTER|$AppPath\\sub\\c.dll\nREGISTER|$AppPath\\slow.dll");
-  const auto start = std::chrono::steady_clock::now();
+  ServeScript("REGISTER|$AppPath\\sub\\c.dll");
   EXPECT_TRUE(RunsSilently());
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
   putenv(formerPath.c_str());
-  EXPECT_EQ(sandbox.Read("component.log"), "loaded\nloaded\nloaded\nloaded\nregistered\nloaded\n");
+  EXPECT_EQ(sandbox.Read("component.log"), "loaded\nloaded\nloaded\nloaded\nregistered\n");
 }
 
 TEST_F(ProgramWindow, StartsOnEverySystemFromXpOn) {
