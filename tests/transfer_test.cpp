@@ -128,19 +128,17 @@ TEST(Transfer, EndsInTheRightTextWhateverAServerAnswers) {
   server.Serve("/moved", {.body = body});
   for (const auto& [what, reply, outcomes, outcomesOfGet, onWine] : cases) {
     if (!onWine && faults::OnWine()) continue;
-    for (const bool headAnswersWell : {false, true}) {
-      SCOPED_TRACE(what + (headAnswersWell ? ", in GET" : ""));
+    for (const auto& toHead : {std::optional<Reply>(), std::optional(Reply{.body = body})}) {
+      SCOPED_TRACE(what + (toHead ? ", in GET" : ""));
       const Sandbox files;
       const UpdateStory story;
       story.Prepare(server, files);
-      server.Serve("/a", reply);
-      if (headAnswersWell) server.ServeHead("/a", {.body = body});
+      server.Serve("/a", reply, toHead);
       const std::string message = Update(server);
       auto tree = files.Tree();
       ASSERT_TRUE(letters.contains(message)) << message;
       const char outcome = letters.at(message);
-      EXPECT_NE((headAnswersWell ? outcomesOfGet : outcomes).find(outcome), std::string::npos)
-          << outcome;
+      EXPECT_NE((toHead ? outcomesOfGet : outcomes).find(outcome), std::string::npos) << outcome;
       if (outcome == 'S') {
         EXPECT_EQ(tree["a"], Shown(reply.raw ? body : reply.body));
       } else {
@@ -149,12 +147,10 @@ TEST(Transfer, EndsInTheRightTextWhateverAServerAnswers) {
         EXPECT_EQ(tree, story.Before);
       }
 
-      server.Serve(UpdateStory::Script, reply);
-      if (headAnswersWell) server.ServeHead(UpdateStory::Script, {.body = body});
+      server.Serve(UpdateStory::Script, reply, toHead);
       // A head that breaks off behind its first line may still have told the status.
       const std::string ending = Update(server);
-      EXPECT_TRUE(ending == ScriptNotUnderstood ||
-                  (!headAnswersWell && ending == InformationNotFound))
+      EXPECT_TRUE(ending == ScriptNotUnderstood || (!toHead && ending == InformationNotFound))
           << ending;
     }
   }

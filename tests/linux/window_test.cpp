@@ -36,8 +36,8 @@ TEST_F(Program, EndsOnItsFinalScreenWhenADownloadBreaks) {
 TEST(Icon, HasBitmapsBesideItsCompressedPictures) {
   const std::string icon = ReadWhole(OwnFolder() / "kestrane.ico");
   std::string sizesOfBitmaps;
-  for (std::size_t entry = 6; entry < 6 + 16U * static_cast<unsigned char>(icon.at(4));
-       entry += 16) {
+  const std::size_t end = 6 + 16 * static_cast<std::size_t>(icon.at(4));
+  for (std::size_t entry = 6; entry < end; entry += 16) {
     std::uint32_t picture = 0;
     std::memcpy(&picture, icon.data() + entry + 12, sizeof picture);
     if (icon.at(picture) == 40) sizesOfBitmaps += icon[entry];
