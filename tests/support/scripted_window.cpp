@@ -49,7 +49,6 @@ std::string Transcript(const std::string& from) {
     if (next - same > 1) event += " x" + std::to_string(next - same);
     if (!line.empty() && line.size() + event.size() > LineLength) endLine();
     line += (line.empty() ? "" : "; ") + event;
-    if (event.starts_with("yield") && line.size() > LineLength / 2) endLine();
   }
   endLine();
   return all;
