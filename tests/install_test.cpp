@@ -1,11 +1,9 @@
-// What the install phase does to real files and processes.
+// What the install phase does to real files.
 
 #include <gtest/gtest.h>
 
 #include "install/action_executor.h"
 #include "install/file_helpers.h"
-#include "install/process_control.h"
-#include "platform/processes.h"
 #include "run/messages.h"
 #include "script/action_table.h"
 #include "tests/support/faults.h"
@@ -101,24 +99,6 @@ TEST_F(Install, FilesAreFoundDeletedAndRenamed) {
   EXPECT_FALSE(FileRename(sandbox.Path("missing"), sandbox.Path("x")));
   EXPECT_TRUE(FileRename(sandbox.Path("three.dat"), sandbox.Path("dir.txt/moved")));
   EXPECT_TRUE(sandbox.Has("dir.txt/moved"));
-}
-
-TEST_F(Install, ProcessesAreEndedByTheEndOfTheirName) {
-  std::vector<platform::processes::Process> started;
-  for (const std::string name : {"kt-NotePad.exe", "kt-pad.exe", "kt-pad.exe-ding.exe"}) {
-    sandbox.Write(name, ReadWhole(OwnFolder() / "helper.exe"));
-    const std::string sign = sandbox.Path("up " + name);
-    started.push_back(
-        platform::processes::Start('"' + sandbox.Path(name) + "\" stay \"" + sign + '"', 0));
-    EXPECT_TRUE(Eventually([&] { return !FileReadAll(sign).empty(); }));
-  }
-  EXPECT_FALSE(modKillApp::KillApp("kt-nobody.exe"));
-  EXPECT_TRUE(modKillApp::KillApp("PAD.exe"));
-  EXPECT_TRUE(platform::processes::HasEnded(started[0]));
-  EXPECT_TRUE(platform::processes::HasEnded(started[1]));
-  EXPECT_FALSE(platform::processes::HasEnded(started[2]));
-  EXPECT_TRUE(FileWriteAll(sandbox.Path("kt-pad.exe"), "replaced"));
-  (void)platform::processes::Terminate(started[2], 0);
 }
 
 TEST_F(Install, AProgramWithBlanksInItsPathIsTheLongestFile) {

@@ -1,8 +1,9 @@
-// The real window of the native program, of which only the size is looked at, and the icon of the
-// Windows program.
+// The real window of the native program, of which only the size is looked at; its files; and the
+// icon of the Windows program.
 
 #include <cstring>
 
+#include "platform/files.h"
 #include "tests/support/program_fixture.h"
 
 namespace {
@@ -30,6 +31,12 @@ TEST_F(Program, EndsOnItsFinalScreenWhenADownloadBreaks) {
   (void)AskWindow(title, "windowfocus key Return");  // "Finalizar"
   EXPECT_TRUE(Ends());
   EXPECT_EQ(Files(), (Tree{{"a.exe", "old"}, {"a.exe.tmp", "longer"}}));
+}
+
+TEST(Files, TellWhenTheLastBytesFindNoRoom) {
+  auto full = platform::files::Create("/dev/full");
+  EXPECT_TRUE(full && platform::files::Write(full, "x"));
+  EXPECT_FALSE(platform::files::Close(std::move(full)));
 }
 
 /// Windows XP reads bitmaps only; each begins with the length of its header.
