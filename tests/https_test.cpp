@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 
 #include "tests/support/faults.h"
-#include "tests/support/program_fixture.h"
 #include "transfer/download.h"
 #include "transfer/http_probe.h"
-#include "transfer/url.h"
 
 namespace {
 
@@ -19,26 +18,15 @@ std::string Address(const char* name) {
   return value != nullptr ? value : "(not set)";
 }
 
-const std::string good = Address("GOOD");
-const std::filesystem::path web = Address("WEB");
-
-void Offer(const std::string& name, const std::string& content) {
-  std::ofstream(web / name, std::ios::binary) << content;
-}
-
 TEST(Https, TakesOnlyWhatAServerWithAGoodCertificateSends) {
   const auto trust = faults::TrustAuthority(Address("AUTHORITY"));
-  Offer("file", "content");
-  const struct {
-    std::string url;
-    bool taken;
-  } cases[] = {
+  std::ofstream(Address("WEB") + "/file") << "content";
+  const std::string good = Address("GOOD");
+  const std::pair<std::string, bool> cases[] = {
       {good + "/file", true},
       {"HTTPS" + good.substr(5) + "/file", true},
-      {"Http" + Address("PLAIN").substr(4) + "/file", true},
       {Address("PLAIN") + "/up", true},
       {good + "/down", false},
-      {good + "/missing", false},
       {Address("EXPIRED") + "/file", false},
       {Address("FOREIGN") + "/file", false},
       {Address("OTHER_HOST") + "/file", false},
@@ -52,20 +40,6 @@ TEST(Https, TakesOnlyWhatAServerWithAGoodCertificateSends) {
     const std::string body = DownloadUrl(url, "", UserAgentText, PreconfiguredAccess, "");
     EXPECT_EQ(body == "content", taken) << url;
   }
-}
-
-TEST_F(Program, RunsOverHttps) {
-  const auto trust = faults::TrustAuthority(Address("AUTHORITY"));
-  const std::string newer = ReadWhole(OwnFolder() / "newer/Kestrane.exe");
-  Offer("Kestrane.exe", newer);
-  Offer("file", "content");
-  Offer("update.txt", NEWER_VERSION "|" + good +
-                          "/Kestrane.exe\nNAME|x\nVERSION|=|2.7.1\nADD|$AppPath\\f|" + good +
-                          "/file");
-  Run(sandbox.Path("Kestrane.exe"),
-      {"2.7.1", "C:\\Ledger", good + "/update.txt", sandbox.Path("kt-app.exe"), "NO"});
-  EXPECT_TRUE(Launches());
-  EXPECT_EQ(Files(newer), (Tree{{"f", "content"}, {"kt-app.exe.log", "launched\n"}}));
 }
 
 }  // namespace

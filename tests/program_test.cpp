@@ -6,8 +6,14 @@
 
 #include "base/arrays.h"
 #include "base/binary_text.h"
+#include "platform/window.h"
+#include "run/progress_window.h"
+#include "run/run_state.h"
+#include "tests/support/faults.h"
 #include "tests/support/program_fixture.h"
 #include "tests/support/update_story.h"
+#include "transfer/download.h"
+#include "transfer/http_probe.h"
 #include "transfer/signed_script.h"
 
 namespace {
@@ -16,6 +22,9 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
   const std::string component = ReadWhole(OwnFolder() / "component.dll");
   sandbox.Fill({{"kt-ledger.exe", "1"}, {"oldprint.dll", "x"}, {"old.txt", "x"}});
   sandbox.Fill({{"reports.dll", "old"}, {"reports.dll.bak", "older"}});
+  // It takes longer than it is waited for, and keeps others from loading libraries meanwhile.
+  const std::string slow = ReadWhole(OwnFolder() / "slow_component.dll");
+  sandbox.Write("slow.dll", slow);
   server.Serve("/ledger", {.body = helper});
   server.Serve("/reports", {.body = component});
   server.Serve("/help", {.body = "ayuda"});
@@ -31,15 +40,19 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
               "\nEXECUTE|$AppPath\\kt-ledger.exe append \"$AppPath\\gone\" x|WAIT|HIDE"
               "\nDELETE|$AppPath\\gone"
               "\nSLEEP|3000\nKILL|KT-LEDGER.EXE"
-              "\nREGISTER|$AppPath\\reports.dll\nUNREGISTER|$AppPath\\reports.dll\nEND\nMSG\n");
+              "\nREGISTER|$AppPath\\reports.dll\nUNREGISTER|$AppPath\\reports.dll"
+              "\nREGISTER|$AppPath\\out\nREGISTER|$AppPath\\slow.dll\nEND\nMSG\n");
   EXPECT_TRUE(RunsSilently());
-  EXPECT_EQ(Files(), (Tree{{"kt-ledger.exe", Shown(helper)},
+  EXPECT_EQ(sandbox.Read("kt-ledger.exe"), helper);
+  sandbox.Write("kt-ledger.exe", "of no process");
+  EXPECT_EQ(Files(), (Tree{{"kt-ledger.exe", "of no process"},
                            {"reports.dll", Shown(component)},
                            {"reports.dll.bak", "old"},
                            {"help/es es/help.txt", "ayuda"},
                            {"out", "two words\n"},
                            {"stay", "up\n"},
-                           {"component.log", "loaded\nregistered\nloaded\nunregistered\n"},
+                           {"component.log", "loaded\nregistered\nloaded\nunregistered\nloaded\n"},
+                           {"slow.dll", Shown(slow)},
                            {"kt-app.exe.log", "launched\n"}}));
 }
 
@@ -51,16 +64,6 @@ TEST_F(Program, ReplacesItselfThroughItsTemporaryCopy) {
   ServeScript("DELETE|$AppPath\\old.txt", "HGHG", NEWER_VERSION "|" + server.Url("/updater"));
   EXPECT_TRUE(RunsSilently());
   EXPECT_EQ(Files(newer), (Tree{{"kt-app.exe.log", "launched\n"}}));
-
-  // A copy of another name does the same, and does not end itself because its name ends alike.
-  sandbox.Fill({{"MyKestrane.exe", newer}, {"KestraneTmp.exe", newer}, {"Kestrane.exe", "broken"}});
-  ForgetLaunches();
-  ServeScript("DELETE|$AppPath\\old.txt");
-  Run(sandbox.Path("MyKestrane.exe"),
-      {"2.7.1", "any", server.Url("/KDvelomar2.txt"), sandbox.Path("kt-app.exe"), "no"});
-  EXPECT_TRUE(Ends() && Launches());
-  EXPECT_EQ(Files(newer),
-            (Tree{{"kt-app.exe.log", "launched\n"}, {"MyKestrane.exe", Shown(newer)}}));
 }
 
 TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
@@ -78,10 +81,9 @@ TEST_F(Program, TurnsOneFolderIntoAnotherWithAnUpdateThatWasMade) {
        sandbox.Folder("site").string(), "--url", server.Url(""), "--from", "2.7.1", "--to", "3.0.0",
        "--updater", server.Url("/Kestrane.exe"), "0.0.1", "--keep", "mine", "--key", key});
   ASSERT_TRUE(Ends());
+  server.ExpectAnything();
   for (const auto& [name, shown] : sandbox.Tree("site")) {
-    if (name.find(' ') != std::string::npos || name == "Kestrane.exe") continue;
-    const std::string asked = name == "update.txt" ? "HG" : "HHG";
-    server.Serve("/" + name, {.body = sandbox.Read("site/" + name), .asked = asked});
+    server.Serve("/" + name, {sandbox.Read("site/" + name)});
   }
   server.Serve("/3.0.0/b%20c/%C3%B1%20%23%25.txt", {"2"});
   sandbox.Write("old/Kestrane.exe", kestrane);
@@ -118,7 +120,6 @@ TEST_F(Program, LosesNothingWhenItIsKilledAtAnyMoment) {
       ASSERT_TRUE(Ends());
       duration = Clock::now() - start;
       EXPECT_EQ(files.Tree(), story.After());
-      continue;
     }
     std::this_thread::sleep_for(duration * (random() % 1000) / 1000);
     Kill();
@@ -128,6 +129,42 @@ TEST_F(Program, LosesNothingWhenItIsKilledAtAnyMoment) {
     ASSERT_TRUE(Ends());
     EXPECT_EQ(files.Tree(), story.AfterOnceMore(left));
   }
+}
+
+/// In this process and its real window.
+TEST(Leaks, AThousandTransfersKeepNothing) {
+  using namespace modFunciones;
+  constexpr int WarmUp = 100;
+  constexpr int Count = 1000;
+  constexpr long MemoryNoise = 600;  // kilobytes; a root handle a transfer comes to more
+  LoopbackServer server;
+  const Sandbox sandbox;
+  server.Serve("/f", {.body = std::string(5000, 'k'), .asked = "*"});
+  server.Serve("/missing", {.status = "404 Not Found", .asked = "*"});
+  frmPrincipal::Load([] {});
+  platform::window::Show();
+  modPrincipal::TransferProgressOn = true;
+  modPrincipal::FileBytes = modPrincipal::TotalBytes = 5000;
+
+  faults::Resources before;
+  for (int i = 0; i < WarmUp + Count; ++i) {
+    server.WaitUntilQuiet();  // its connections belong to this process as well
+    (void)server.TakeRequests();
+    if (i == WarmUp) before = faults::ResourcesInUse();
+    (void)IsAvailable(server.Url(i % 100 == 0 ? "/missing" : "/f"));
+    modPrincipal::FileBytesDone = modPrincipal::TotalBytesDone = 0;
+    const std::string target = sandbox.Path("f");
+    ASSERT_EQ(DownloadUrl(server.Url("/f"), target, UserAgentText, PreconfiguredAccess, ""),
+              target);
+    (void)DownloadUrl("http://127.0.0.1:1/", "", UserAgentText, PreconfiguredAccess, "");
+  }
+  server.WaitUntilQuiet();
+  const faults::Resources after = faults::ResourcesInUse();
+  EXPECT_EQ(after.handles, before.handles);
+  EXPECT_EQ(after.threads, before.threads);
+  // Painting may hold some at either moment; one kept in every transfer would be hundreds.
+  EXPECT_LT(after.graphicsObjects, before.graphicsObjects + Count / 6);
+  EXPECT_LT(after.kilobytes, before.kilobytes + MemoryNoise);
 }
 
 }  // namespace

@@ -1,8 +1,9 @@
-// The real window of the native program, of which only the size is looked at, and the icon of the
-// Windows program.
+// The real window of the native program, of which only the size is looked at; its files; and the
+// icon of the Windows program.
 
 #include <cstring>
 
+#include "platform/files.h"
 #include "tests/support/program_fixture.h"
 
 namespace {
@@ -32,12 +33,18 @@ TEST_F(Program, EndsOnItsFinalScreenWhenADownloadBreaks) {
   EXPECT_EQ(Files(), (Tree{{"a.exe", "old"}, {"a.exe.tmp", "longer"}}));
 }
 
+TEST(Files, TellWhenTheLastBytesFindNoRoom) {
+  auto full = platform::files::Create("/dev/full");
+  EXPECT_TRUE(full && platform::files::Write(full, "x"));
+  EXPECT_FALSE(platform::files::Close(std::move(full)));
+}
+
 /// Windows XP reads bitmaps only; each begins with the length of its header.
 TEST(Icon, HasBitmapsBesideItsCompressedPictures) {
   const std::string icon = ReadWhole(OwnFolder() / "kestrane.ico");
   std::string sizesOfBitmaps;
-  for (std::size_t entry = 6; entry < 6 + 16U * static_cast<unsigned char>(icon.at(4));
-       entry += 16) {
+  const std::size_t end = 6 + 16 * static_cast<std::size_t>(icon.at(4));
+  for (std::size_t entry = 6; entry < end; entry += 16) {
     std::uint32_t picture = 0;
     std::memcpy(&picture, icon.data() + entry + 12, sizeof picture);
     if (icon.at(picture) == 40) sizesOfBitmaps += icon[entry];

@@ -43,51 +43,36 @@ class LoopbackServer {
       acceptor.bind({asio::ip::address_v4::loopback(), port}, failure);
     }
     acceptor.listen();
-    for (auto& thread : threads) thread = std::jthread([this] { Work(); });
+    Listen();
+    for (auto& thread : threads) thread = std::jthread([this] { context.run(); });
   }
   ~LoopbackServer() {
     Release();
-    stopping = true;
-    for (std::size_t i = 0; i < threads.size(); ++i) {
-      asio::error_code ignored;
-      Socket(context).connect(acceptor.local_endpoint(), ignored);  // wakes one up
-    }
+    context.stop();
     for (auto& thread : threads) thread.join();
     for (const auto& [path, page] : pages) ExpectAll(path);
-    for (const auto& request : unexpected) {
-      if (!expectsAnything) ADD_FAILURE() << "not expected: " << request;
-    }
+    EXPECT_TRUE(expectsAnything || unexpected.empty()) << "not expected: " << unexpected;
   }
-  LoopbackServer(const LoopbackServer&) = delete;
-  LoopbackServer& operator=(const LoopbackServer&) = delete;
+  LoopbackServer& operator=(LoopbackServer&&) = delete;
 
   /// The URL of a path that begins with "/".
   [[nodiscard]] std::string Url(const std::string& path) const {
     return "http://127.0.0.1:" + std::to_string(acceptor.local_endpoint().port()) + path;
   }
 
-  /// HEAD and GET answer alike, unless ServeHead follows. What was expected of the path before is
-  /// to have come.
-  void Serve(const std::string& path, const Reply& reply) {
+  /// HEAD and GET answer alike, unless the first has an answer of its own. What was expected of the
+  /// path before is to have come.
+  void Serve(const std::string& path, const Reply& reply,
+             const std::optional<Reply>& toHead = std::nullopt) {
     const std::lock_guard lock(mutex);
     if (pages.contains(path)) ExpectAll(path);
-    pages[path] = {reply, reply};
-  }
-  void ServeHead(const std::string& path, const Reply& reply) {
-    const std::lock_guard lock(mutex);
-    pages.at(path).head = reply;
+    pages[path] = {toHead.value_or(reply), reply};
   }
 
   /// Lets every stalled reply go on.
   void Release() {
     released = true;
     released.notify_all();
-  }
-
-  /// The requests for a path since it was served, by their first letters.
-  [[nodiscard]] std::string Asked(const std::string& path) {
-    const std::lock_guard lock(mutex);
-    return pages.at(path).asked;
   }
 
   /// The test looks at the requests itself, or there may be any.
@@ -113,28 +98,21 @@ class LoopbackServer {
     std::string asked = "";
   };
 
-  Socket NextConnection() {
-    const std::lock_guard lock(accepting);
-    Socket socket = acceptor.accept();
-    ++answering;
-    return socket;
+  void Listen() {
+    acceptor.async_accept([this](asio::error_code failure, Socket socket) {
+      ++answering;
+      Listen();
+      if (!failure) Answer(socket);
+      socket.close(failure);
+      --answering;
+      answering.notify_all();
+    });
   }
 
   void ExpectAll(const std::string& path) const {
     const auto& [head, get, asked] = pages.at(path);
     const bool isRight = get.asked == "*" ? !asked.empty() : asked == get.asked;
-    if (!isRight && !expectsAnything) ADD_FAILURE() << path << " was asked for " << asked;
-  }
-
-  void Work() {
-    while (!stopping) {
-      {
-        Socket socket = NextConnection();
-        if (!stopping) Answer(socket);
-      }
-      --answering;
-      answering.notify_all();
-    }
+    EXPECT_TRUE(expectsAnything || isRight) << path << " was asked for " << asked;
   }
 
   Reply ReplyTo(const std::string& request) {
@@ -148,7 +126,7 @@ class LoopbackServer {
     // Windows follows a redirection in HTTP/1.1.
     const bool isRight = page != pages.end() && request.find(agent) != std::string::npos &&
                          (line.ends_with(isHead ? " HTTP/1.0" : " HTTP/1.1") || wasRedirected);
-    if (!isRight) unexpected.push_back(request);
+    if (!isRight) unexpected += request;
     if (page == pages.end()) return {"", "404 Not Found"};
     page->second.asked += line[0];
     const Reply& reply = isHead ? page->second.head : page->second.get;
@@ -184,11 +162,9 @@ class LoopbackServer {
   asio::ip::tcp::acceptor acceptor{context};
   std::mutex mutex;
   std::atomic<bool> released = false;
-  std::atomic<bool> stopping = false;
-  std::mutex accepting;
   std::map<std::string, Page> pages;  // by path
   std::vector<std::string> requests;
-  std::vector<std::string> unexpected;
+  std::string unexpected;
   bool expectsAnything = false;
   bool wasRedirected = false;  // the last request
   std::atomic<int> answering = 0;

@@ -54,8 +54,7 @@ class Sandbox {
     std::error_code ignored;
     std::filesystem::remove_all(root, ignored);
   }
-  Sandbox(const Sandbox&) = delete;
-  Sandbox& operator=(const Sandbox&) = delete;
+  Sandbox& operator=(Sandbox&&) = delete;
 
   /// The path of a name, whose separators may be "/", as the program takes it.
   [[nodiscard]] std::string Path(const std::string& name) const {
@@ -83,9 +82,8 @@ class Sandbox {
   [[nodiscard]] std::map<std::string, std::string> Tree(const std::string& folder = "") const {
     std::map<std::string, std::string> tree;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(root / folder)) {
-      if (!entry.is_regular_file()) continue;
       const std::string name = entry.path().lexically_relative(root / folder).generic_string();
-      tree[name] = Shown(ReadWhole(entry.path()));
+      if (entry.is_regular_file()) tree[name] = Shown(ReadWhole(entry.path()));
     }
     return tree;
   }

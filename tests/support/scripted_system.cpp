@@ -1,8 +1,8 @@
 #include "tests/support/scripted_system.h"
 
 #include <algorithm>
-#include <concepts>
 #include <new>
+#include <sstream>
 #include <utility>
 
 #include "base/replace.h"
@@ -48,14 +48,12 @@ void Close(void* handle) {
 }
 Thing& In(const auto& handle) { return *static_cast<Thing*>(handle.get()); }
 
-std::string Word(const std::string& text) { return text; }
-std::string Word(std::integral auto number) { return std::to_string(number); }
-
 /// Tells of a call, whose result is given.
 template <typename Result>
 Result Told(Result result, const auto&... callAndArguments) {
-  std::string event;
-  ((event += (event.empty() ? "" : " ") + Word(callAndArguments)), ...);
+  std::ostringstream words;
+  ((words << ' ' << callAndArguments), ...);
+  const std::string event = words.str().substr(1);
   scripted_window::Tell(event);
   if (event == state.noMemoryAt) throw std::bad_alloc();
   return result;

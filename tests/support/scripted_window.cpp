@@ -10,7 +10,6 @@
 namespace scripted_window {
 namespace {
 
-constexpr std::size_t LineLength = 98;
 constexpr std::size_t MostEvents = 1'000'000;  // of a run that does not go round in circles
 constexpr const char* Names[] = {
     "picIco",  "lblMensaje", "lblNombreAplicacion", "lblFile",  "lblFileProgreso",
@@ -18,11 +17,6 @@ constexpr const char* Names[] = {
 
 void TellOf(int control, const std::string& what) {
   Tell(std::string(Names[control]) + ' ' + what);
-}
-
-void TellYield(const char* event) {
-  Tell(event);
-  state.onYield();
 }
 
 }  // namespace
@@ -39,7 +33,6 @@ void Tell(const std::string& event) {
 std::string Transcript(const std::string& from) {
   std::string all = "\n";
   std::string line;
-  const auto endLine = [&] { all += std::exchange(line, "") + '\n'; };
   auto next = std::find(state.history.begin(), state.history.end(), from);
   if (from.empty()) next = state.history.begin();
   while (next != state.history.end()) {
@@ -47,12 +40,10 @@ std::string Transcript(const std::string& from) {
     const auto same = next;
     while (next != state.history.end() && *next == *same) ++next;
     if (next - same > 1) event += " x" + std::to_string(next - same);
-    if (!line.empty() && line.size() + event.size() > LineLength) endLine();
+    if (!line.empty() && line.size() + event.size() > 98) all += std::exchange(line, "") + '\n';
     line += (line.empty() ? "" : "; ") + event;
-    if (event.starts_with("yield") && line.size() > LineLength / 2) endLine();
   }
-  endLine();
-  return all;
+  return all + line + '\n';
 }
 
 }  // namespace scripted_window
@@ -103,8 +94,14 @@ int ShowMessageBox(std::string_view text, std::uint32_t style, std::string_view 
   Tell("box " + std::to_string(style) + '|' + std::string(title) + '|' + std::string(text));
   return state.answer;
 }
-void ProcessPendingEvents() { TellYield("yield"); }
-void ProcessPendingEventsInLoop() { TellYield("yield in loop"); }
+void ProcessPendingEvents() {
+  Tell("yield");
+  state.onYield();
+}
+void ProcessPendingEventsInLoop() {
+  Tell("yield in loop");
+  state.onYield();
+}
 void RunEventLoop() { std::abort(); }
 
 }  // namespace platform::window

@@ -38,7 +38,7 @@ void Reset();
 void Tell(const std::string& event);
 
 /// The history from the first event of this text on, all of it for "": in UTF-8, with "@" for
-/// C:\Kt\. A line ends with a yield or where it is full.
+/// C:\Kt\. A line ends where it is full.
 std::string Transcript(const std::string& from);
 
 }  // namespace scripted_window
