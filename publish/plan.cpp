@@ -114,6 +114,14 @@ void CheckDifference(const Difference& difference, Problems& problems) {
   }
 }
 
+/// The names that a URL may mean: the folder may have been found elsewhere when a line was written.
+void AddEnds(const std::string& url, std::set<std::string>& names) {
+  const std::string path = modFunciones::ToUtf8(url.substr(0, url.find('?')));
+  for (auto at = path.find('/'); at != std::string::npos; at = path.find('/', at + 1)) {
+    names.insert(Decoded(path.substr(at + 1)));
+  }
+}
+
 void CheckVersion(const std::string& version, Problems& problems) {
   const std::string oddity = OddityOf(version);
   if (!oddity.empty()) problems.push_back("The version " + version + " " + oddity + ".");
@@ -165,10 +173,7 @@ std::vector<std::string> Unnamed(const Plan& plan) {
   std::set<std::string> named = {ScriptName};
   for (const auto& [file, target] : plan.uploads) named.insert(Utf8Of(target));
   for (const auto& line : CutWithNumbers(plan.script).lines) {
-    for (const auto& field : line) {
-      if (!field.starts_with(plan.order.url)) continue;
-      named.insert(Decoded(modFunciones::ToUtf8(field.substr(plan.order.url.size()))));
-    }
+    for (const auto& field : line) AddEnds(field, named);
   }
   std::vector<std::string> unnamed;
   std::error_code error;

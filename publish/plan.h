@@ -38,7 +38,7 @@ void CheckFolders(const Plan& plan, Problems& problems);
 /// What is published already has to stay as it is.
 void CheckUploads(const Plan& plan, Problems& problems);
 
-/// Files of the upload folder that no line of the script names, by their names below it.
+/// Files of the upload folder that no URL of the script ends with, by their names below it.
 [[nodiscard]] std::vector<std::string> Unnamed(const Plan& plan);
 
 }  // namespace publish

@@ -185,10 +185,12 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
   std::filesystem::rename(order.newFolder / "d e/f", order.newFolder / "d e" / u8"ñ#.ocx");
   sandbox.Write("new/Kestrane.exe", Updater("\2"));
   sandbox.Fill({{"site/1.0.0/a b", "named"}, {"site/1.0.0/left", "over"}});
+  sandbox.Write("site/1.0.0/old", "named by the URL of then");
   sandbox.Write("site/update.txt",
                 "# kept\r\n1.0.2|x\nNAME|Old\nVERSION|=|0.9.0\n# "
                 "kept\nADD|$AppPath\\x|https://u/l/1.0.0/a%20b\n"
-                "END\nVERSION|=|1.0.0\nSLEEP|1\nEND\nVERSION|<|1.0.0\nSLEEP|1\nEND\n"
+                "ADD|$AppPath\\y|https://w/1.0.0/old\nEND\n"
+                "VERSION|=|1.0.0\nSLEEP|1\nEND\nVERSION|<|1.0.0\nSLEEP|1\nEND\n"
                 "# kept\nVERSION|<|2.0.0\nSLEEP|1\nEND\n");
   order.name = "Ledger";
   order.coversOlder = true;
@@ -216,7 +218,7 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
   const std::string rest = "REGISTER|$AppPath\\d e\\\xF1#.ocx\nSLEEP|5\nEND\n";
   EXPECT_EQ(sandbox.Read("site/update.txt"),
             "# kept\n1.0.3|https://u/k\nNAME|Ledger\nVERSION|=|0.9.0\n# kept\n"
-            "ADD|$AppPath\\x|https://u/l/1.0.0/a%20b\nEND\n"
+            "ADD|$AppPath\\x|https://u/l/1.0.0/a%20b\nADD|$AppPath\\y|https://w/1.0.0/old\nEND\n"
             "VERSION|=|1.0.0\n" +
                 kills +
                 "UNREGISTER|$AppPath\\gone.dll\n"
