@@ -1,6 +1,7 @@
 #include "publish/key_files.h"
 
 #include <algorithm>
+#include <fstream>
 #include <string_view>
 
 #include "base/text.h"
@@ -111,6 +112,14 @@ std::optional<std::string> FingerprintMeant(const std::string& digitsOrFile,
     problems.push_back(Exposed(digitsOrFile, publicFolder));
   }
   return FingerprintOf(*key);
+}
+
+bool IsPrivateKeyFile(const fs::path& path) {
+  std::string start(1 << 16, '\0');
+  std::ifstream file(path, std::ios::binary);
+  file.read(start.data(), static_cast<std::streamsize>(start.size()));
+  start.resize(static_cast<std::size_t>(file.gcount()));
+  return HoldsPrivateKey(start);
 }
 
 std::string FingerprintOf(const std::string& publicKey) {

@@ -29,6 +29,9 @@ inline constexpr const char* PublicKeySuffix = ".pub";
                                                           const std::filesystem::path& publicFolder,
                                                           std::vector<std::string>& problems);
 
+/// Whether a private key in PEM begins in the first 64 KB of a file.
+[[nodiscard]] bool IsPrivateKeyFile(const std::filesystem::path& path);
+
 /// What stands behind "#key=" for a public key, given as DER.
 [[nodiscard]] std::string FingerprintOf(const std::string& publicKey);
 

@@ -187,7 +187,13 @@ std::optional<std::string> ReadPublicKey(std::string_view file, std::string& pro
 }
 
 bool HoldsPrivateKey(std::string_view file) {
-  return file.find("PRIVATE KEY-----") != std::string_view::npos;
+  constexpr std::string_view Begin = "-----BEGIN ";
+  for (auto at = file.find(Begin); at != std::string_view::npos; at = file.find(Begin, at + 1)) {
+    const bool beginsLine = at == 0 || file[at - 1] == '\n';
+    const auto line = file.substr(at, file.find_first_of("\r\n", at) - at);
+    if (beginsLine && line.ends_with("PRIVATE KEY-----")) return true;
+  }
+  return false;
 }
 
 std::string SignatureOf(std::string_view message, const PrivateKey& key) {

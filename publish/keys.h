@@ -35,7 +35,7 @@ struct NewKey {
 /// The same for the public key of either file: the DER of its SubjectPublicKeyInfo.
 [[nodiscard]] std::optional<std::string> ReadPublicKey(std::string_view file, std::string& problem);
 
-/// True for a file with a private key of any kind in PEM.
+/// True for a file with a line that begins a private key of any kind in PEM.
 [[nodiscard]] bool HoldsPrivateKey(std::string_view file);
 
 /// RSASSA-PKCS1-v1_5 with SHA-256; empty when the key is not good for it.

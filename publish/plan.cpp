@@ -5,6 +5,7 @@
 #include <set>
 
 #include "base/text.h"
+#include "publish/key_files.h"
 #include "publish/script_text.h"
 #include "publish/source.h"
 #include "publish/urls.h"
@@ -95,6 +96,15 @@ void CheckComponents(const Plan& plan, Problems& problems) {
   }
 }
 
+void CheckPrivateKeys(const Folder& folder, Problems& problems) {
+  for (const auto& [key, file] : folder) {
+    if (!IsPrivateKeyFile(file.path)) continue;
+    problems.push_back(modFunciones::ToUtf8(file.name) +
+                       " holds a private key, which others would get: keep it elsewhere, or leave "
+                       "it out with --exclude.");
+  }
+}
+
 void CheckDifference(const Difference& difference, Problems& problems) {
   std::uintmax_t bytes = 0;
   for (const auto* files : {&difference.added, &difference.changed}) {
@@ -154,6 +164,7 @@ void CheckFolders(const Plan& plan, Problems& problems) {
   CheckEmptyFolders(plan, problems);
   CheckWishedNames(plan, problems);
   CheckComponents(plan, problems);
+  CheckPrivateKeys(plan.newFolder, problems);
 }
 
 void CheckUploads(const Plan& plan, Problems& problems) {

@@ -8,6 +8,7 @@
 #include "base/arrays.h"
 #include "base/replace.h"
 #include "base/text.h"
+#include "publish/key_files.h"
 #include "publish/order.h"
 #include "publish/report.h"
 #include "publish/site.h"
@@ -34,7 +35,7 @@ std::optional<std::string> ContentFor(const std::string& target, const Service& 
   if (plain.empty() || plain.has_root_path() || *plain.begin() == "..") return std::nullopt;
   const auto file = service.folder / plain;
   std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) return std::nullopt;
+  if (!std::filesystem::is_regular_file(file, error) || IsPrivateKeyFile(file)) return std::nullopt;
   auto content = ReadFile(file);
   if (!content || file.filename() != ScriptName || service.url.empty()) return content;
   return modFunciones::ReplaceAll(*content, service.url, service.localUrl);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "publish/key_files.h"
 #include "publish/source.h"
 #include "publish/urls.h"
 
@@ -40,6 +41,21 @@ std::string BaseOf(const std::string& url, const fs::path& folder) {
   return "";
 }
 
+void CheckPrivateKeys(const fs::path& folder, Findings& findings) {
+  std::error_code error;
+  for (fs::recursive_directory_iterator
+           entry(folder, fs::directory_options::skip_permission_denied, error),
+       end;
+       !error && entry != end; entry.increment(error)) {
+    if (!IsFile(entry->path()) || !IsPrivateKeyFile(entry->path())) continue;
+    const std::string name = Utf8Of(entry->path().lexically_relative(folder));
+    findings.push_back({Severity::Error, 0,
+                        "The upload folder holds a private key, " +
+                            modFunciones::FromUtf8(name).value_or("in a file with an odd name") +
+                            ", which others would get: keep it elsewhere."});
+  }
+}
+
 }  // namespace
 
 Site::Site(fs::path folder, const Script& script) : root(std::move(folder)) {
@@ -61,6 +77,7 @@ std::optional<fs::path> Site::FileOf(const std::string& url) const {
 }
 
 void CheckSite(const Script& script, const Site& site, Findings& findings) {
+  if (!site.Url().empty()) CheckPrivateKeys(site.Folder(), findings);
   for (std::size_t i = 1; i < script.lines.size(); ++i) {
     const auto file = site.FileOf(DownloadOf(script.lines[i]));
     if (!file) continue;

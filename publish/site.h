@@ -18,6 +18,8 @@ class Site {
   /// The file of a URL, which may be missing; nothing for a URL that leads elsewhere.
   [[nodiscard]] std::optional<std::filesystem::path> FileOf(const std::string& url) const;
 
+  [[nodiscard]] const std::filesystem::path& Folder() const { return root; }
+
   /// Where the folder is found, with a "/" at its end; empty where the script does not tell.
   [[nodiscard]] const std::string& Url() const { return base; }
 
@@ -26,7 +28,8 @@ class Site {
   std::string base;  // of its URLs; empty: none was found
 };
 
-/// Files that the script names and its upload folder lacks, or holds without content.
+/// Files that the script names and its upload folder lacks, or holds without content; and private
+/// keys in the folder.
 void CheckSite(const Script& script, const Site& site, Findings& findings);
 
 }  // namespace publish

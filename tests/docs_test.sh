@@ -83,7 +83,10 @@ kestrane-publish serve site --port $port >/dev/null &
 children+=($!)
 wait_until 5 curl -sf http://127.0.0.1:$port/update.txt -o served.txt || fail "nothing is served"
 sed -n 's#.*\(http://127[^|]*rates.txt\)$#url = \1#p' served.txt | head -1 | curl -sfK - | cmp - ledger-3.2.0/rates.txt
-[[ $(curl -s --path-as-is -w '%{http_code}' http://127.0.0.1:$port/../update.txt) == 404 ]] || fail "more is served"
+cp ledger.pem site
+for hidden in ../update.txt ledger.pem; do
+  [[ $(curl -s --path-as-is -w '%{http_code}' http://127.0.0.1:$port/$hidden) == 404 ]] || fail "$hidden is served"
+done
 
 # Stand-ins print or write the command line instead of starting anything.
 expected='"2.7.1" "app folder" "'$site'/ledger/update.txt" "app folder\ledger.exe" "NO" "Ledger"'
