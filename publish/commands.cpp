@@ -73,12 +73,30 @@ void TellKeys(const std::string& script, const std::vector<PrivateKey>& keys) {
   }
 }
 
+/// A note for each key of the signatures of a text that is none of those to sign with.
+Problems NotesOnLostKeys(const std::string& text, const std::vector<PrivateKey>& keys) {
+  Problems lost = KeysNamedIn(text);
+  for (const auto& key : keys) std::erase(lost, FingerprintOf(key.PublicKey()));
+  std::erase(lost, "");
+  for (auto& key : lost) {
+    key = "The script is no longer signed for #key=" + key + ": who names it will be refused.";
+  }
+  return lost;
+}
+
 /// What make came to, with the script signed that it wrote.
 Made MakeSigned(const Order& order, const std::vector<PrivateKey>& keys) {
   const auto script = order.site / ScriptName;
   const auto before = ReadFile(script);
   const Digests known = DigestsSignedBy(keys, script);
-  Made made = Make(order);
+  Made made;
+  if (keys.empty() && !KeysNamedIn(before.value_or("")).empty()) {
+    made.problems.push_back("The script " + Utf8Of(script) +
+                            " is signed: name its key with --key.");
+    return made;
+  }
+  made = Make(order);
+  for (auto& note : NotesOnLostKeys(before.value_or(""), keys)) made.notes.push_back(note);
   if (keys.empty() || order.isTrial || !made.problems.empty()) return made;
   SignFile(script, {keys, {}, known}, made.problems);
   if (!made.problems.empty()) PutBack(script, before);
@@ -168,11 +186,13 @@ int RunSign(const SignOptions& options) {
   Problems problems;
   const auto keys = LoadPrivateKeys(options.keys, {SiteOf(options.script)}, problems);
   const Digests known = DigestsSignedBy(keys, path);
+  const Problems notes = NotesOnLostKeys(ReadFile(path).value_or(""), keys);
   if (problems.empty()) SignFile(path, {keys, PathOf(options.updater), known}, problems);
   if (!problems.empty()) {
     ReportProblems(problems, options.asJson);
     return Failed;
   }
+  for (const auto& note : notes) std::cerr << "note: " << note << "\n";
   if (keys.empty()) {
     std::cout << options.script << " has its digests, and no signature yet.\n";
     return 0;

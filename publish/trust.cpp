@@ -136,6 +136,15 @@ class SigningLines {
 
 }  // namespace
 
+std::vector<std::string> KeysNamedIn(const std::string& text) {
+  Lines keys;
+  for (auto& line : modFunciones::Split(text, '\n')) {
+    if (line.ends_with('\r')) line.pop_back();
+    if (line.starts_with(SignatureMark)) keys.push_back(KeyNamedBy(line));
+  }
+  return keys;
+}
+
 bool IsTaken(const Script& script, const std::optional<std::string>& key) {
   return !key || DigestsTaken(script, *key).has_value();
 }

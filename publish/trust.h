@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "publish/check_rules.h"
 #include "publish/script_text.h"
@@ -17,6 +18,9 @@ struct Origin {
   std::filesystem::path folder;    // with the files that are to be uploaded, or empty
   std::optional<std::string> key;  // that installations name; nothing: they name none
 };
+
+/// What stands behind "#key=" for each signature of a text, fitting or not; "" where it names none.
+[[nodiscard]] std::vector<std::string> KeysNamedIn(const std::string& text);
 
 /// Of installations that name no key, everything is taken.
 struct Trust {

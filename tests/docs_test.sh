@@ -83,6 +83,9 @@ kestrane-publish serve site --port $port >/dev/null &
 children+=($!)
 wait_until 5 curl -sf http://127.0.0.1:$port/update.txt -o served.txt || fail "nothing is served"
 sed -n 's#.*\(http://127[^|]*rates.txt\)$#url = \1#p' served.txt | head -1 | curl -sfK - | cmp - ledger-3.2.0/rates.txt
+before=$(<site/update.txt)
+! kestrane-publish make ledger-2.7.1 ledger-3.2.0 --from 2.7.1 --to 3.2.0 --config options.toml 2>problems.txt || fail "made without key"
+[[ $before == "$(<site/update.txt)" ]] && grep -q 'name its key' problems.txt || fail "another script, or another reason"
 cp ledger.pem site
 for hidden in ../update.txt ledger.pem; do
   [[ $(curl -s --path-as-is -w '%{http_code}' http://127.0.0.1:$port/$hidden) == 404 ]] || fail "$hidden is served"
