@@ -123,6 +123,10 @@ int RunCheck(const CheckOptions& options) {
 }
 
 int RunSimulate(const SimulateOptions& options) {
+  if (!options.site.empty() && !std::filesystem::is_directory(PathOf(options.site))) {
+    ReportProblems({options.site + " is no folder."}, options.asJson);
+    return Failed;
+  }
   const auto script = Load(options.script, options.asJson);
   if (!script) return Failed;
   const auto origin = OriginOf(options.script, options.key, options.asJson);
