@@ -13,6 +13,7 @@
 #include "publish/report.h"
 #include "publish/site.h"
 #include "publish/source.h"
+#include "publish/trust.h"
 #include "publish/urls.h"
 
 namespace publish {
@@ -20,6 +21,9 @@ namespace {
 
 using asio::ip::tcp;
 constexpr int Failed = 2;
+constexpr const char* NotForKeys =
+    "The script is signed, and with other URLs it no longer fits: installations that name a key "
+    "refuse it here, so leave #key= out.\n";
 
 /// What an upload folder is served as.
 struct Service {
@@ -98,7 +102,7 @@ int RunServe(const ServeOptions& options) {
   std::cout << "Serving " << options.site << " until you press Ctrl+C. Try it in a copy of the "
             << "application's folder:\n  Kestrane.exe \"" << VersionToTry(script)
             << "\" \"C:\\copy\" \"" << service.localUrl << ScriptName << "\"\n"
-            << std::flush;
+            << (KeysNamedIn(*text).empty() ? "" : NotForKeys) << std::flush;
   for (;;) {
     std::thread([socket = acceptor.accept(), &service]() mutable {
       Answer(std::move(socket), service);
