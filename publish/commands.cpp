@@ -79,7 +79,8 @@ Problems NotesOnLostKeys(const std::string& text, const std::vector<PrivateKey>&
   for (const auto& key : keys) std::erase(lost, FingerprintOf(key.PublicKey()));
   std::erase(lost, "");
   for (auto& key : lost) {
-    key = "The script is no longer signed for #key=" + key + ": who names it will be refused.";
+    key.insert(0, "The script is no longer signed for #key=");
+    key += ": who names it will be refused.";
   }
   return lost;
 }
