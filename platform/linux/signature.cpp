@@ -26,7 +26,7 @@ struct FreeKey {
 };
 
 /// What a thread takes at once, in bytes: it takes far longer than starting the thread.
-constexpr std::size_t Batch = 1024 * 1024;
+constexpr std::size_t Batch = std::size_t{1} << 20U;
 
 /// Hashing takes half as long as receiving, so the bytes are taken by another thread.
 struct Hash {
@@ -43,7 +43,7 @@ struct Hash {
     batch = std::async(std::launch::async, [this] { Take(taken); });
   }
 
-  void Take(const std::string& bytes) {
+  void Take(const std::string& bytes) const {
     EVP_DigestUpdate(context.get(), bytes.data(), bytes.size());
   }
 
