@@ -199,7 +199,7 @@ int RunSign(const SignOptions& options) {
   }
   for (const auto& note : notes) std::cerr << "note: " << note << "\n";
   if (keys.empty()) {
-    std::cout << options.script << " has its digests, and no signature yet.\n";
+    if (!options.asJson) std::cout << options.script << " has its digests, and no signature yet.\n";
     return 0;
   }
   if (!options.asJson) TellKeys(options.script, keys);

@@ -54,12 +54,6 @@ std::string AboutFile(const std::string& file, const std::string& what) {
   return file + " " + what + ".";
 }
 
-bool IsSha256(std::string_view text) {
-  constexpr std::size_t Length = 64;
-  return text.size() == Length &&
-         text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
-}
-
 }  // namespace
 
 std::string MakeKeyFiles(const fs::path& path, Problems& problems) {
@@ -95,7 +89,10 @@ std::vector<PrivateKey> LoadPrivateKeys(const std::vector<std::string>& files,
     std::string why = content ? "" : "cannot be read";
     auto key = content ? ReadPrivateKey(*content, why) : std::nullopt;
     if (!why.empty()) problems.push_back(AboutFile(file, why));
-    if (key) keys.push_back(*std::move(key));
+    const bool isKnown = key && std::any_of(keys.begin(), keys.end(), [&](const auto& known) {
+                           return known.modulus == key->modulus;
+                         });
+    if (key && !isKnown) keys.push_back(*std::move(key));
   }
   return keys;
 }
@@ -103,7 +100,8 @@ std::vector<PrivateKey> LoadPrivateKeys(const std::vector<std::string>& files,
 std::optional<std::string> FingerprintMeant(const std::string& digitsOrFile,
                                             const fs::path& publicFolder, Problems& problems) {
   const auto content = ReadFile(PathOf(digitsOrFile));
-  if (!content && IsSha256(digitsOrFile)) return modFunciones::LowerCase(digitsOrFile);
+  if (!content && modFunciones::IsSha256(digitsOrFile))
+    return modFunciones::LowerCase(digitsOrFile);
   std::string why = content ? "" : "is no file that can be read, and no 64 digits";
   const auto key = content ? ReadPublicKey(*content, why) : std::nullopt;
   if (!why.empty()) problems.push_back(AboutFile(digitsOrFile, why));

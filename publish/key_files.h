@@ -19,7 +19,8 @@ inline constexpr const char* PublicKeySuffix = ".pub";
 [[nodiscard]] std::string MakeKeyFiles(const std::filesystem::path& path,
                                        std::vector<std::string>& problems);
 
-/// Reads private keys. None of them may lie in one of the folders or below.
+/// Reads private keys, one that is named twice once. None of them may lie in one of the folders or
+/// below.
 [[nodiscard]] std::vector<PrivateKey> LoadPrivateKeys(
     const std::vector<std::string>& files, const std::vector<std::filesystem::path>& publicFolders,
     std::vector<std::string>& problems);

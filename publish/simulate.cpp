@@ -49,8 +49,8 @@ bool IsRefused(const Script& script, const Reading& reading, const Trust& trust)
 /// The recorded actions, as they are carried out, and what the final screen says then.
 class Rehearsal {
  public:
-  Rehearsal(const Script& readScript, Outcome& result, bool sizesAreKnown)
-      : script(readScript), outcome(result), isProbed(sizesAreKnown) {}
+  Rehearsal(const Script& readScript, Outcome& result, bool isWithoutDownloads)
+      : script(readScript), outcome(result), nothingIsDownloaded(isWithoutDownloads) {}
 
   void CarryOut() {
     if (Downloads()) Installs();
@@ -69,7 +69,7 @@ class Rehearsal {
   /// False when a file cannot be downloaded. No action is carried out then.
   bool Downloads() {
     auto& actions = outcome.reading.actions;
-    if (isProbed && outcome.bytes == 0) return true;  // nothing is downloaded
+    if (nothingIsDownloaded) return true;
     const auto failing = std::find_if(actions.begin(), actions.end(), [&](const auto& action) {
       const bool hasUrl = !FieldAt(script.lines[action.line], 2).empty();
       const bool isFile = ArgumentOf(action).find_first_of("*?") == std::string::npos;
@@ -88,7 +88,7 @@ class Rehearsal {
     const std::string path = ArgumentOf(action);
     const bool isRunning = action.command->verb == Verb::Update && path == "$apppath\\kestrane.exe";
     const bool isFirst = placed.insert(path).second;
-    return isRunning || !isFirst || path.empty() || (isProbed && outcome.bytes == 0);
+    return isRunning || !isFirst || path.empty() || nothingIsDownloaded;
   }
 
   /// A file that stays ends the update; one that cannot be deleted does not.
@@ -108,7 +108,7 @@ class Rehearsal {
 
   const Script& script;
   Outcome& outcome;
-  bool isProbed;
+  bool nothingIsDownloaded;
   std::set<std::string> placed;
 };
 
@@ -175,7 +175,8 @@ Outcome Simulate(const Script& script, const std::string& installed, bool probe,
   MarkProgramsThatAreNotStarted(script, outcome.reading);
   outcome.finalScreen = FinalScreenOf(outcome.reading);
   for (const auto& action : actions) outcome.bytes += action.size;
-  if (!isRefused) Rehearsal(script, outcome, probe).CarryOut();
+  const bool nothingIsDownloaded = probe && outcome.bytes == 0 && !trust.checksFiles;
+  if (!isRefused) Rehearsal(script, outcome, nothingIsDownloaded).CarryOut();
   return outcome;
 }
 

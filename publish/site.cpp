@@ -7,19 +7,13 @@
 #include "base/text.h"
 #include "publish/key_files.h"
 #include "publish/source.h"
+#include "publish/upload.h"
 #include "publish/urls.h"
 
 namespace publish {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// The file that an action downloads; empty when it is no such line.
-const std::string& DownloadOf(const Fields& line) {
-  const auto* const command = CommandOf(line);
-  const bool isDownload = command != nullptr && command->effect == modPrincipal::Effect::Download;
-  return FieldAt(line, isDownload ? 2 : line.size());
-}
 
 fs::path PathBelow(const fs::path& folder, const std::string& part) {
   return folder / PathOf(Decoded(modFunciones::ToUtf8(part)));
@@ -62,9 +56,8 @@ Site::Site(fs::path folder, const Script& script) : root(std::move(folder)) {
   constexpr int Enough = 100;
   std::map<std::string, int> found;
   int asked = 0;
-  for (const auto& line : script.lines) {
-    const std::string& url = DownloadOf(line);
-    if (url.empty()) continue;
+  for (const auto& [line, url] : DownloadsIn(script)) {
+    if (line == 0) continue;  // the updater may be kept elsewhere
     const std::string candidate = BaseOf(url, root);
     if (!candidate.empty() && ++found[candidate] > found[base]) base = candidate;
     if (++asked == Enough) break;
@@ -78,16 +71,16 @@ std::optional<fs::path> Site::FileOf(const std::string& url) const {
 
 void CheckSite(const Script& script, const Site& site, Findings& findings) {
   if (!site.Url().empty()) CheckPrivateKeys(site.Folder(), findings);
-  for (std::size_t i = 1; i < script.lines.size(); ++i) {
-    const auto file = site.FileOf(DownloadOf(script.lines[i]));
+  for (const auto& [line, url] : DownloadsIn(script)) {
+    const auto file = line == 0 ? std::nullopt : site.FileOf(url);
     if (!file) continue;
     std::error_code error;
     if (!IsFile(*file)) {
-      findings.push_back({Severity::Error, script.numbers[i],
+      findings.push_back({Severity::Error, script.numbers[line],
                           "The upload folder has no file for this URL, though it has others."});
     } else if (fs::file_size(*file, error) == 0) {
       findings.push_back(
-          {Severity::Warning, script.numbers[i], "The file in the upload folder is empty."});
+          {Severity::Warning, script.numbers[line], "The file in the upload folder is empty."});
     }
   }
 }

@@ -39,7 +39,7 @@ std::string WhyRefused(const std::string& url, const Digests& digests,
   if (published == digests.end()) return "The file has no #SHA256 line" + refused;
   const auto file = FileAtHand(folder, url);
   if (!file.empty() && DigestOfFile(file) != published->second) {
-    return "The #SHA256 line is not that of the file beside the script, " + Utf8Of(file) + refused;
+    return "The #SHA256 line is not that of the file beside the script" + refused;
   }
   if (!probe) return "";
   const auto received = DigestOfUrl(url);
@@ -152,8 +152,8 @@ bool IsTaken(const Script& script, const std::optional<std::string>& key) {
 Trust TrustIn(const Script& script, const Origin& origin) {
   if (!origin.key) return {};
   const auto digests = DigestsTaken(script, *origin.key);
-  if (!digests) return {false, {}};
-  Trust trust;
+  if (!digests) return {.takesScript = false};
+  Trust trust = {.checksFiles = true};
   ForRefusedDownloads(script, *digests, origin.folder, false,
                       [&](const Download& download, const std::string& /*why*/) {
                         trust.refusedUrls.insert(download.url);

@@ -25,7 +25,9 @@ struct Origin {
 /// Of installations that name no key, everything is taken.
 struct Trust {
   bool takesScript = true;
-  std::set<std::string> refusedUrls;  // of files that are not what the script says, or not known
+  bool checksFiles = false;  // and so downloads them even where all are empty
+  std::set<std::string> refusedUrls =
+      {};  // of files that are not what the script says, or not known
 };
 
 /// Whether installations go on to read the script. key: as in Origin.

@@ -1,7 +1,6 @@
 #include "publish/upload.h"
 
 #include <array>
-#include <charconv>
 #include <fstream>
 #include <utility>
 
@@ -9,27 +8,13 @@
 #include "base/text.h"
 #include "platform/signature.h"
 #include "publish/source.h"
+#include "publish/urls.h"
 
 namespace publish {
 namespace {
 
 namespace fs = std::filesystem;
 namespace signature = platform::signature;
-
-/// A URL with its %20 and the like as the bytes that they stand for.
-std::string Decoded(const std::string& url) {
-  std::string decoded;
-  for (std::size_t i = 0; i < url.size(); ++i) {
-    const std::string_view digits = std::string_view(url).substr(i + 1, 2);
-    unsigned char byte = 0;
-    const char* const end = digits.data() + digits.size();
-    const bool isByte = url[i] == '%' && digits.size() == 2 &&
-                        std::from_chars(digits.data(), end, byte, 16).ptr == end;
-    decoded += isByte ? static_cast<char>(byte) : url[i];
-    if (isByte) i += 2;
-  }
-  return decoded;
-}
 
 /// Empty when the text is no name of a file below a folder.
 fs::path PathBelow(const std::string& text) {

@@ -162,6 +162,12 @@ TEST_F(Signed, ToolAndProgramTakeTheSame) {
   server.Serve("/f", {.body = "NEW"});
   EXPECT_EQ(Run(good, "#key=" + NameOf(own)), NotGenuine);
   EXPECT_FALSE(Passes(CutWithNumbers(good), {{}, NameOf(own)}));
+  // Where a key is named, files without content are downloaded too.
+  const std::string empty = With(digest, Sha256Text(""));
+  server.Serve("/f", {.body = ""});
+  EXPECT_EQ(Run(empty, "#key=" + NameOf(own)), Success);
+  const Script cut = CutWithNumbers(empty);
+  EXPECT_EQ(Simulate(cut, "2.7.1", true, TrustIn(cut, {{}, NameOf(own)})).finalScreen, Success);
   EXPECT_EQ(modFunciones::NamedKey("http://u/s#part"), std::nullopt);
   EXPECT_EQ(modFunciones::WithoutKey("http://u/s#part"), "http://u/s#part");
 }

@@ -16,11 +16,6 @@ constexpr std::string_view KeyMark = "#key=";
 /// A "#KEY=" that named nothing would leave an application without the protection that it asks for.
 std::size_t KeyMarkIn(std::string_view url) { return LowerCase(url).find(KeyMark); }
 
-bool IsSha256(std::string_view text) {
-  return text.size() == 64 &&
-         text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
-}
-
 /// Takes the first line off a text, without its end.
 std::string_view TakeLine(std::string_view& text) {
   std::string_view line = text.substr(0, text.find('\n'));
@@ -79,6 +74,11 @@ std::optional<std::string> NamedKey(std::string_view url) {
   // An empty argument behind it on the command line leaves a blank.
   const std::string_view key = url.substr(mark + KeyMark.size());
   return LowerCase(key.substr(0, key.find_last_not_of(" \t") + 1));
+}
+
+bool IsSha256(std::string_view text) {
+  return text.size() == 64 &&
+         text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos;
 }
 
 std::string Sha256Text(std::string_view bytes) {

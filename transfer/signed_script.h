@@ -30,6 +30,9 @@ inline constexpr std::string_view SignatureMark = "#SIGNATURE|";
 /// SHA-256 fits no key.
 [[nodiscard]] std::optional<std::string> NamedKey(std::string_view url);
 
+/// True for 64 hexadecimal digits.
+[[nodiscard]] bool IsSha256(std::string_view text);
+
 /// A SHA-256 as 64 digits, letters in lower case; "" when the system cannot tell.
 [[nodiscard]] std::string Sha256Text(std::string_view bytes);
 
