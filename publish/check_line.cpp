@@ -1,0 +1,32 @@
+#include "publish/check_line.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "base/text.h"
+
+namespace publish {
+
+using modFunciones::LowerCase;
+
+bool HasSurplus(const Line& line) {
+  if (line.command == nullptr || !line.command->IsAction()) return false;
+  const auto taken = std::min(line.fields.size(), line.command->Arguments().size() + 1);
+  return std::any_of(line.fields.begin() + static_cast<std::ptrdiff_t>(taken), line.fields.end(),
+                     [](const std::string& field) { return !field.empty(); });
+}
+
+std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
+
+std::string_view Trimmed(std::string_view text) {
+  constexpr const char* Blanks = " \t";
+  const auto first = text.find_first_not_of(Blanks);
+  if (first == std::string_view::npos) return "";
+  return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
+}
+
+bool BeginsWith(std::string_view text, std::string_view macro) {
+  return LowerCase(text.substr(0, macro.size())) == LowerCase(macro);
+}
+
+}  // namespace publish
