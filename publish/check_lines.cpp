@@ -1,11 +1,12 @@
 #include <algorithm>
-#include <numeric>
 #include <span>
 
 #include "base/text.h"
 #include "publish/check_arguments.h"
 #include "publish/check_line.h"
 #include "publish/check_rules.h"
+#include "publish/source.h"
+#include "publish/words.h"
 #include "script/version.h"
 
 namespace publish {
@@ -75,44 +76,15 @@ Remark Refusal(const Line& line) {
           WhyRefused(line) + ": an installation that reads this line refuses the whole script."};
 }
 
-/// The number of letters to put in, take out or replace.
-std::size_t Distance(std::string_view from, std::string_view to) {
-  std::vector<std::size_t> row(to.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= from.size(); ++i) {
-    std::size_t diagonal = row[0]++;
-    for (std::size_t j = 1; j <= to.size(); ++j) {
-      const std::size_t replaced = diagonal + (from[i - 1] == to[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-    }
-  }
-  return row[to.size()];
-}
-
-/// The command word that is nearest to a misspelt one; empty when none is near.
-std::string_view NearestCommand(std::string_view word) {
-  std::string_view nearest;
-  std::size_t least = word.size() / 2 + 1;
-  for (const auto& command : modPrincipal::Commands()) {
-    const std::size_t distance = Distance(word, command.word);
-    if (distance < least) {
-      least = distance;
-      nearest = command.word;
-    }
-  }
-  return nearest;
-}
-
 std::string WhyUnknown(const Fields& fields) {
   const std::string word = modPrincipal::CommandWord(fields);
   const std::string trimmed(Trimmed(word));
   if (trimmed.empty() && fields.size() == 1) return "The line holds nothing but blanks";
   if (trimmed.starts_with('#')) return "The comment does not begin in the first column";
   if (FindCommand(trimmed) != nullptr) return "There are spaces around the command " + trimmed;
-  const auto nearest = NearestCommand(trimmed);
-  return Quoted(fields[0]) + " is no command" +
-         (nearest.empty() ? "" : " (" + std::string(nearest) + " is the nearest)");
+  std::vector<std::string> words;
+  for (const auto& command : modPrincipal::Commands()) words.emplace_back(command.word);
+  return Quoted(fields[0]) + " is no command" + NearestAmong(words, trimmed);
 }
 
 Remark UnknownCommand(const Line& line) {
@@ -152,13 +124,6 @@ Remark MacroInWrongCase(const Line& line) {
 }
 
 bool IsAccented(char character) { return static_cast<unsigned char>(character) > '~'; }
-
-bool IsUtf8(std::string_view text) {
-  while (!text.empty()) {
-    if (!modFunciones::TakeCodePoint(text)) return false;
-  }
-  return true;
-}
 
 /// True for a byte that no character of the code page has.
 bool IsUnassigned(char byte) {

@@ -8,31 +8,15 @@
 #include "publish/key_files.h"
 #include "publish/source.h"
 #include "publish/upload.h"
-#include "publish/urls.h"
 
 namespace publish {
 namespace {
 
 namespace fs = std::filesystem;
 
-fs::path PathBelow(const fs::path& folder, const std::string& part) {
-  return folder / PathOf(Decoded(modFunciones::ToUtf8(part)));
-}
-
 bool IsFile(const fs::path& path) {
   std::error_code error;
   return fs::is_regular_file(path, error);
-}
-
-/// What stands before the longest end of a URL that names a file of the folder; empty when none
-/// does.
-std::string BaseOf(const std::string& url, const fs::path& folder) {
-  const auto host = url.find("//");
-  if (host == std::string::npos) return "";
-  for (auto at = url.find('/', host + 2); at != std::string::npos; at = url.find('/', at + 1)) {
-    if (IsFile(PathBelow(folder, url.substr(at + 1)))) return url.substr(0, at + 1);
-  }
-  return "";
 }
 
 void CheckPrivateKeys(const fs::path& folder, Findings& findings) {
@@ -58,7 +42,8 @@ Site::Site(fs::path folder, const Script& script) : root(std::move(folder)) {
   int asked = 0;
   for (const auto& [line, url] : DownloadsIn(script)) {
     if (line == 0) continue;  // the updater may be kept elsewhere
-    const std::string candidate = BaseOf(url, root);
+    const auto end = EndAtHand(root, url);
+    const std::string candidate = end == std::string::npos ? "" : url.substr(0, end);
     if (!candidate.empty() && ++found[candidate] > found[base]) base = candidate;
     if (++asked == Enough) break;
   }
@@ -66,7 +51,8 @@ Site::Site(fs::path folder, const Script& script) : root(std::move(folder)) {
 
 std::optional<fs::path> Site::FileOf(const std::string& url) const {
   if (base.empty() || !url.starts_with(base)) return std::nullopt;
-  return PathBelow(root, url.substr(base.size()));
+  const fs::path file = FileNamed(root, url.substr(base.size()));
+  return file.empty() ? std::nullopt : std::optional(file);
 }
 
 void CheckSite(const Script& script, const Site& site, Findings& findings) {

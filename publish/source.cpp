@@ -3,6 +3,7 @@
 #include <array>
 #include <fstream>
 
+#include "base/text.h"
 #include "platform/http.h"
 #include "transfer/http_probe.h"
 #include "transfer/url.h"
@@ -70,6 +71,13 @@ bool Receive(const std::string& url, const std::function<void(std::string_view)>
     if (!http::Read(body, block.data(), block.size(), received)) return false;
     take({block.data(), received});
   } while (received > 0);
+  return true;
+}
+
+bool IsUtf8(std::string_view text) {
+  while (!text.empty()) {
+    if (!modFunciones::TakeCodePoint(text)) return false;
+  }
   return true;
 }
 

@@ -23,6 +23,8 @@ namespace publish {
 [[nodiscard]] bool Receive(const std::string& url,
                            const std::function<void(std::string_view)>& take);
 
+[[nodiscard]] bool IsUtf8(std::string_view text);
+
 /// A path in UTF-8 as the standard library takes it, and the other way round.
 [[nodiscard]] std::filesystem::path PathOf(const std::string& utf8);
 [[nodiscard]] std::string Utf8Of(const std::filesystem::path& path);

@@ -16,14 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 namespace signature = platform::signature;
 
-/// Empty when the text is no name of a file below a folder.
-fs::path PathBelow(const std::string& text) {
-  const bool isUtf8 = modFunciones::FromUtf8(text).has_value();
-  const fs::path path = PathOf(isUtf8 ? text : modFunciones::ToUtf8(text)).lexically_normal();
-  const bool isBelow = path.is_relative() && !path.has_root_name() && *path.begin() != "..";
-  return isBelow ? path : fs::path();
-}
-
 std::string HexOf(signature::Digest digest) {
   return modFunciones::HexText(signature::Finish(std::move(digest)));
 }
@@ -43,17 +35,29 @@ std::vector<Download> DownloadsIn(const Script& script) {
   return downloads;
 }
 
-fs::path FileAtHand(const fs::path& folder, const std::string& url) {
-  if (folder.empty()) return {};
-  std::string end = Decoded(url);
-  for (auto slash = end.find('/'); slash != std::string::npos; slash = end.find('/')) {
-    end.erase(0, slash + 1);
-    if (end.empty() || end.starts_with('/')) continue;
-    const fs::path below = PathBelow(end);
+fs::path FileNamed(const fs::path& folder, const std::string& end) {
+  const std::string text = Decoded(end);
+  const fs::path path = PathOf(IsUtf8(text) ? text : modFunciones::ToUtf8(text)).lexically_normal();
+  const bool isBelow =
+      !path.empty() && path.is_relative() && !path.has_root_name() && *path.begin() != "..";
+  return isBelow ? folder / path : fs::path();
+}
+
+std::size_t EndAtHand(const fs::path& folder, const std::string& url) {
+  const auto host = url.find("//");
+  if (folder.empty() || host == std::string::npos) return std::string::npos;
+  for (auto at = url.find('/', host + 2); at != std::string::npos; at = url.find('/', at)) {
+    ++at;
+    const fs::path file = FileNamed(folder, url.substr(at));
     std::error_code error;
-    if (!below.empty() && fs::is_regular_file(folder / below, error)) return folder / below;
+    if (!file.empty() && fs::is_regular_file(file, error)) return at;
   }
-  return {};
+  return std::string::npos;
+}
+
+fs::path FileAtHand(const fs::path& folder, const std::string& url) {
+  const auto at = EndAtHand(folder, url);
+  return at == std::string::npos ? fs::path() : FileNamed(folder, url.substr(at));
 }
 
 std::optional<std::string> DigestOfFile(const fs::path& path) {

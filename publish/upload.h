@@ -19,8 +19,16 @@ struct Download {
 };
 [[nodiscard]] std::vector<Download> DownloadsIn(const Script& script);
 
-/// The file of a URL in the folder of the script: the longest end of the URL that is one; empty
-/// when none is. folder: may be empty, and has no files then.
+/// The file that the end of a URL names in a folder, which may lack it; empty when it names none
+/// that lies below.
+[[nodiscard]] std::filesystem::path FileNamed(const std::filesystem::path& folder,
+                                              const std::string& end);
+
+/// Where the longest end of a URL begins that names a file of the folder; npos when none does.
+/// folder: may be empty, and has no files then.
+[[nodiscard]] std::size_t EndAtHand(const std::filesystem::path& folder, const std::string& url);
+
+/// The file of that end; empty when there is none.
 [[nodiscard]] std::filesystem::path FileAtHand(const std::filesystem::path& folder,
                                                const std::string& url);
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace publish {
@@ -13,5 +14,9 @@ namespace publish {
 
 /// Names with commas; of many, the first few and how many more.
 [[nodiscard]] std::string Some(const std::vector<std::string>& names);
+
+/// For a misspelt word " (check is the nearest)", say; empty when none of the words is near.
+[[nodiscard]] std::string NearestAmong(const std::vector<std::string>& words,
+                                       std::string_view misspelt);
 
 }  // namespace publish
