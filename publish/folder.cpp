@@ -52,25 +52,34 @@ bool IsUpdater(const std::string& lowerName) {
          std::end(UpdaterNames);
 }
 
-bool IsExcluded(const std::string& utf8Name, const std::vector<std::string>& patterns) {
+bool IsExcluded(const std::string& utf8Name, const std::vector<std::string>& patterns,
+                std::set<std::string>& idle) {
   const std::string name =
       modFunciones::LowerCase(modFunciones::FromUtf8(utf8Name).value_or(utf8Name));
   const std::string last = name.substr(name.find_last_of('/') + 1);
-  return std::any_of(patterns.begin(), patterns.end(), [&](std::string pattern) {
+  bool isExcluded = false;
+  for (const auto& given : patterns) {
+    std::string pattern = modFunciones::LowerCase(given);
     std::replace(pattern.begin(), pattern.end(), '\\', '/');
     const bool isWhole = pattern.find('/') != std::string::npos;
-    return Fits(isWhole ? name : last, modFunciones::LowerCase(pattern));
-  });
+    if (!Fits(isWhole ? name : last, pattern)) continue;
+    idle.erase(given);
+    isExcluded = true;
+  }
+  return isExcluded;
 }
 
-/// What is there and no file that could be read; empty for a file and a folder.
-std::string WhyNoFile(const fs::directory_entry& entry) {
+/// What is there and no file of the folder that could be read; empty for a file and a folder.
+std::string WhyNoFile(const fs::directory_entry& entry, const fs::path& folder) {
   std::error_code error;
   if (entry.is_symlink(error) && !entry.exists(error)) {
     return "is a link to nothing: take it away, or put the file there";
   }
   if (entry.is_symlink(error) && entry.is_directory(error)) {
     return "is a link to a folder, which is not followed: put the folder there";
+  }
+  if (entry.is_symlink(error) && !IsWithin(entry.path(), folder)) {
+    return "is a link that leads out of the folder: put the file itself there";
   }
   const bool isFile = entry.is_directory(error) || entry.is_regular_file(error);
   return isFile ? "" : "is neither a file nor a folder";
@@ -79,18 +88,18 @@ std::string WhyNoFile(const fs::directory_entry& entry) {
 }  // namespace
 
 Folder ListFolder(const fs::path& folder, const std::vector<std::string>& excluded,
-                  std::vector<std::string>& problems) {
+                  std::set<std::string>& idle, std::vector<std::string>& problems) {
   Folder files;
   std::error_code error;
   for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
     const std::string name = Utf8Of(entry->path().lexically_relative(folder));
-    if (IsExcluded(name, excluded)) {
+    if (IsExcluded(name, excluded, idle)) {
       entry.disable_recursion_pending();
       continue;
     }
     std::string why = WhyUnusable(name);
-    if (why.empty()) why = WhyNoFile(*entry);
+    if (why.empty()) why = WhyNoFile(*entry, folder);
     if (!why.empty()) problems.push_back(WithReason(name, why));
     if (!why.empty() || entry->is_directory()) continue;
     std::string ansiName = *modFunciones::FromUtf8(name);
@@ -103,6 +112,13 @@ Folder ListFolder(const fs::path& folder, const std::vector<std::string>& exclud
   }
   if (error) problems.push_back("The folder " + Utf8Of(folder) + " cannot be read.");
   return files;
+}
+
+bool IsWithin(const fs::path& path, const fs::path& folder) {
+  std::error_code error;
+  const fs::path way =
+      fs::weakly_canonical(path, error).lexically_relative(fs::weakly_canonical(folder, error));
+  return !way.empty() && *way.begin() != "..";
 }
 
 bool HaveSameContent(const fs::path& a, const fs::path& b) {

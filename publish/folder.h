@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -19,10 +20,14 @@ using Folder = std::map<std::string, FolderFile>;
 
 /// The files of a folder and of those below it, but for the updater itself and for what fits an
 /// excluded pattern: by its whole name where the pattern has a backslash, otherwise by the last
-/// part of it. What the updater could not install is told in problems, each in a sentence in UTF-8.
+/// part of it. Patterns that leave something out are taken from idle. What the updater could not
+/// install is told in problems, each in a sentence in UTF-8.
 [[nodiscard]] Folder ListFolder(const std::filesystem::path& folder,
                                 const std::vector<std::string>& excluded,
-                                std::vector<std::string>& problems);
+                                std::set<std::string>& idle, std::vector<std::string>& problems);
+
+/// Whether a path leads, links followed, to a folder or into it.
+[[nodiscard]] bool IsWithin(const std::filesystem::path& path, const std::filesystem::path& folder);
 
 [[nodiscard]] bool HaveSameContent(const std::filesystem::path& a, const std::filesystem::path& b);
 

@@ -92,8 +92,9 @@ void PlanScript(Plan& plan, Made& made) {
   // Nobody knows what those have, so all of it is kept.
   Wishes wishes = order.wishes;
   for (const auto& [key, file] : plan.newFolder) wishes.backups.push_back(file.name);
-  const auto replaced =
-      PutOlderBlock(plan.script, BlockFor("<", order.to, Everything(plan), wishes));
+  const Lines older = BlockFor("<", order.to, Everything(plan), wishes);
+  made.block.insert(made.block.end(), older.begin(), older.end());
+  const auto replaced = PutOlderBlock(plan.script, older);
   for (const auto& version : replaced) {
     made.notes.push_back("The block for all versions below " + version +
                          " is gone: the one for all below " + order.to + " stands in its place.");
@@ -108,6 +109,30 @@ void CheckScript(const Plan& plan, Problems& problems) {
     if (severity == Severity::Warning) continue;
     problems.push_back("The script would not do, in its line " + std::to_string(line) + ": " +
                        modFunciones::ToUtf8(text));
+  }
+}
+
+/// What may be meant otherwise.
+void TellOddities(const Plan& plan, std::vector<std::string>& notes) {
+  const Order& order = plan.order;
+  for (const auto& pattern : plan.idlePatterns) {
+    notes.push_back("--exclude " + modFunciones::ToUtf8(pattern) + " leaves nothing out.");
+  }
+  if (!fs::exists(order.site / ScriptName)) {
+    notes.push_back("There was no script in " + Utf8Of(order.site) +
+                    ", so this is a new one: if there are earlier releases, name their upload "
+                    "folder with --site.");
+  }
+  const auto irreplaceable = Irreplaceable(plan);
+  if (!irreplaceable.empty()) {
+    notes.push_back("In the old folder " + Some(irreplaceable) +
+                    " is hidden or read-only: where an installation has it so, it stays, and the "
+                    "update may fail. Wine hides what begins with a dot.");
+  }
+  const auto unnamed = Unnamed(plan);
+  if (!unnamed.empty()) {
+    notes.push_back("No line of the script names " + Some(unnamed) +
+                    " any more: what nobody fetches can go.");
   }
 }
 
@@ -157,8 +182,9 @@ Plan PlanFor(const Order& order, Made& made) {
   plan.order = order;
   plan.order.url = WithSlash(order.url);
   plan.order.wishes.url = plan.order.url + order.to + "/";
-  plan.oldFolder = ListFolder(order.oldFolder, order.excluded, made.problems);
-  plan.newFolder = ListFolder(order.newFolder, order.excluded, made.problems);
+  plan.idlePatterns = {order.excluded.begin(), order.excluded.end()};
+  plan.oldFolder = ListFolder(order.oldFolder, order.excluded, plan.idlePatterns, made.problems);
+  plan.newFolder = ListFolder(order.newFolder, order.excluded, plan.idlePatterns, made.problems);
   plan.difference = Compare(plan.oldFolder, plan.newFolder);
   std::erase_if(plan.difference.removed,
                 [&](const FolderFile& file) { return AreAmong(order.wishes.kept, file.name); });
@@ -184,11 +210,7 @@ Made Make(const Order& order) {
   CheckUploads(plan, made.problems);
   if (!made.problems.empty()) return made;
 
-  const auto unnamed = Unnamed(plan);
-  if (!unnamed.empty()) {
-    made.notes.push_back("No line of the script names " + Some(unnamed) +
-                         " any more: what nobody fetches can go.");
-  }
+  TellOddities(plan, made.notes);
   CountFiles(plan.difference, made);
   made.script = plan.script;
   if (!order.isTrial && !WriteSite(plan)) {

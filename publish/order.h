@@ -40,7 +40,7 @@ struct Made {
   std::uintmax_t bytes = 0;  // that an installation of the old version downloads
   std::string largest;       // the largest of them, and its bytes
   std::uintmax_t largestBytes = 0;
-  Lines block;         // for the old version
+  Lines block;         // for the old version, and behind it the one for all the others
   std::string script;  // the whole of it
 };
 

@@ -5,6 +5,7 @@
 #include <set>
 
 #include "base/text.h"
+#include "platform/files.h"
 #include "publish/key_files.h"
 #include "publish/script_text.h"
 #include "publish/source.h"
@@ -21,13 +22,6 @@ using modPrincipal::VersionToNumber;
 
 // A file's length is a signed 32-bit number to the program.
 constexpr std::uintmax_t MostBytes = INT32_MAX;
-
-bool IsWithin(const fs::path& inner, const fs::path& outer) {
-  std::error_code error;
-  const fs::path way =
-      fs::weakly_canonical(inner, error).lexically_relative(fs::weakly_canonical(outer, error));
-  return !way.empty() && *way.begin() != "..";
-}
 
 /// A companion that the updater writes beside a file must not be a file of the application.
 void CheckCompanions(const Plan& plan, Problems& problems) {
@@ -132,11 +126,6 @@ void AddEnds(const std::string& url, std::set<std::string>& names) {
   }
 }
 
-void CheckVersion(const std::string& version, Problems& problems) {
-  const std::string oddity = OddityOf(version);
-  if (!oddity.empty()) problems.push_back("The version " + version + " " + oddity + ".");
-}
-
 }  // namespace
 
 void CheckOrder(const Order& order, Problems& problems) {
@@ -178,6 +167,22 @@ void CheckUploads(const Plan& plan, Problems& problems) {
   if (others.empty() || plan.order.force) return;
   problems.push_back("The upload folder has other content already for " + Some(others) +
                      ", which users may have fetched: make a new version, or say --force.");
+}
+
+std::vector<std::string> Irreplaceable(const Plan& plan) {
+  std::vector<std::string> names;
+  for (const auto* files : {&plan.difference.changed, &plan.difference.removed}) {
+    for (const auto& file : *files) {
+      if (AreAmong(plan.order.wishes.kept, file.name)) continue;
+      const fs::path& old = plan.oldFolder.at(modFunciones::LowerCase(file.name)).path;
+      const auto rights = fs::status(old).permissions();
+      const bool isReadOnly = (rights & fs::perms::owner_write) == fs::perms::none;
+      const auto path = modFunciones::FromUtf8(Utf8Of(old));
+      const bool isHidden = path && platform::files::Find(*path).empty();
+      if (isReadOnly || isHidden) names.push_back(modFunciones::ToUtf8(file.name));
+    }
+  }
+  return names;
 }
 
 std::vector<std::string> Unnamed(const Plan& plan) {

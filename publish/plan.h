@@ -3,6 +3,7 @@
 // What an order comes to, before anything is written, and why it may have to be refused.
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,8 @@ struct Plan {
   Folder oldFolder;
   Folder newFolder;
   Difference difference;
-  std::string script;  // the history, then the new script
+  std::set<std::string> idlePatterns;  // excluding nothing
+  std::string script;                  // the history, then the new script
   std::vector<Upload> uploads;
 };
 
@@ -37,6 +39,9 @@ void CheckFolders(const Plan& plan, Problems& problems);
 
 /// What is published already has to stay as it is.
 void CheckUploads(const Plan& plan, Problems& problems);
+
+/// Files to be replaced or deleted that are hidden or read-only in the old folder, in UTF-8.
+[[nodiscard]] std::vector<std::string> Irreplaceable(const Plan& plan);
 
 /// Files of the upload folder that no URL of the script ends with, by their names below it.
 [[nodiscard]] std::vector<std::string> Unnamed(const Plan& plan);

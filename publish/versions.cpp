@@ -59,7 +59,17 @@ std::string OddityOf(const std::string& version) {
   if (version.starts_with('0') && version.size() > 1 && version[1] != '.') {
     return "begins with a needless 0, which makes it greater than 9.0.0: leave the 0 out";
   }
+  for (auto at = version.find(".0"); at != std::string::npos; at = version.find(".0", at + 1)) {
+    if (at + 2 == version.size() || version[at + 2] == '.') continue;
+    return "has a needless 0: it is " + VersionOf(modPrincipal::VersionToNumber(version)) +
+           ", and is to be written so";
+  }
   return "";
+}
+
+void CheckVersion(const std::string& version, std::vector<std::string>& problems) {
+  const std::string oddity = OddityOf(version);
+  if (!oddity.empty()) problems.push_back("The version " + version + " " + oddity + ".");
 }
 
 std::string VersionOf(std::int32_t number) {

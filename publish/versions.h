@@ -22,6 +22,9 @@ inline constexpr const char* LatestVersion = "999.999.999";
 /// What is odd about the text of a version, to follow it in a sentence; empty when nothing is.
 [[nodiscard]] std::string OddityOf(const std::string& version);
 
+/// Tells in problems, in a sentence, what is odd about a version.
+void CheckVersion(const std::string& version, std::vector<std::string>& problems);
+
 /// The version that has a number; empty when none has.
 [[nodiscard]] std::string VersionOf(std::int32_t number);
 
