@@ -16,7 +16,7 @@ struct Knowledge {
   std::string updater;  // the file of the updater that the header offers, its bytes; may be empty
   std::filesystem::path site = {};    // the upload folder; may be empty
   std::optional<Origin> origin = {};  // nothing: of digests and signatures nothing is told
-  bool probe = false;                 // ask the servers for files that have a digest
+  bool probe = false;                 // ask the servers for the files
 };
 
 /// Everything there is to know about a script, errors first, then by line.

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "publish/check.h"
+#include "publish/check_line.h"
 #include "publish/key_files.h"
 #include "publish/make.h"
 #include "publish/report.h"
@@ -21,9 +22,24 @@ namespace {
 
 using Problems = std::vector<std::string>;
 
-constexpr int Failed = 2;
+void TellNotes(const Problems& notes) {
+  for (const auto& note : notes) std::cerr << "note: " << note << "\n";
+}
+
+/// A note where what stands behind the URL is not the key that may be meant.
+Problems NotesOnKeyIn(const std::string& url) {
+  const auto key = modFunciones::NamedKey(url);
+  if (key && !modFunciones::IsSha256(*key)) {
+    return {"What stands behind #key= is no 64 digits: an application that says so takes nothing."};
+  }
+  if (key || url.find('#') == std::string::npos) return {};
+  return {
+      "What stands behind the # names no key, since it does not begin with key=: an application "
+      "that says so checks nothing."};
+}
 
 std::optional<Script> Load(const std::string& fileOrUrl, bool asJson) {
+  if (IsUrl(fileOrUrl)) TellNotes(NotesOnKeyIn(fileOrUrl));
   auto text = Fetch(IsUrl(fileOrUrl) ? modFunciones::WithoutKey(fileOrUrl) : fileOrUrl);
   if (text) return CutWithNumbers(std::move(*text));
   ReportProblems({fileOrUrl + " " + WhyUnreadable(fileOrUrl) + "."}, asJson);
@@ -108,6 +124,12 @@ Made MakeSigned(const Order& order, const std::vector<PrivateKey>& keys) {
 }  // namespace
 
 int RunCheck(const CheckOptions& options) {
+  Problems problems;
+  if (!options.newest.empty()) CheckVersion(options.newest, problems);
+  if (!problems.empty()) {
+    ReportProblems(problems, options.asJson);
+    return Failed;
+  }
   const auto script = Load(options.script, options.asJson);
   if (!script) return Failed;
   const auto origin = OriginOf(options.script, options.key, options.asJson);
@@ -133,6 +155,11 @@ int RunSimulate(const SimulateOptions& options) {
   const auto origin = OriginOf(options.script, options.key, options.asJson);
   if (!origin) return Failed;
   const Trust trust = TrustIn(*script, *origin);
+  Problems notes;
+  for (const auto& installed : options.installed) {
+    CheckVersion(std::string(Trimmed(installed)), notes);
+  }
+  TellNotes(notes);
   std::vector<Outcome> outcomes;
   for (const auto& installed : options.installed) {
     outcomes.push_back(Simulate(*script, installed, options.probe, trust));
@@ -189,6 +216,11 @@ int RunKey(const KeyOptions& options) {
 int RunSign(const SignOptions& options) {
   const auto path = PathOf(options.script);
   Problems problems;
+  if (IsUrl(options.script)) {
+    ReportProblems({options.script + " is a URL: sign the file that is to be uploaded there."},
+                   options.asJson);
+    return Failed;
+  }
   const auto keys = LoadPrivateKeys(options.keys, {SiteOf(options.script)}, problems);
   const Digests known = DigestsSignedBy(keys, path);
   const Problems notes = NotesOnLostKeys(ReadFile(path).value_or(""), keys);
@@ -197,7 +229,7 @@ int RunSign(const SignOptions& options) {
     ReportProblems(problems, options.asJson);
     return Failed;
   }
-  for (const auto& note : notes) std::cerr << "note: " << note << "\n";
+  TellNotes(notes);
   if (keys.empty()) {
     if (!options.asJson) std::cout << options.script << " has its digests, and no signature yet.\n";
     return 0;

@@ -11,12 +11,14 @@
 #include "base/text.h"
 #include "platform/console.h"
 #include "publish/commands.h"
+#include "publish/option_errors.h"
+#include "publish/report.h"
 #include "publish/serve.h"
 #include "publish/source.h"
 
 namespace {
 
-constexpr int Failed = 2;
+using publish::Failed;
 
 constexpr const char* ScriptHelp = "The update script: a file or a URL";
 constexpr const char* KeyHelp =
@@ -34,7 +36,8 @@ Execution DefineCheck(CLI::App& command) {
   command.add_option("--updater", options->updater,
                      "File of the updater that the header offers, if it is not beside the script");
   command.add_option("--key", options->key, KeyHelp);
-  command.add_flag("--probe", options->probe, "Compare what the server sends with the digests");
+  command.add_flag("--probe", options->probe,
+                   "Ask the server for every file; with digests, compare what it sends with them");
   command.add_flag("--json", options->asJson, JsonHelp);
   command.footer(
       "Exit status: 0 nothing to tell, 1 warnings, 2 errors.\n\n"
@@ -58,7 +61,8 @@ Execution DefineSimulate(CLI::App& command) {
       .add_option("--site", options->site,
                   "Upload folder, with whose files the sizes on the server are compared")
       ->needs(probe);
-  command.add_flag("--summary", options->inShort, "Two lines for each installation");
+  command.add_flag("--summary", options->inShort,
+                   "For each installation the final screen, and what goes wrong");
   command.add_flag("--json", options->asJson, JsonHelp);
   command.footer(
       "Nothing is downloaded or carried out. Exit status: 0, or 2 where an update fails.\n\n"
@@ -226,6 +230,8 @@ int RunCommandLine(int argc, char** argv) {
   app.allow_windows_style_options(false);  // what begins with a slash is a path
   app.fallthrough();                       // --config may stand behind the command
   app.allow_config_extras(CLI::config_extras_mode::error);
+  app.failure_message(publish::TextOfError);
+  app.config_formatter(publish::OptionFilesOf(app));
   app.set_config("--config", "kestrane.toml", "File with options, below the [name] of a command");
   std::map<const CLI::App*, Execution> executions;
   for (const auto& [name, purpose, define] : Commands) {

@@ -25,6 +25,7 @@ enum class Fate {
   Done,
   Missing,     // the server does not offer the file, and the script is refused for it
   Failed,      // it ends the update, or the message of the final screen is its own
+  NotGenuine,  // its file is not taken, which ends the update
   NotStarted,  // a program, for want of a word that says whether to wait
 };
 

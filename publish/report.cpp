@@ -122,7 +122,7 @@ void PrintMade(const Order& order, const Made& made) {
     std::cout << Coloured("note", "\033[36m") << ": " << note << "\n";
   if (order.isTrial) {
     for (const auto& line : made.block) std::cout << "  " << modFunciones::ToUtf8(line) << "\n";
-    std::cout << "Nothing was written; without --dry-run this block would be.\n";
+    std::cout << "Nothing was written; without --dry-run these lines would be.\n";
   } else {
     std::cout << "Upload what is in " << Utf8Of(order.site) << ": the folders first, " << ScriptName
               << " last.\n";
@@ -143,6 +143,7 @@ constexpr struct {
 } FateWords[] = {{"", ""},
                  {"missing", "not available"},
                  {"fails", "fails"},
+                 {"notGenuine", "not genuine"},
                  {"notStarted", "not started: neither WAIT nor NOWAIT"}};
 
 /// The marker stands apart, so that the command word is always found in the same place.
@@ -219,6 +220,11 @@ void PrintOffer(const Offer& offer, bool probed) {
   std::cout << "\n\n";
 }
 
+std::string FinalScreenOf(const Outcome& outcome) {
+  const bool isUnclear = outcome.finalScreen == modPrincipal::ScriptNotUnderstood;
+  return modFunciones::ToUtf8(outcome.finalScreen) + (isUnclear ? "  (check tells why)" : "");
+}
+
 void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   std::cout << Coloured("Installed: " + modFunciones::ToUtf8(InstalledText(outcome)), "\033[1m")
             << "\n";
@@ -231,14 +237,17 @@ void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   }
   if (probed && isUpdate)
     std::cout << "  in all " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte") << "\n";
-  std::cout << "  final screen: " << modFunciones::ToUtf8(outcome.finalScreen) << "\n\n";
+  std::cout << "  final screen: " << FinalScreenOf(outcome) << "\n\n";
 }
 
-void PrintInShort(const Outcome& outcome, bool probed) {
+void PrintInShort(const Script& script, const Outcome& outcome, bool probed) {
   std::cout << modFunciones::ToUtf8(InstalledText(outcome)) << ": "
             << Number(outcome.reading.actions.size(), "action");
   if (probed) std::cout << ", " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte");
-  std::cout << "\n  " << modFunciones::ToUtf8(outcome.finalScreen) << "\n";
+  std::cout << "\n  " << FinalScreenOf(outcome) << "\n";
+  for (const auto& action : outcome.reading.actions) {
+    if (action.fate != Fate::Done || action.published) PrintAction(action, script, probed);
+  }
 }
 
 }  // namespace
@@ -278,7 +287,7 @@ void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<
   PrintOffer(offer, probed);
   for (const auto& outcome : outcomes) {
     if (form == Form::Summary) {
-      PrintInShort(outcome, probed);
+      PrintInShort(script, outcome, probed);
     } else {
       PrintOutcome(script, outcome, probed);
     }
@@ -286,7 +295,7 @@ void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<
 }
 
 int StatusOf(const Findings& findings) {
-  if (Count(findings, Severity::Error) > 0) return 2;
+  if (Count(findings, Severity::Error) > 0) return Failed;
   return findings.empty() ? 0 : 1;
 }
 

@@ -31,7 +31,10 @@ enum class Form { Text, Summary, Json };
 void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,
                     bool probed, Form form);
 
-/// The exit status for findings: 0 without any, 1 for warnings, 2 for errors.
+/// The exit status where a command does nothing, and for errors.
+inline constexpr int Failed = 2;
+
+/// The exit status for findings: 0 without any, 1 for warnings, Failed for errors.
 [[nodiscard]] int StatusOf(const Findings& findings);
 
 }  // namespace publish

@@ -20,7 +20,6 @@ namespace publish {
 namespace {
 
 using asio::ip::tcp;
-constexpr int Failed = 2;
 constexpr const char* NotForKeys =
     "The script is signed, and with other URLs it no longer fits: installations that name a key "
     "refuse it here, so leave #key= out.\n";

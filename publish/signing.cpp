@@ -71,7 +71,7 @@ std::string SignatureLine(const std::string& text, const PrivateKey& key) {
 void SignFile(const fs::path& script, const Signing& signing, Problems& problems) {
   const auto content = ReadFile(script);
   if (!content) {
-    problems.push_back(Utf8Of(script) + " cannot be read.");
+    problems.push_back(Utf8Of(script) + " " + WhyUnreadable(Utf8Of(script)) + ".");
     return;
   }
   std::string text = WithoutLines(WithoutSignatures(*content), modFunciones::DigestMark);

@@ -39,18 +39,15 @@ bool IsDownload(const TakenAction& action) {
   return action.command->effect == modPrincipal::Effect::Download;
 }
 
-/// Whether something would be downloaded that is not taken then.
-bool IsRefused(const Script& script, const Reading& reading, const Trust& trust) {
-  return std::any_of(reading.actions.begin(), reading.actions.end(), [&](const auto& action) {
-    return IsDownload(action) && trust.refusedUrls.contains(FieldAt(script.lines[action.line], 2));
-  });
-}
-
 /// The recorded actions, as they are carried out, and what the final screen says then.
 class Rehearsal {
  public:
-  Rehearsal(const Script& readScript, Outcome& result, bool isWithoutDownloads)
-      : script(readScript), outcome(result), nothingIsDownloaded(isWithoutDownloads) {}
+  Rehearsal(const Script& readScript, const Trust& theirTrust, Outcome& result,
+            bool isWithoutDownloads)
+      : script(readScript),
+        trust(theirTrust),
+        outcome(result),
+        nothingIsDownloaded(isWithoutDownloads) {}
 
   void CarryOut() {
     if (Downloads()) Installs();
@@ -62,21 +59,28 @@ class Rehearsal {
   }
 
   void Fail(TakenAction& action, std::string_view message) {
-    action.fate = Fate::Failed;
+    action.fate = message == modPrincipal::NotGenuine ? Fate::NotGenuine : Fate::Failed;
     outcome.finalScreen = message;
   }
 
-  /// False when a file cannot be downloaded. No action is carried out then.
+  /// The message that the download of an action ends with; empty when that goes well.
+  [[nodiscard]] std::string_view FailureOf(const TakenAction& action) const {
+    if (!IsDownload(action)) return "";
+    const std::string& url = FieldAt(script.lines[action.line], 2);
+    const bool isFile = ArgumentOf(action).find_first_of("*?") == std::string::npos;
+    if (url.empty() || !isFile) return modPrincipal::WriteFailure;
+    return trust.refusedUrls.contains(url) ? modPrincipal::NotGenuine : "";
+  }
+
+  /// False when a file cannot be downloaded, or is not taken. No action is carried out then.
   bool Downloads() {
     auto& actions = outcome.reading.actions;
     if (nothingIsDownloaded) return true;
     const auto failing = std::find_if(actions.begin(), actions.end(), [&](const auto& action) {
-      const bool hasUrl = !FieldAt(script.lines[action.line], 2).empty();
-      const bool isFile = ArgumentOf(action).find_first_of("*?") == std::string::npos;
-      return IsDownload(action) && !(hasUrl && isFile);
+      return !FailureOf(action).empty();
     });
     if (failing == actions.end()) return true;
-    Fail(*failing, modPrincipal::WriteFailure);
+    Fail(*failing, FailureOf(*failing));
     std::erase_if(actions, [](const TakenAction& action) {
       return !action.immediate && action.fate == Fate::Done;
     });
@@ -107,6 +111,7 @@ class Rehearsal {
   }
 
   const Script& script;
+  const Trust& trust;
   Outcome& outcome;
   bool nothingIsDownloaded;
   std::set<std::string> placed;
@@ -163,9 +168,6 @@ Outcome Simulate(const Script& script, const std::string& installed, bool probe,
   auto& actions = outcome.reading.actions;
   if (probe) Probe(script, outcome.reading);
   EndProgress();
-  if (outcome.reading.failure.empty() && IsRefused(script, outcome.reading, trust)) {
-    outcome.reading.failure = modPrincipal::NotGenuine;
-  }
   // Of a refused script no row is carried out; the last one may be what it is refused for.
   const bool isRefused = !outcome.reading.failure.empty();
   std::erase_if(actions, [&](const TakenAction& action) {
@@ -176,7 +178,7 @@ Outcome Simulate(const Script& script, const std::string& installed, bool probe,
   outcome.finalScreen = FinalScreenOf(outcome.reading);
   for (const auto& action : actions) outcome.bytes += action.size;
   const bool nothingIsDownloaded = probe && outcome.bytes == 0 && !trust.checksFiles;
-  if (!isRefused) Rehearsal(script, outcome, nothingIsDownloaded).CarryOut();
+  if (!isRefused) Rehearsal(script, trust, outcome, nothingIsDownloaded).CarryOut();
   return outcome;
 }
 

@@ -13,6 +13,7 @@
 #include "publish/progress.h"
 #include "publish/source.h"
 #include "publish/upload.h"
+#include "transfer/http_probe.h"
 #include "transfer/signed_script.h"
 
 namespace publish {
@@ -48,16 +49,21 @@ std::string WhyRefused(const std::string& url, const Digests& digests,
   return "The server sends another file than the #SHA256 line says" + refused;
 }
 
-/// Asks once for each URL, and tells those of which there is something to tell.
-template <typename Tell>
-void ForRefusedDownloads(const Script& script, const Digests& digests,
-                         const std::filesystem::path& folder, bool probe, Tell tell) {
+/// Nobody has to name a key for that.
+std::string WhyMissing(const std::string& url) {
+  if (modFunciones::AvailableLength(url)) return "";
+  return "The server does not have the file: installations that need it refuse the update.";
+}
+
+/// Looks once at each URL, and tells those of which there is something to tell.
+template <typename Why, typename Tell>
+void ForOddDownloads(const Script& script, Why why, Tell tell) {
   std::map<std::string, std::string> reasons;
   const auto downloads = DownloadsIn(script);
   StartProgress("Comparing files", downloads.size());
   for (std::size_t i = 0; i < downloads.size(); ShowProgress(++i)) {
     const auto& [line, url] = downloads[i];
-    if (!reasons.contains(url)) reasons[url] = WhyRefused(url, digests, folder, probe);
+    if (!reasons.contains(url)) reasons[url] = why(url);
     if (!reasons[url].empty()) tell(downloads[i], reasons[url]);
   }
   EndProgress();
@@ -154,10 +160,11 @@ Trust TrustIn(const Script& script, const Origin& origin) {
   const auto digests = DigestsTaken(script, *origin.key);
   if (!digests) return {.takesScript = false};
   Trust trust = {.checksFiles = true};
-  ForRefusedDownloads(script, *digests, origin.folder, false,
-                      [&](const Download& download, const std::string& /*why*/) {
-                        trust.refusedUrls.insert(download.url);
-                      });
+  ForOddDownloads(
+      script, [&](const auto& url) { return WhyRefused(url, *digests, origin.folder, false); },
+      [&](const Download& download, const auto& /*why*/) {
+        trust.refusedUrls.insert(download.url);
+      });
   return trust;
 }
 
@@ -169,11 +176,18 @@ void CheckSigning(const Script& script, const Origin& origin, bool probe, Findin
                         "No signature is that of the key that installations name, " + *origin.key +
                             ": they refuse the script."});
   }
-  if (!lines.AreThere() && !origin.key) return;
-  ForRefusedDownloads(script, DigestsIn(script.text).value_or(Digests()), origin.folder, probe,
-                      [&](const Download& download, const std::string& why) {
-                        findings.push_back({Severity::Error, script.numbers[download.line], why});
-                      });
+  const auto tell = [&](const Download& download, const std::string& why) {
+    findings.push_back({Severity::Error, script.numbers[download.line], why});
+  };
+  if (lines.AreThere() || origin.key) {
+    const Digests digests = DigestsIn(script.text).value_or(Digests());
+    const auto why = [&](const auto& url) {
+      return WhyRefused(url, digests, origin.folder, probe);
+    };
+    ForOddDownloads(script, why, tell);
+  } else if (probe) {
+    ForOddDownloads(script, WhyMissing, tell);
+  }
 }
 
 }  // namespace publish

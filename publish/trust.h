@@ -36,8 +36,8 @@ struct Trust {
 /// Files are those of the origin's folder, where they are there; no server is asked.
 [[nodiscard]] Trust TrustIn(const Script& script, const Origin& origin);
 
-/// What is wrong with the digests and signatures, if there are any or a key is named. probe: also
-/// ask the servers for each file.
+/// What is wrong with the digests and signatures, if there are any or a key is named. probe: ask
+/// the servers for each file, with or without them.
 void CheckSigning(const Script& script, const Origin& origin, bool probe, Findings& findings);
 
 }  // namespace publish

@@ -8,6 +8,8 @@
 
 #include "base/replace.h"
 #include "base/text.h"
+#include "publish/key_files.h"
+#include "publish/signing.h"
 #include "publish/simulate.h"
 #include "script/version.h"
 #include "tests/support/loopback_server.h"
@@ -37,7 +39,7 @@ class Agreement : public testing::Test {
         {Kind::Version, {"1.0.0", "2.0.0", "2.7.1.9", "2.7.1", "3.0", "2.7.1"}},
         {Kind::Path, {sandbox->Path(Any(paths))}},
         {Kind::Files, {sandbox->Path(Below(10) == 0 ? "*.bak" : Any(paths))}},
-        {Kind::Url, {Below(90) == 0 ? "" : server.Url(Any({"/1", "/22", "/1", "/22", "/empty"}))}},
+        {Kind::Url, {Below(30) == 0 ? "" : server.Url(Any({"/1", "/22", "/1", "/22", "/empty"}))}},
         {Kind::CommandLine, {"none.exe", program + " append \"" + sandbox->Path("log") + "\" x"}},
         // Without waiting nobody knows when a program ends.
         {Kind::Choice, {"WAIT", "wait", "later"}},
@@ -66,6 +68,17 @@ class Agreement : public testing::Test {
     return text;
   }
 
+  /// Signs a script, perhaps without every digest. Returns what names the key behind a URL.
+  std::string Sign(std::string& text) {
+    static const PrivateKey key = MakeKey(2048)->key;
+    for (const std::string& name : {"1"s, "22"s, "empty"s}) {
+      const std::string digest = modFunciones::Sha256Text(name == "empty" ? "" : name);
+      if (Below(4) != 0) text += "#SHA256|" + digest + "|" + server.Url("/" + name) + "\n";
+    }
+    text += SignatureLine(text, key);
+    return "#key=" + FingerprintOf(key.PublicKey());
+  }
+
   /// Below the sandbox.
   std::string NameOf(const std::string& path) const {
     const auto root = std::min(sandbox->Path("").size(), path.size());
@@ -73,13 +86,14 @@ class Agreement : public testing::Test {
   }
 
   /// Carries out what simulate tells, on names and contents alone.
-  void Foretell(const Script& script, const std::string& installed) {
-    const Outcome outcome = Simulate(script, installed, true);
+  void Foretell(const Script& script, const std::string& installed, const Trust& trust) {
+    const Outcome outcome = Simulate(script, installed, true, trust);
     finalScreen = outcome.finalScreen;
     files = sandbox->Tree();
     messages.clear();
     requests = {"HEAD /s HTTP/1.0", "GET /s HTTP/1.1"};
-    Texts gets;  // up to one that has no URL
+    Texts gets;  // up to one that fails
+    bool goesOn = true;
     Tree downloads;
     std::size_t bytes = 0;
     for (const auto& action : Read(script, {modPrincipal::VersionToNumber(installed)}).actions) {
@@ -91,13 +105,14 @@ class Agreement : public testing::Test {
       requests.insert(requests.end(), name.empty() || name == "gone" ? !name.empty() : 2,
                       "HEAD /" + name + " HTTP/1.0");
       if (name == "gone") break;
-      if (gets.empty() || !gets.back().empty()) {
-        gets.push_back(name.empty() ? "" : "GET /" + name + " HTTP/1.1");
-        if (!name.empty()) downloads[NameOf(line[1]) + ".tmp"] = content;
-      }
+      if (!goesOn) continue;
+      if (!name.empty()) gets.push_back("GET /" + name + " HTTP/1.1");
+      goesOn = !name.empty() && !trust.refusedUrls.contains(line[2]);
+      const std::string target = NameOf(line[1]) + ".tmp";
+      if (goesOn) downloads[target] = content;
+      if (!goesOn && trust.checksFiles) downloads.erase(target);
     }
-    if (outcome.reading.failure.empty() && bytes > 0) {
-      std::erase(gets, "");
+    if (outcome.reading.failure.empty() && (bytes > 0 || trust.checksFiles)) {
       requests.insert(requests.end(), gets.begin(), gets.end());
       for (const auto& [name, content] : downloads) files[name] = content;
     }
@@ -139,12 +154,14 @@ TEST_F(Agreement, HoldsForScreensRequestsAndFiles) {
   for (int i = wanted != nullptr ? std::atoi(wanted) : 100; i > 0; --i) {
     sandbox = std::make_unique<Sandbox>();
     sandbox->Fill({{"a", "old"}, {"b", "old"}, {"b.bak", "older"}, {"f/g", "old"}});
-    const std::string text = MakeUp();
+    std::string text = MakeUp();
+    const std::string fragment = Below(2) == 0 ? Sign(text) : "";
     server.Serve("/s", {text});
     const std::string installed = Any({"1.0.0", "2.7.1", "2.7.1", "none"});
-    Foretell(CutWithNumbers(text), installed);
+    const Script script = CutWithNumbers(text);
+    Foretell(script, installed, TrustIn(script, {{}, modFunciones::NamedKey(fragment)}));
     (void)server.TakeRequests();
-    EXPECT_EQ(RunUpdate(installed, server.Url("/s")), finalScreen);
+    EXPECT_EQ(RunUpdate(installed, server.Url("/s" + fragment)), finalScreen);
     EXPECT_EQ(server.TakeRequests(), requests);
     EXPECT_EQ(sandbox->Tree(), files);
     Texts shown;
@@ -155,7 +172,7 @@ TEST_F(Agreement, HoldsForScreensRequestsAndFiles) {
     ++met[finalScreen];
     if (HasFailure()) FAIL() << installed << "\n" << text;
   }
-  EXPECT_GE(met.size(), 5U);
+  EXPECT_GE(met.size(), 6U);
 }
 
 }  // namespace

@@ -195,7 +195,7 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
                 "# kept\nVERSION|<|2.0.0\nSLEEP|1\nEND\n");
   order.name = "Ledger";
   order.coversOlder = true;
-  order.excluded = {"*.LOG", "logs\\*", "?/same"};
+  order.excluded = {"*.LOG", "logs\\*", "?/same", "*.lgo"};
   order.wishes = {.url = "",
                   .backups = {"INI"},
                   .kept = {"MINE", "d e\\yours"},
@@ -207,7 +207,9 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
   EXPECT_EQ(made.problems, Texts{});
   EXPECT_THAT(made.notes,
               ElementsAre(HasSubstr("again and again"), HasSubstr("below 1.0.0 is gone"),
-                          HasSubstr("no valid version"), HasSubstr("names 1.0.0/left any more")));
+                          HasSubstr("no valid version"), HasSubstr("*.lgo leaves nothing out"),
+                          HasSubstr("names 1.0.0/left any more")));
+  EXPECT_THAT(made.block, AllOf(Contains("VERSION|=|1.0.0"), Contains("VERSION|<|2.0.0")));
   const std::string ocx = "ADD|$AppPath\\d e\\\xF1#.ocx|https://u/l/2.0.0/d%20e/%C3%B1%23.ocx\n";
   const std::string ini = "ADD|$AppPath\\ini|https://u/l/2.0.0/ini\n";
   const std::string yours =
@@ -257,20 +259,31 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
 
 TEST_F(Making, UploadsANewUpdater) {
   sandbox.Fill({{"old/gone.exe", "1"}, {"new/b", "4444"}, {"new/Kestrane.exe", Updater("\3")}});
+  sandbox.Write("old/.gone", "hidden");
+  const auto setReadOnly = [&](auto how) {
+    std::filesystem::permissions(order.oldFolder / "gone.exe", std::filesystem::perms::owner_write,
+                                 how);
+  };
+  setReadOnly(std::filesystem::perm_options::remove);
   order.updaterUrl = "";
   order.url += "/";
   sandbox.Write("site/2.0.0", "in the way");
   EXPECT_EQ(Make(order).problems, Texts{"The upload folder cannot be written."});
   EXPECT_FALSE(sandbox.Has("site/update.txt"));
   std::filesystem::remove(order.site / "2.0.0");
-  EXPECT_EQ(Make(order).problems, Texts{});
+  EXPECT_THAT(Make(order).notes, ElementsAre(HasSubstr("so this is a new one"),
+                                             HasSubstr("folder .gone, gone.exe is hidden or")));
+  setReadOnly(std::filesystem::perm_options::add);
   EXPECT_EQ(sandbox.Read("site/update.txt"),
             "1.0.3|https://u/l/kestrane/1.0.3/Kestrane.exe\nVERSION|=|1.0.0\nKILL|gone.exe\n"
-            "ADD|$AppPath\\b|https://u/l/2.0.0/b\nDELETE|$AppPath\\gone.exe\nEND\n");
+            "ADD|$AppPath\\b|https://u/l/2.0.0/b\nDELETE|$AppPath\\.gone\n"
+            "DELETE|$AppPath\\gone.exe\nEND\n");
   EXPECT_EQ(sandbox.Read("site/kestrane/1.0.3/Kestrane.exe"), Updater("\3"));
   if (sandbox.Has("new/B")) return;  // names of files are told apart by letter case here
   sandbox.Write("new/B", "x");
-  EXPECT_THAT(Make(order).problems, Contains(HasSubstr("in letter case only")));
+  std::filesystem::create_symlink(order.oldFolder / "gone.exe", order.newFolder / "link");
+  EXPECT_THAT(Make(order).problems, UnorderedElementsAre(HasSubstr("in letter case only"),
+                                                         HasSubstr("link is a link that leads")));
 }
 
 TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
@@ -282,6 +295,7 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
   } cases[] = {
       {"no version such as", {}, [](Order& o) { o.from = "x"; }},
       {"needless 0", {}, [](Order& o) { o.to = "02.0.0"; }},
+      {"needless 0: it is 2.1.0", {}, [](Order& o) { o.to = "2.01"; }},
       {"lie one in the other", {}, [](Order& o) { o.site = o.newFolder / "site"; }},
       {"no updater for Windows", {{"new/Kestrane.exe", "ELF"}}},
       {"a is no component", {}, [](Order& o) { o.wishes.components = {"a"}; }},
@@ -350,8 +364,10 @@ TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("none"))), "@none is not there.\n2");
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("")), true),
             "{\n  \"problems\": [\n    \"@ is a folder.\"\n  ]\n}\n2");
-  EXPECT_EQ(Checks(server.Url("/")),
-            server.Url("/") + " is answered with status 404 instead of 200.\n2");
+  EXPECT_THAT(Checks(server.Url("/#ky=")),
+              AllOf(HasSubstr("names no key"), EndsWith(" status 404 instead of 200.\n2")));
+  EXPECT_THAT(Checks(server.Url("/#key=1")), HasSubstr("is no 64 digits"));
+  EXPECT_THAT(Prints([] { return RunCheck({"", "abc", ""}); }), HasSubstr("abc is no version"));
   EXPECT_EQ(
       Checks("http://127.0.0.1:1/"),
       "http://127.0.0.1:1/ gives no answer: there is no such server, or none that listens.\n2");
@@ -391,36 +407,33 @@ TEST_F(Tool, SimulatesWhatEachInstallationMeets) {
   SimulateOptions options = {.script = "", .installed = {}, .all = true, .site = ""};
   options.probe = options.inShort = true;
   const std::string both = ": 3 actions, 5 bytes\n  " + success;
+  const std::string gone = "  line    4           ADD  x  http://s/gone  (not available)\n";
+  const std::string fails =
+      "  line   12           DELETE  $AppPath\\*.exe  (fails)\n"
+      "  line   13           EXECUTE  x  SOON  MAX  (not started: neither WAIT nor NOWAIT)\n"
+      "  line   14           UPDATE  $AppPath\\kestrane.EXE  http://s/a  (fails)";
   const std::string none = ": 0 actions, 0 bytes\n  " + nothing;
   EXPECT_EQ(Simulates(script, options),
             offer + "no valid version" + both + "0.0.0 to 0.999.999" + both +
-                "1.0.0: 2 actions, 0 bytes\n  " + missing + "1.0.1 to 1.999.999" + both +
-                "2.0.0 to 2.7.0" + none + "2.7.1: 3 actions, 5 bytes\n  " + failure +
-                "2.7.2 to 2.999.999" + none + "3.0.0: 1 action, 0 bytes\n  " + nothing +
+                "1.0.0: 2 actions, 0 bytes\n  " + missing + gone + "1.0.1 to 1.999.999" + both +
+                "2.0.0 to 2.7.0" + none + "2.7.1: 3 actions, 5 bytes\n  " + failure + fails +
+                "\n2.7.2 to 2.999.999" + none + "3.0.0: 1 action, 0 bytes\n  " + nothing +
                 "3.0.1 and later" + none + "2");
 
   // The blank is lost on the way to the program.
-  options = {.script = "", .installed = {" 1.0.0", "0.9", "2.7.1"}, .probe = true, .site = ""};
+  options = {.script = "", .installed = {" 1.0.0", "0.9.0.4", "2.7.1"}, .probe = true, .site = ""};
   options.site = Utf8Of(sandbox.Folder("site"));
   EXPECT_EQ(Simulates(script, options),
-            offer +
-                "Installed:  1.0.0\n  line    3  at once  KILL  x\n"
-                "  line    4           ADD  x  http://s/gone  (not available)\n"
-                "  final screen: " +
-                missing +
-                "\nInstalled: 0.9\n  in the window: \n  line    8  at once  MSG  x  NOTHING\n"
+            offer + "Installed:  1.0.0\n  line    3  at once  KILL  x\n" + gone +
+                "  final screen: " + missing +
+                "\nInstalled: 0.9.0.4\n  in the window: \n  line    8  at once  MSG  x  NOTHING\n"
                 "  line    7           ADD  x  http://s/a  (5 bytes)"
                 "  (but 7 bytes in the upload folder)\n"
                 "  line    9           ADD  y  http://s/empty  (0 bytes)\n"
                 "  in all 5 bytes\n  final screen: " +
-                success +
-                "\nInstalled: 2.7.1\n  in the window: \n"
-                "  line   12           DELETE  $AppPath\\*.exe  (fails)\n"
-                "  line   13           EXECUTE  x  SOON  MAX"
-                "  (not started: neither WAIT nor NOWAIT)\n"
-                "  line   14           UPDATE  $AppPath\\kestrane.EXE  http://s/a  (fails)"
+                success + "\nInstalled: 2.7.1\n  in the window: \n" + fails +
                 "  (but 7 bytes in the upload folder)\n  in all 5 bytes\n  final screen: " +
-                failure + "\n2");
+                failure + "\nnote: The version 0.9.0.4 " + OddityOf("0.9.0.4") + ".\n2");
 
   EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|http://s/a|\nEND\nEND\nEND"), true).version, "");
 }

@@ -90,6 +90,7 @@ TEST_F(Signed, ToolAndProgramTakeTheSame) {
   const std::string otherDigest(64, '0');
   const std::string withoutEnd = good.substr(0, good.size() - 1);
   const std::string open = content.substr(0, content.size() - 1);
+  const std::string noUrl = "ADD|" + sandbox.Path("b") + "|\n";
   const auto bar = signature.rfind('|');
   const auto withKey = [&](const std::string& key) {
     return content + "#SIGNATURE|" + key + signature.substr(bar);
@@ -137,6 +138,9 @@ TEST_F(Signed, ToolAndProgramTakeTheSame) {
 
       {"no digest", Sign(Text()), NotGenuine},
       {"another digest", With(digest, otherDigest), NotGenuine},
+      {"no digest, behind no URL", Sign(ReplaceAll(Text(), "UPDATE", noUrl + "UPDATE")),
+       WriteFailure},
+      {"no digest, then no URL", Sign(ReplaceAll(Text(), "END", noUrl + "END")), NotGenuine},
       {"an updater without digest", With("1.0.3|" + url, "999.0.0|" + server.Url("/g")),
        NotGenuine},
   };
@@ -162,6 +166,7 @@ TEST_F(Signed, ToolAndProgramTakeTheSame) {
   server.Serve("/f", {.body = "NEW"});
   EXPECT_EQ(Run(good, "#key=" + NameOf(own)), NotGenuine);
   EXPECT_FALSE(Passes(CutWithNumbers(good), {{}, NameOf(own)}));
+  EXPECT_FALSE(Passes(CutWithNumbers(ReplaceAll(Text(), "/f", "/none")), {}));
   // Where a key is named, files without content are downloaded too.
   const std::string empty = With(digest, Sha256Text(""));
   server.Serve("/f", {.body = ""});
