@@ -98,6 +98,12 @@ marked.toml: "urll" is no option of make (url is the nearest)|make --config mark
 not in UTF-8|make --config ansi.toml
 no-script is not there|sign no-script
 END
+. "$root/publish/kestrane-publish.bash"
+while read -r -a COMP_WORDS; do
+  COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+  _kestrane_publish kestrane-publish
+  echo "${COMPREPLY[*]}"
+done <<<$'tool si\ntool sign --k\ntool check --n' | diff - <(printf '%s\n' 'simulate sign' --key --newest) || fail "other completions"
 cp ledger.pem site
 for hidden in ../update.txt ledger.pem; do
   [[ $(curl -s --path-as-is -w '%{http_code}' http://127.0.0.1:$port/$hidden) == 404 ]] || fail "$hidden is served"
