@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <numeric>
 
 #include "base/text.h"
 #include "platform/pace.h"
@@ -102,6 +103,9 @@ TEST(Text, KnowsTheLettersOfItsCodePage) {
   EXPECT_EQ("ñÑ¿é€Œ"_ansi, "\xF1\xD1\xBF\xE9\x80\x8C");
   EXPECT_EQ(UpperCase("az{ñé÷ß"_ansi), "AZ{ÑÉ÷ß"_ansi);
   EXPECT_EQ(LowerCase("AZ[ÑÉ×ŒŸ"_ansi), "az[ñé×œÿ"_ansi);
+  std::string all(256, '\0');
+  std::iota(all.begin(), all.end(), '\0');
+  EXPECT_EQ(FromUtf8(ToUtf8(all)), all);
 }
 
 }  // namespace
