@@ -1,4 +1,4 @@
-// The command line, the relaunch parameters and the progress bar.
+// The command line, the progress bar and the code page.
 
 #include <gtest/gtest.h>
 
@@ -9,13 +9,10 @@
 #include "platform/pace.h"
 #include "run/command_line.h"
 #include "run/progress_bar.h"
-#include "run/run_state.h"
-#include "run/self_replacement.h"
 #include "tests/support/scripted_window.h"
 
 namespace {
 
-using namespace modPrincipal;
 using scripted_window::Rectangle;
 using scripted_window::state;
 using List = std::vector<std::string>;
@@ -39,20 +36,6 @@ TEST(CommandLine, IsCutIntoArguments) {
     expected.insert(expected.begin(), "own");
     EXPECT_EQ(modFunciones::SplitArguments("own", text), expected) << text;
   }
-}
-
-TEST(RelaunchParameters, AreReadAsTheyWere) {
-  ResetRunState();
-  AppVersion = R"(C:\Ledger\)";
-  AppDiskPath = R"(")";
-  UpdateInfoUrl = R"(\\)";
-  LaunchOnFinish = R"(a\" \"b ")";
-  ShowSuccessScreen = R"("x\)";
-  AppTitle = "b ";
-  AppIconFile = R"(\"\)";
-  EXPECT_EQ(modFunciones::SplitArguments("own", RelaunchParameters()),
-            (List{"own", AppVersion, AppDiskPath, UpdateInfoUrl, LaunchOnFinish, ShowSuccessScreen,
-                  AppTitle, AppIconFile}));
 }
 
 TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
