@@ -90,7 +90,7 @@ UNREGISTER|$AppPath\r.dll
 SLEEP|3000
 SLEEP|-1)"));
   state.web["http://s:8080/a"] = {std::string(1700, 'a')};
-  state.web["https://s/b"] = {std::string(900, 'b')};
+  state.web["https://s/b"] = {.body = std::string(900, 'b'), .secure = "HEAD GET"};
   web.Serve("/c", {""});
   state.processes = {{1, "own-pad.exe"}, {7, "NotePad.exe"}, {8, "padding.exe"}, {9, "PAD.EXE"}};
   state.polls = 1;
@@ -188,6 +188,7 @@ TEST(Story, EndsInTheRightText) {
   const std::string add = "ADD|C:\\Kt\\a|http://s/a";
   const std::string newer = "999.0.0|http://s/a";
   const Page adds = Script(add);
+  const Page secure = Script("ADD|C:\\Kt\\a|https://s/a");
   const Page kills = Script("KILL|x");
   const Page replaces = Script("KILL|x", newer);
   const platform::files::DiskSpace eightKilobytes = {4, 512, 4};
@@ -220,6 +221,8 @@ TEST(Story, EndsInTheRightText) {
       {"longer file", {}, adds, {.body = "longer", .announced = 5}},
       {"shorter file", {}, adds, {"short", "200", "6", -1}},
       {"longer than the probe told", {}, adds, {"longer", "200", "5", -1}},
+      {"insecure head", {}, secure, {.body = "new", .secure = "GET"}},
+      {"insecure body", {}, secure, {.body = "new", .secure = "HEAD"}},
       {"a file that stays", {.faultOn = "Delete e"}, Script("DELETE|C:\\Kt\\e*\nKILL|x")},
       {"this very version", {}, Script("KILL|x", modFunciones::OwnVersion() + "|http://s/a")},
       {"no updater", {}, Script("KILL", newer), {"", "404"}},
@@ -237,7 +240,7 @@ TEST(Story, EndsInTheRightText) {
     Begin(given);
     disk.Fill({{"e", ""}, {"e2", ""}, {"Kestrane.exe", "old"}});
     web.Serve(UpdateStory::Script, script);
-    state.web["http://s/a"] = page;
+    state.web["http://s/a"] = state.web["https://s/a"] = page;
     (void)RunProgram();
     outcomes[Message()].push_back(what + ' ' + std::to_string(Events("HEAD") + Events("GET")) +
                                   '/' + std::to_string(state.operations.size()) +
@@ -268,7 +271,7 @@ No es posible realizar la actualización. No hay suficiente espacio libre en el 
 no space 4/2; 2 GiB twice 6/2
 
 No es posible realizar la actualización. Parte o la totalidad de los archivos a descargar no están disponibles. Inténtelo de nuevo más tarde.
-no such port 2/1; no host 2/1; 2 GiB and a byte 4/1; no file 3/1
+no such port 2/1; no host 2/1; 2 GiB and a byte 4/1; no file 3/1; insecure head 3/1
 
 No está conectado a Internet. No es posible realizar la actualización.
 offline 0/1
@@ -283,7 +286,7 @@ Se ha producido un error al borrar un archivo. Posiblemente el archivo está sie
 a file that stays 2/5
 
 Se ha producido un error al escribir un archivo. Posiblemente el archivo está siendo utilizado por otra aplicación o no tenga espacio suficiente en disco.
-no URL 6/10; a file that breaks off 5/7; longer file 5/7; shorter file 5/7
+no URL 6/10; a file that breaks off 5/7; longer file 5/7; shorter file 5/7; insecure body 5/4
 no memory in the phases 4/1
 
 Se ha producido un error grave. Para solucionarlo debe renombrar el fichero KestraneTmp.exe con el nombre Kestrane.exe

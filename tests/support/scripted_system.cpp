@@ -170,7 +170,7 @@ bool Send(const Handle& request, Text optionalData) {
   In(request).at = 1;
   return optionalData.empty();
 }
-bool IsSecure(const Handle& request) { return In(request).name.starts_with("https:"); }
+bool IsSecure(const Handle& request) { return In(request).page->secure.starts_with("HEAD"); }
 bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buffer,
                std::int32_t& length) {
   const Page& page = *In(request).page;
@@ -182,7 +182,7 @@ bool QueryInfo(const Handle& request, std::uint32_t infoLevel, std::string& buff
 Body OpenUrl(const Handle& /*root*/, Text url) {
   return Told(Body(url.empty() ? nullptr : New({url, Answer(url)})), "GET", url);
 }
-bool IsSecure(const Body& body) { return In(body).name.starts_with("https:"); }
+bool IsSecure(const Body& body) { return In(body).page->secure.ends_with("GET"); }
 std::optional<std::int64_t> AnnouncedLength(const Body& body) {
   const Page& page = *In(body).page;
   const auto length = page.announced.value_or(static_cast<std::int64_t>(page.body.size()));

@@ -24,6 +24,7 @@ struct Page {
   std::optional<std::string> length =
       std::nullopt;  // as HEAD tells it, that of the body if not given
   std::optional<std::int64_t> announced = std::nullopt;  // by GET, the same; -1 for none
+  std::string secure = "";                               // the verbs that are answered over https
   std::size_t breaksAt = SIZE_MAX;                       // bytes of the body before a read fails
 };
 
