@@ -89,6 +89,7 @@ TEST(Text, KnowsTheLettersOfItsCodePage) {
   std::string all(256, '\0');
   std::iota(all.begin(), all.end(), '\0');
   EXPECT_EQ(FromUtf8(ToUtf8(all)), all);
+  for (const char* text : {"\xE4\xB8\xAD", "\xC3", "\xC3o"}) EXPECT_FALSE(FromUtf8(text)) << text;
 }
 
 }  // namespace
