@@ -91,6 +91,7 @@ TEST(Transfer, EndsInTheRightTextWhateverAServerAnswers) {
       {"list of lengths", {.body = body, .contentLength = "5000, 5000"}, "N", "SW"},
       {"longer than HEAD says", {.body = body + body}, "S", "S"},
       {"an error's own page", {.body = body, .status = "500 Broken"}, "N", "S"},
+      {"to be had later", {.body = body, .status = "202 Accepted"}, "N", "S"},
       {"no length", {.body = body, .contentLength = ""}, "N", "S"},
       {"no length, and shorter than HEAD says", {.body = "short", .contentLength = ""}, "N", "W"},
   };
