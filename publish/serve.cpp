@@ -101,7 +101,8 @@ int RunServe(const ServeOptions& options) {
   std::cout << "Serving " << options.site << " until you press Ctrl+C. Try it in a copy of the "
             << "application's folder:\n  Kestrane.exe \"" << VersionToTry(script)
             << "\" \"C:\\copy\" \"" << service.localUrl << ScriptName << "\"\n"
-            << (KeysNamedIn(*text).empty() ? "" : NotForKeys) << std::flush;
+            << (url == service.localUrl || KeysNamedIn(*text).empty() ? "" : NotForKeys)
+            << std::flush;
   for (;;) {
     std::thread([socket = acceptor.accept(), &service]() mutable {
       Answer(std::move(socket), service);

@@ -84,6 +84,18 @@ use_display() {
   start_xvfb
 }
 
+# find_window TITLE: sets WINDOW, X, Y, WIDTH and HEIGHT.
+find_window() {
+  local geometry
+  geometry=$(xdotool search --onlyvisible --name "^$1\$" getwindowgeometry --shell 2>/dev/null) &&
+    eval "$geometry"
+}
+
+# final_screen_has_come TITLE: the window shrinks to it.
+final_screen_has_come() {
+  find_window "$1" && ((2 * HEIGHT < WIDTH))
+}
+
 port_is_free() {
   ! (: <"/dev/tcp/127.0.0.1/$1") 2>/dev/null
 }

@@ -12,8 +12,8 @@ build=$(realpath "$1")
 code() { awk '/^```/ { inside = !inside; print; next } inside' "$1"; }
 anchors() { LC_ALL=C.UTF-8 sed -nE '/^#+ /{s///;s/[^[:alnum:] _-]//g;s/ /-/g;s/.*/\L&/p}' "$1"; }
 outdated=
-for page in README.md docs/*.md; do
-  copy=$(sed 's#^docs/#&es/#; s#^README#&.es#' <<<"$page")
+for page in README.md examples/README.md docs/*.md; do
+  copy=$(sed 's#^docs/#&es/#; t; s#\.md$#.es.md#' <<<"$page")
   diff -u <(code "$page") <(code "$copy") || fail "the examples of $copy are not those of $page"
   state="$page sha256 $(sha256sum <"$page" | cut -c -64)"
   grep -qF "<!-- source: $state -->" "$copy" ||

@@ -22,7 +22,6 @@ namespace {
 
 using namespace publish;
 using namespace testing;
-using modFunciones::FromUtf8;
 using modFunciones::ToUtf8;
 using namespace std::string_literals;
 using Texts = std::vector<std::string>;
@@ -436,13 +435,6 @@ TEST_F(Tool, SimulatesWhatEachInstallationMeets) {
                 failure + "\nnote: The version 0.9.0.4 " + OddityOf("0.9.0.4") + ".\n2");
 
   EXPECT_EQ(SimulateOffer(CutWithNumbers("1.0.3|http://s/a|\nEND\nEND\nEND"), true).version, "");
-}
-
-TEST(Encoding, GoesBothWays) {
-  std::string all;
-  for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
-  EXPECT_EQ(FromUtf8(ToUtf8(all)), all);
-  for (const char* text : {"\xE4\xB8\xAD", "\xC3", "\xF1o"}) EXPECT_FALSE(FromUtf8(text)) << text;
 }
 
 }  // namespace

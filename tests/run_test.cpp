@@ -1,20 +1,18 @@
-// The command line, the relaunch parameters and the progress bar.
+// The command line, the progress bar and the code page.
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <numeric>
 
 #include "base/text.h"
 #include "platform/pace.h"
 #include "run/command_line.h"
 #include "run/progress_bar.h"
-#include "run/run_state.h"
-#include "run/self_replacement.h"
 #include "tests/support/scripted_window.h"
 
 namespace {
 
-using namespace modPrincipal;
 using scripted_window::Rectangle;
 using scripted_window::state;
 using List = std::vector<std::string>;
@@ -38,20 +36,6 @@ TEST(CommandLine, IsCutIntoArguments) {
     expected.insert(expected.begin(), "own");
     EXPECT_EQ(modFunciones::SplitArguments("own", text), expected) << text;
   }
-}
-
-TEST(RelaunchParameters, AreReadAsTheyWere) {
-  ResetRunState();
-  AppVersion = R"(C:\Ledger\)";
-  AppDiskPath = R"(")";
-  UpdateInfoUrl = R"(\\)";
-  LaunchOnFinish = R"(a\" \"b ")";
-  ShowSuccessScreen = R"("x\)";
-  AppTitle = "b ";
-  AppIconFile = R"(\"\)";
-  EXPECT_EQ(modFunciones::SplitArguments("own", RelaunchParameters()),
-            (List{"own", AppVersion, AppDiskPath, UpdateInfoUrl, LaunchOnFinish, ShowSuccessScreen,
-                  AppTitle, AppIconFile}));
 }
 
 TEST(ProgressBar, DrawsSegmentsUpToTheFraction) {
@@ -102,6 +86,10 @@ TEST(Text, KnowsTheLettersOfItsCodePage) {
   EXPECT_EQ("ñÑ¿é€Œ"_ansi, "\xF1\xD1\xBF\xE9\x80\x8C");
   EXPECT_EQ(UpperCase("az{ñé÷ß"_ansi), "AZ{ÑÉ÷ß"_ansi);
   EXPECT_EQ(LowerCase("AZ[ÑÉ×ŒŸ"_ansi), "az[ñé×œÿ"_ansi);
+  std::string all(256, '\0');
+  std::iota(all.begin(), all.end(), '\0');
+  EXPECT_EQ(FromUtf8(ToUtf8(all)), all);
+  for (const char* text : {"\xE4\xB8\xAD", "\xC3", "\xC3o"}) EXPECT_FALSE(FromUtf8(text)) << text;
 }
 
 }  // namespace

@@ -5,13 +5,9 @@
 #include "install/path_macros.h"
 #include "platform/system.h"
 #include "run/messages.h"
-#include "run/run_state.h"
-#include "run/update_sequence.h"
-#include "script/action_table.h"
-#include "script/parser.h"
 #include "tests/support/faults.h"
 #include "tests/support/loopback_server.h"
-#include "tests/support/scripted_window.h"
+#include "tests/support/update_run.h"
 #include "tests/support/update_story.h"
 #include "transfer/download.h"
 #include "transfer/download_phase.h"
@@ -56,18 +52,6 @@ TEST(System, TellsItsFreeSpaceAndItsFolders) {
   EXPECT_NE(GetWindowsDir(), GetSystemDir());
 }
 
-/// Runs an update and returns the message of its final screen.
-std::string Update(const LoopbackServer& server) {
-  ResetRunState();
-  ResetActionTable();
-  ResetScript();
-  scripted_window::Reset();
-  AppVersion = "2.7.1";
-  UpdateInfoUrl = server.Url(UpdateStory::Script);
-  CheckForUpdate();
-  return scripted_window::state.text[frmPrincipal::lblMensaje];
-}
-
 TEST(Transfer, EndsInTheRightTextWhateverAServerAnswers) {
   LoopbackServer server;
   std::string body(5000, '\0');
@@ -107,6 +91,7 @@ TEST(Transfer, EndsInTheRightTextWhateverAServerAnswers) {
       {"list of lengths", {.body = body, .contentLength = "5000, 5000"}, "N", "SW"},
       {"longer than HEAD says", {.body = body + body}, "S", "S"},
       {"an error's own page", {.body = body, .status = "500 Broken"}, "N", "S"},
+      {"to be had later", {.body = body, .status = "202 Accepted"}, "N", "S"},
       {"no length", {.body = body, .contentLength = ""}, "N", "S"},
       {"no length, and shorter than HEAD says", {.body = "short", .contentLength = ""}, "N", "W"},
   };
@@ -128,7 +113,7 @@ TEST(Transfer, EndsInTheRightTextWhateverAServerAnswers) {
       const UpdateStory story;
       story.Prepare(server, files);
       server.Serve("/a", reply, toHead);
-      const std::string message = Update(server);
+      const std::string message = RunUpdate("2.7.1", server.Url(UpdateStory::Script));
       auto tree = files.Tree();
       ASSERT_TRUE(letters.contains(message)) << message;
       const char outcome = letters.at(message);
@@ -143,7 +128,7 @@ TEST(Transfer, EndsInTheRightTextWhateverAServerAnswers) {
 
       server.Serve(UpdateStory::Script, reply, toHead);
       // A head that breaks off behind its first line may still have told the status.
-      const std::string ending = Update(server);
+      const std::string ending = RunUpdate("2.7.1", server.Url(UpdateStory::Script));
       EXPECT_TRUE(ending == ScriptNotUnderstood || (!toHead && ending == InformationNotFound))
           << ending;
     }

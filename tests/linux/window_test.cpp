@@ -1,8 +1,6 @@
 // The real window of the native program, of which only the size is looked at; its files; and the
 // icon of the Windows program.
 
-#include <cstring>
-
 #include "platform/files.h"
 #include "tests/support/program_fixture.h"
 
@@ -39,17 +37,13 @@ TEST(Files, TellWhenTheLastBytesFindNoRoom) {
   EXPECT_FALSE(platform::files::Close(std::move(full)));
 }
 
-/// Windows XP reads bitmaps only; each begins with the length of its header.
+/// Windows XP reads bitmaps only; each has a header with its length, width and double height.
 TEST(Icon, HasBitmapsBesideItsCompressedPictures) {
   const std::string icon = ReadWhole(OwnFolder() / "kestrane.ico");
-  std::string sizesOfBitmaps;
-  const std::size_t end = 6 + 16 * static_cast<std::size_t>(icon.at(4));
-  for (std::size_t entry = 6; entry < end; entry += 16) {
-    std::uint32_t picture = 0;
-    std::memcpy(&picture, icon.data() + entry + 12, sizeof picture);
-    if (icon.at(picture) == 40) sizesOfBitmaps += icon[entry];
+  for (const char size : {'\x10', '\x20', '\x30'}) {
+    const char header[] = {40, 0, 0, 0, size, 0, 0, 0, static_cast<char>(2 * size), 0, 0, 0};
+    EXPECT_NE(icon.find({header, sizeof header}), std::string::npos) << int{size};
   }
-  EXPECT_EQ(sizesOfBitmaps, "\x10\x20\x30");
 }
 
 }  // namespace

@@ -19,7 +19,6 @@ std::string Hide(const std::string& path);
 /// graphics objects.
 struct Resources {
   long handles = 0;
-  long threads = 0;
   long graphicsObjects = 0;
   long kilobytes = 0;  // of memory of its own
 };

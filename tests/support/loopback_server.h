@@ -12,8 +12,6 @@
 #include <optional>
 #include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "asio.hpp"
 #include "transfer/http_probe.h"
@@ -75,15 +73,13 @@ class LoopbackServer {
     released.notify_all();
   }
 
-  /// The test looks at the requests itself, or there may be any.
+  /// There may be any requests.
   void ExpectAnything() { expectsAnything = true; }
 
-  /// The requests since the last call, in order, such as "HEAD /info.txt HTTP/1.0"; nobody else
-  /// looks at them then.
-  [[nodiscard]] std::vector<std::string> TakeRequests() {
+  /// The requests for a path so far, as in Reply.
+  [[nodiscard]] std::string Asked(const std::string& path) {
     const std::lock_guard lock(mutex);
-    expectsAnything = true;
-    return std::exchange(requests, {});
+    return pages.at(path).asked;
   }
 
   /// Returns when nothing is left of any answer.
@@ -121,7 +117,6 @@ class LoopbackServer {
     const auto path = line.find('/');
     const std::string agent = std::string("User-Agent: ") + modFunciones::UserAgentText + "\r\n";
     const std::lock_guard lock(mutex);
-    requests.push_back(line);
     const auto page = pages.find(line.substr(path, line.rfind(' ') - path));
     // Windows follows a redirection in HTTP/1.1.
     const bool isRight = page != pages.end() && request.find(agent) != std::string::npos &&
@@ -163,7 +158,6 @@ class LoopbackServer {
   std::mutex mutex;
   std::atomic<bool> released = false;
   std::map<std::string, Page> pages;  // by path
-  std::vector<std::string> requests;
   std::string unexpected;
   bool expectsAnything = false;
   bool wasRedirected = false;  // the last request

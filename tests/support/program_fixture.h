@@ -67,15 +67,14 @@ class Program : public testing::Test {
   }
 
   /// What stands beside the program and the application.
-  [[nodiscard]] Tree Files(const std::string& program) const {
+  [[nodiscard]] Tree Files() const {
     Tree files = sandbox.Tree();
-    EXPECT_EQ(files["Kestrane.exe"], Shown(program));
+    EXPECT_EQ(files["Kestrane.exe"], Shown(kestrane));
     EXPECT_EQ(files["kt-app.exe"], Shown(helper));
     files.erase("Kestrane.exe");
     files.erase("kt-app.exe");
     return files;
   }
-  [[nodiscard]] Tree Files() const { return Files(kestrane); }
 
   const std::string helper = ReadWhole(OwnFolder() / "helper.exe");
   const std::string kestrane = ReadWhole(OwnFolder() / "../Kestrane.exe");

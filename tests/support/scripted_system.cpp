@@ -62,7 +62,7 @@ Result Told(Result result, const auto&... callAndArguments) {
 /// Tells of an operation on a file; false when it goes wrong.
 bool Works(const char* operation, const std::string& path, const std::string& more = "") {
   (void)Told(true, operation, path + more);
-  const std::string name = path.substr(path.find_last_of("\\/") + 1);
+  const std::string name = path.substr(path.find_last_of("\\/", path.size() - 2) + 1);
   state.operations.push_back(std::string(operation) + ' ' + name);
   const bool isFault =
       state.operations.size() == state.faultAt || state.operations.back() == state.faultOn;
@@ -133,9 +133,11 @@ bool Read(const File& file, std::string& buffer) {
   return Works("Read", In(file).name);
 }
 bool Write(const File& file, std::string_view bytes) {
-  const bool works = Works("Write", In(file).name, ' ' + std::to_string(bytes.size()));
-  state.files[In(file).name] += bytes.substr(0, works ? bytes.size() : bytes.size() / 2);
-  return works;
+  std::string& content = state.files[In(file).name];
+  content += bytes.substr(0, bytes.size() / 2);  // is there even if the rest finds no room
+  if (!Works("Write", In(file).name, ' ' + std::to_string(bytes.size()))) return false;
+  content += bytes.substr(bytes.size() / 2);
+  return true;
 }
 bool Close(File file) { return Works("Close", In(file).name); }
 DiskSpace QueryDiskSpace(Text root) {
@@ -248,21 +250,13 @@ bool WaitForEnd(const Worker& /*worker*/, std::uint32_t milliseconds) {
 
 }  // namespace platform::components
 
-// The digest of a text is its own beginning, and the key "key" signs by a word.
+// Nothing is signed.
 namespace platform::signature {
-void CloseDigest::operator()(void* digest) const { delete static_cast<std::string*>(digest); }
-Digest StartDigest() { return Digest(new std::string); }
-void Add(const Digest& digest, std::string_view bytes) {
-  *static_cast<std::string*>(digest.get()) += bytes;
-}
-std::string Finish(Digest digest) {
-  std::string bytes = *static_cast<std::string*>(digest.get());
-  bytes.resize(32);
-  return bytes;
-}
-bool IsSignedBy(std::string_view publicKey, std::string_view, std::string_view signature) {
-  return publicKey == "key" && signature == "signed";
-}
+void CloseDigest::operator()(void* /*digest*/) const {}
+Digest StartDigest() { return nullptr; }
+void Add(const Digest& /*digest*/, std::string_view /*bytes*/) {}
+std::string Finish(Digest /*digest*/) { return ""; }
+bool IsSignedBy(std::string_view, std::string_view, std::string_view) { return false; }
 }  // namespace platform::signature
 
 namespace platform::system {
@@ -277,7 +271,7 @@ std::int32_t OpenWithShell(Text verb, Text file, Text parameters, Text folder, i
   return Told(33, verb, file, parameters, "in", folder, showValue);
 }
 void EndTurn::operator()(void* /*turn*/) const {}
-Turn TakeTurn() { return Turn(state.turnIsTaken ? nullptr : &state); }
+Turn TakeTurn() { return Turn(&state); }
 void EndProcess() { throw Told(ProcessEnded(), "EndProcess"); }
 
 }  // namespace platform::system

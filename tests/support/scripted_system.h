@@ -39,7 +39,6 @@ struct State {
   std::vector<platform::processes::Entry> processes = {};
   std::int32_t systemVersion = 10;
   bool workerHangs = false;
-  bool turnIsTaken = false;
   int polls = 0;  // before a program that is waited for has ended, with 259
 
   std::vector<std::string> operations = {};  // on files so far, such as "Delete a.exe"

@@ -1,7 +1,6 @@
 #include <windows.h>
 
 #include <psapi.h>
-#include <tlhelp32.h>
 #include <wincrypt.h>
 
 #include "tests/support/faults.h"
@@ -23,15 +22,6 @@ std::shared_ptr<void> Lock(const std::string& path, bool shares) {
 Resources ResourcesInUse() {
   PROCESS_MEMORY_COUNTERS memory = {};
   GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof memory);
-  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-  THREADENTRY32 thread = {};
-  thread.dwSize = sizeof thread;
-  long threads = 0;
-  for (BOOL more = Thread32First(snapshot, &thread); more != FALSE;
-       more = Thread32Next(snapshot, &thread)) {
-    if (thread.th32OwnerProcessID == GetCurrentProcessId()) ++threads;
-  }
-  CloseHandle(snapshot);
   // Wine counts neither, but gives out the lowest handle that is free, and the graphics object that
   // was freed last.
   const HANDLE newHandle = CreateEventA(nullptr, FALSE, FALSE, nullptr);
@@ -39,7 +29,6 @@ Resources ResourcesInUse() {
   CloseHandle(newHandle);
   DeleteObject(newObject);
   return {.handles = static_cast<long>(reinterpret_cast<LONG_PTR>(newHandle) / 4),
-          .threads = threads,
           .graphicsObjects = LOWORD(newObject),
           .kilobytes = static_cast<long>(memory.PagefileUsage / 1024)};
 }
