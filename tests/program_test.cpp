@@ -33,7 +33,7 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
               "\nADD|$AppPath\\reports.dll|" + server.Url("/reports") +
               "\nADD|$AppPath\\help\\es es\\help.txt|" + server.Url("/help") +
               "\nDELETE|$AppPath\\old.txt"
-              "\nEXECUTE|$AppPath\\kt-ledger.exe append \"$AppPath\\out\" \"two words\"|wait|MIN"
+              "\nEXECUTE|\"$AppPath\\kt-ledger.exe\" append \"$AppPath\\out\" \"2 words\"|wait|MIN"
               "\nEXECUTE|$AppPath\\kt-ledger.exe append \"$AppPath\\out\" never|later|MIN"
               "\nEXECUTE|$AppPath\\missing.exe|WAIT|HIDE\nSLEEP|0\nSLEEP|-5\nSLEEP|a while"
               "\nEXECUTE|$AppPath\\kt-ledger.exe stay \"$AppPath\\stay\"|NOWAIT|HIDE"
@@ -49,7 +49,7 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
                            {"reports.dll", Shown(component)},
                            {"reports.dll.bak", "old"},
                            {"help/es es/help.txt", "ayuda"},
-                           {"out", "two words\n"},
+                           {"out", "2 words\n"},
                            {"stay", "up\n"},
                            {"component.log", "loaded\nregistered\nloaded\nunregistered\nloaded\n"},
                            {"slow.dll", Shown(slow)},
