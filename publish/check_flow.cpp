@@ -95,8 +95,8 @@ void FindDestinationsGivenTwice(const Flow& flow) {
       continue;
     }
     const TakenAction& action = *flow.puts[i].action;
-    unmet = unmet.Without(flow.AudienceOf(*flow.puts[i - 1].action));
-    if (flow.AudienceOf(action).Without(unmet).IsEmpty()) continue;
+    unmet.Remove(flow.AudienceOf(*flow.puts[i - 1].action));
+    if (flow.AudienceOf(action).IsWithin(unmet)) continue;
     const Puts earlier = Puts(flow.puts).subspan(first, i - first);
     if (const auto* const met = FirstMet(flow, earlier, flow.TextOf(action), action, any)) {
       flow.findings.push_back({Severity::Error, flow.NumberOf(action),
@@ -226,10 +226,10 @@ bool IsEndedBefore(const Flow& flow, const TakenAction& action, const std::strin
                              [&](const TakenAction* kill) { return kill->line < action.line; });
     // The nearest one is most often that of the same block.
     for (auto kill = later; kill != kills.begin() && !others.IsEmpty();) {
-      others = others.Without(flow.AudienceOf(**--kill));
+      others.Remove(flow.AudienceOf(**--kill));
     }
     for (auto kill = later; kill != kills.end() && !others.IsEmpty(); ++kill) {
-      if ((*kill)->immediate) others = others.Without(flow.AudienceOf(**kill));
+      if ((*kill)->immediate) others.Remove(flow.AudienceOf(**kill));
     }
   }
   return others.IsEmpty();
@@ -262,8 +262,8 @@ std::optional<std::size_t> OpeningOfUpdate(const Flow& flow, const std::string& 
   const auto end = static_cast<std::size_t>(above - flow.versions.begin());
   const Audience installed(end - 1, end);
   for (const auto& action : flow.reading.actions) {
-    const auto& [opening, audience] = flow.reading.blocks[action.block];
-    if (!action.immediate && audience.Overlaps(installed)) return opening;
+    const Block& block = flow.reading.blocks[action.block];
+    if (!action.immediate && block.audience.Overlaps(installed)) return block.opening;
   }
   return std::nullopt;
 }
