@@ -111,9 +111,7 @@ void CheckScript(const Plan& plan, Problems& problems) {
   }
 }
 
-/// What is published already stays untouched where it is the same.
 bool Copy(const fs::path& file, const fs::path& target) {
-  if (HaveSameContent(file, target)) return true;
   std::error_code error;
   fs::create_directories(target.parent_path(), error);
   fs::remove(target, error);  // copying over it fails with some libraries
@@ -126,7 +124,7 @@ bool CopyFiles(const Plan& plan) {
   const bool copied =
       std::all_of(plan.uploads.begin(), plan.uploads.end(), [&](const Upload& upload) {
         ShowProgress(++done);
-        return Copy(upload.file, plan.order.site / upload.target);
+        return upload.isPublished || Copy(upload.file, plan.order.site / upload.target);
       });
   EndProgress();
   return copied;

@@ -61,6 +61,7 @@ class Installations : public modPrincipal::ScriptSink {
 
 Reading Read(const Script& script, const std::vector<std::int32_t>& versions) {
   Reading reading;
+  reading.actions.reserve(script.lines.size());  // there may be a million
   Installations installations(versions, reading);
   const auto ending = modPrincipal::ReadScript(script.lines, installations);
   if (ending.kind == modPrincipal::Ending::Kind::NotUnderstood) {
