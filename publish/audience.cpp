@@ -15,10 +15,12 @@ std::vector<Audience::Range>::const_iterator Audience::FirstEndingBehind(
 }
 
 bool Audience::Overlaps(const Audience& other) const {
-  if (ranges.size() > other.ranges.size()) return other.Overlaps(*this);
-  return std::any_of(ranges.begin(), ranges.end(), [&](const Range& range) {
-    const auto met = other.FirstEndingBehind(range.first);
-    return met != other.ranges.end() && met->first < range.end;
+  const bool hasFewer = ranges.size() < other.ranges.size();
+  const Audience& fewer = hasFewer ? *this : other;
+  const Audience& more = hasFewer ? other : *this;
+  return std::any_of(fewer.ranges.begin(), fewer.ranges.end(), [&](const Range& range) {
+    const auto met = more.FirstEndingBehind(range.first);
+    return met != more.ranges.end() && met->first < range.end;
   });
 }
 
@@ -30,7 +32,6 @@ bool Audience::IsWithin(const Audience& other) const {
 }
 
 Audience Audience::Common(const Audience& other) const {
-  if (ranges.size() > other.ranges.size()) return other.Common(*this);
   Audience common(0, 0);
   for (const auto& [first, end] : ranges) {
     for (auto met = other.FirstEndingBehind(first); met != other.ranges.end() && met->first < end;

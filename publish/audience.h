@@ -23,7 +23,7 @@ class Audience {
   [[nodiscard]] bool Overlaps(const Audience& other) const;
   [[nodiscard]] bool IsWithin(const Audience& other) const;
 
-  /// Those that are in both.
+  /// Those that are in both; quicker where the other has more ranges.
   [[nodiscard]] Audience Common(const Audience& other) const;
 
   void Remove(const Audience& other);

@@ -118,7 +118,7 @@ bool HaveSameContent(const fs::path& a, const fs::path& b) {
   std::array<char, 131'072> block;
   std::array<char, 131'072> other;
   for (std::uintmax_t left = size; left > 0;) {
-    const auto length = std::min<std::uintmax_t>(left, block.size());
+    const auto length = static_cast<std::size_t>(std::min<std::uintmax_t>(left, block.size()));
     if (!one.read(block.data(), static_cast<std::streamsize>(length))) return false;
     if (!two.read(other.data(), static_cast<std::streamsize>(length))) return false;
     if (std::memcmp(block.data(), other.data(), length) != 0) return false;

@@ -21,7 +21,7 @@ class Installations : public modPrincipal::ScriptSink {
 
   bool Holds(const modPrincipal::Condition& condition) override {
     reading.blocks.push_back(
-        {condition.line, reading.actions.size(), readers.Common(Meeting(condition))});
+        {condition.line, reading.actions.size(), Meeting(condition).Common(readers)});
     return !reading.blocks.back().audience.IsEmpty();
   }
 
