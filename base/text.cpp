@@ -34,6 +34,13 @@ std::string Mapped(std::string_view value, const LetterCase& letters) {
 std::string UpperCase(std::string_view value) { return Mapped(value, UpperCases); }
 std::string LowerCase(std::string_view value) { return Mapped(value, LowerCases); }
 
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+  const auto lower = [](char letter) { return LowerCases[static_cast<unsigned char>(letter)]; };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char one, char other) {
+    return one == other || lower(one) == lower(other);
+  });
+}
+
 std::string ToUtf8(std::string_view value) {
   std::string converted;
   converted.reserve(value.size());

@@ -17,6 +17,9 @@ namespace modFunciones {
 [[nodiscard]] std::string UpperCase(std::string_view value);
 [[nodiscard]] std::string LowerCase(std::string_view value);
 
+/// Whether nothing but letter case tells two texts apart.
+[[nodiscard]] bool EqualIgnoringCase(std::string_view a, std::string_view b);
+
 /// Unicode code points of the bytes 0x80 to 0x9F; every other byte is its own code point. The five
 /// bytes that the code page leaves free stand for the control characters of the same value.
 inline constexpr std::array<char16_t, 32> CodePointsFrom0x80 = {

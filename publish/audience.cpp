@@ -1,33 +1,58 @@
 #include "publish/audience.h"
 
+#include <algorithm>
+
 namespace publish {
 
 Audience::Audience(std::size_t first, std::size_t end) {
   if (first < end) ranges.push_back({first, end});
 }
 
-bool Audience::Overlaps(const Audience& other) const {
-  auto one = ranges.begin();
-  auto two = other.ranges.begin();
-  while (one != ranges.end() && two != other.ranges.end()) {
-    if (one->first < two->end && two->first < one->end) return true;
-    one->end < two->end ? void(++one) : void(++two);
-  }
-  return false;
+std::vector<Audience::Range>::const_iterator Audience::FirstEndingBehind(
+    std::size_t version) const {
+  return std::partition_point(ranges.begin(), ranges.end(),
+                              [&](const Range& range) { return range.end <= version; });
 }
 
-Audience Audience::Without(const Audience& other) const {
-  Audience left(0, 0);
-  auto cut = other.ranges.begin();
-  for (auto [first, end] : ranges) {
-    while (cut != other.ranges.end() && cut->end <= first) ++cut;
-    for (auto at = cut; at != other.ranges.end() && at->first < end; ++at) {
-      if (first < at->first) left.ranges.push_back({first, at->first});
-      first = at->end;
+bool Audience::Overlaps(const Audience& other) const {
+  const bool hasFewer = ranges.size() < other.ranges.size();
+  const Audience& fewer = hasFewer ? *this : other;
+  const Audience& more = hasFewer ? other : *this;
+  return std::any_of(fewer.ranges.begin(), fewer.ranges.end(), [&](const Range& range) {
+    const auto met = more.FirstEndingBehind(range.first);
+    return met != more.ranges.end() && met->first < range.end;
+  });
+}
+
+bool Audience::IsWithin(const Audience& other) const {
+  return std::all_of(ranges.begin(), ranges.end(), [&](const Range& range) {
+    const auto met = other.FirstEndingBehind(range.first);
+    return met != other.ranges.end() && met->first <= range.first && range.end <= met->end;
+  });
+}
+
+Audience Audience::Common(const Audience& other) const {
+  Audience common(0, 0);
+  for (const auto& [first, end] : ranges) {
+    for (auto met = other.FirstEndingBehind(first); met != other.ranges.end() && met->first < end;
+         ++met) {
+      common.ranges.push_back({std::max(first, met->first), std::min(end, met->end)});
     }
-    if (first < end) left.ranges.push_back({first, end});
   }
-  return left;
+  return common;
+}
+
+void Audience::Remove(const Audience& other) {
+  for (const auto& [first, end] : other.ranges) {
+    const auto met = FirstEndingBehind(first);
+    auto behind = met;
+    std::vector<Range> left;
+    for (; behind != ranges.end() && behind->first < end; ++behind) {
+      if (behind->first < first) left.push_back({behind->first, first});
+      if (end < behind->end) left.push_back({end, behind->end});
+    }
+    ranges.insert(ranges.erase(met, behind), left.begin(), left.end());
+  }
 }
 
 }  // namespace publish

@@ -78,7 +78,7 @@ void RegisterComponents(const char* word, const std::vector<FolderFile>& files,
 
 bool AreAmong(const Lines& names, const std::string& name) {
   return std::any_of(names.begin(), names.end(), [&](const std::string& wanted) {
-    return LowerCase(wanted) == LowerCase(name);
+    return modFunciones::EqualIgnoringCase(wanted, name);
   });
 }
 

@@ -74,7 +74,7 @@ Findings Check(const Script& script, const Knowledge& knowledge) {
   if (knowledge.origin) CheckSigning(script, *knowledge.origin, knowledge.probe, findings);
   if (!isText) return findings;
   CheckLines(script, findings);
-  if (Verdict(script).empty()) CheckFlow(script, knowledge.newest, findings);
+  CheckFlow(script, knowledge.newest, findings);
   CheckHeaderVersion(script, knowledge.updater, findings);
   if (!knowledge.site.empty()) CheckSite(script, Site(knowledge.site, script), findings);
   Sort(findings);

@@ -52,9 +52,9 @@ Remark OddVersion(const Line& /*line*/, const Argument& argument, const std::str
 }
 
 /// Whether every % begins the code of a character.
-bool HasCodesOnly(const std::string& url) {
-  for (auto at = url.find('%'); at != std::string::npos; at = url.find('%', at + 1)) {
-    const std::string code = url.substr(at + 1, 2);
+bool HasCodesOnly(std::string_view url) {
+  for (auto at = url.find('%'); at != std::string_view::npos; at = url.find('%', at + 1)) {
+    const std::string_view code = url.substr(at + 1, 2);
     if (code.size() < 2 || code.find_first_not_of("0123456789ABCDEFabcdef") != std::string::npos) {
       return false;
     }
@@ -63,7 +63,7 @@ bool HasCodesOnly(const std::string& url) {
 }
 
 /// What the server would understand otherwise than meant.
-Remark OddUrl(const std::string& url) {
+Remark OddUrl(std::string_view url) {
   if (url.find('\\') != std::string::npos) {
     return {Severity::Error, "The URL has a backslash, where servers want a \"/\"."};
   }
@@ -104,7 +104,7 @@ Remark UnusableUrl(const Line& line, const Argument& argument, const std::string
 }
 
 Remark PlainHttp(const Line& /*line*/, const Argument& argument, const std::string& url) {
-  if (argument.kind != Kind::Url || !IsUrl(url) || modFunciones::IsSecureUrl(url)) return {};
+  if (argument.kind != Kind::Url || !modFunciones::IsPlainUrl(url)) return {};
   const auto parts = modFunciones::SplitUrl(url);
   const std::string host = parts.empty() ? "" : LowerCase(parts[0]);
   if (host == "localhost" || host.starts_with("127.")) return {};
@@ -122,6 +122,13 @@ Remark MissingArgument(const Line& line, const Argument& argument, const std::st
     return {Severity::Warning, line.Word() + " without a name ends nothing."};
   }
   return {};
+}
+
+/// Character by character: that is how texts are searched fast.
+bool HasAnyOf(std::string_view text, std::string_view characters) {
+  return std::any_of(characters.begin(), characters.end(), [&](char character) {
+    return text.find(character) != std::string_view::npos;
+  });
 }
 
 /// What a path begins with that is no macro, or no whole one.
@@ -153,13 +160,13 @@ Remark PathThatGoesAstray(const Line& line, const Argument& argument, const std:
         "The path has a \"/\": folders are made at backslashes only, and the download fails where "
         "one is missing."};
   }
-  if (path.find_first_of("<>\"") != std::string::npos || path.find(':', 2) != std::string::npos) {
+  if (HasAnyOf(path, "<>\"") || path.find(':', 2) != std::string::npos) {
     return {Severity::Error, "The path has a character that no file of Windows may have."};
   }
   if (path.ends_with('\\')) {
     return {Severity::Error, "The path ends with a backslash, as that of a folder."};
   }
-  if (path.find_first_of("*?") != std::string::npos) {
+  if (HasAnyOf(path, "*?")) {
     return {argument.kind == Kind::Files ? Severity::Warning : Severity::Error,
             "The path has a * or ?, which only DELETE understands: it deletes every file that "
             "fits."};
@@ -212,8 +219,9 @@ Remark PathThatIsLong(const Line& /*line*/, const Argument& argument, const std:
 /// Windows takes dots and blanks off the end of names.
 Remark NameThatEndsWithADot(const Line& /*line*/, const Argument& argument,
                             const std::string& path) {
+  if (!IsPath(argument.kind)) return {};
   const bool endsSo = path.ends_with('.') || path.find(".\\") != std::string::npos;
-  if (!IsPath(argument.kind) || !endsSo || path.find("..") != std::string::npos) return {};
+  if (!endsSo || path.find("..") != std::string::npos) return {};
   return {Severity::Warning, "A name of the path ends with a full stop, which Windows takes away."};
 }
 

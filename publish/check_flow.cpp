@@ -42,9 +42,15 @@ struct Flow {
   [[nodiscard]] int NumberOf(const TakenAction& action) const {
     return script.numbers[action.line];
   }
-  /// The first argument.
+  /// The first argument, in lower case.
   [[nodiscard]] std::string TextOf(const TakenAction& action) const {
     return LowerCase(script.lines[action.line][1]);
+  }
+  /// Whether it ends so.
+  [[nodiscard]] bool EndsWith(const TakenAction& action, std::string_view suffix) const {
+    const std::string_view text = script.lines[action.line][1];
+    return text.size() >= suffix.size() &&
+           modFunciones::EqualIgnoringCase(text.substr(text.size() - suffix.size()), suffix);
   }
   [[nodiscard]] const Audience& AudienceOf(const TakenAction& action) const {
     return reading.blocks[action.block].audience;
@@ -95,8 +101,8 @@ void FindDestinationsGivenTwice(const Flow& flow) {
       continue;
     }
     const TakenAction& action = *flow.puts[i].action;
-    unmet = unmet.Without(flow.AudienceOf(*flow.puts[i - 1].action));
-    if (flow.AudienceOf(action).Without(unmet).IsEmpty()) continue;
+    unmet.Remove(flow.AudienceOf(*flow.puts[i - 1].action));
+    if (flow.AudienceOf(action).IsWithin(unmet)) continue;
     const Puts earlier = Puts(flow.puts).subspan(first, i - first);
     if (const auto* const met = FirstMet(flow, earlier, flow.TextOf(action), action, any)) {
       flow.findings.push_back({Severity::Error, flow.NumberOf(action),
@@ -110,10 +116,9 @@ void FindDestinationsGivenTwice(const Flow& flow) {
 /// A download and a backup have names of their own beside their destination.
 void FindDestinationsInTheWay(const Flow& flow) {
   for (const auto& action : flow.reading.actions) {
-    if (!PutsAFile(action)) continue;
+    const bool isBackup = flow.EndsWith(action, ".bak");
+    if (!PutsAFile(action) || !(isBackup || flow.EndsWith(action, ".tmp"))) continue;
     std::string path = flow.TextOf(action);
-    const bool isBackup = path.ends_with(".bak");
-    if (!isBackup && !path.ends_with(".tmp")) continue;
     path.resize(path.size() - 4);
     const auto writes = [&](const TakenAction& put) {
       return !isBackup || put.command->verb == Verb::Add;
@@ -173,14 +178,14 @@ void FindFilesDeletedAtOnce(const Flow& flow) {
 /// Whether an END stands between a VERSION line and the next.
 bool IsClosed(const Script& script, std::size_t opening) {
   for (std::size_t i = opening + 1; i < script.lines.size(); ++i) {
-    if (Is(script.lines[i], Verb::End)) return true;
-    if (Is(script.lines[i], Verb::Version)) return false;
+    if (script.Is(i, Verb::End)) return true;
+    if (script.Is(i, Verb::Version)) return false;
   }
   return false;
 }
 
 void FindMissingEnds(const Flow& flow) {
-  if (!Is(flow.script.lines.back(), Verb::End)) {
+  if (!flow.script.Is(flow.script.lines.size() - 1, Verb::End)) {
     flow.findings.push_back({Severity::Warning, flow.script.numbers.back(),
                              "No END closes the script: something may be cut off."});
   }
@@ -226,10 +231,10 @@ bool IsEndedBefore(const Flow& flow, const TakenAction& action, const std::strin
                              [&](const TakenAction* kill) { return kill->line < action.line; });
     // The nearest one is most often that of the same block.
     for (auto kill = later; kill != kills.begin() && !others.IsEmpty();) {
-      others = others.Without(flow.AudienceOf(**--kill));
+      others.Remove(flow.AudienceOf(**--kill));
     }
     for (auto kill = later; kill != kills.end() && !others.IsEmpty(); ++kill) {
-      if ((*kill)->immediate) others = others.Without(flow.AudienceOf(**kill));
+      if ((*kill)->immediate) others.Remove(flow.AudienceOf(**kill));
     }
   }
   return others.IsEmpty();
@@ -238,9 +243,8 @@ bool IsEndedBefore(const Flow& flow, const TakenAction& action, const std::strin
 void FindProgramsInUse(Flow& flow) {
   CollectKills(flow);
   for (const auto& action : flow.reading.actions) {
-    if (!PutsAFile(action)) continue;
+    if (!PutsAFile(action) || !flow.EndsWith(action, ".exe")) continue;
     const std::string path = flow.TextOf(action);
-    if (!path.ends_with(".exe")) continue;
     const std::string program = path.substr(path.find_last_of('\\') + 1);
     if (path == "$apppath\\kestrane.exe") {
       flow.findings.push_back({Severity::Error, flow.NumberOf(action),
@@ -262,8 +266,8 @@ std::optional<std::size_t> OpeningOfUpdate(const Flow& flow, const std::string& 
   const auto end = static_cast<std::size_t>(above - flow.versions.begin());
   const Audience installed(end - 1, end);
   for (const auto& action : flow.reading.actions) {
-    const auto& [opening, audience] = flow.reading.blocks[action.block];
-    if (!action.immediate && audience.Overlaps(installed)) return opening;
+    const Block& block = flow.reading.blocks[action.block];
+    if (!action.immediate && block.audience.Overlaps(installed)) return block.opening;
   }
   return std::nullopt;
 }
@@ -303,7 +307,7 @@ void FindIdleActions(const Flow& flow) {
   for (std::size_t i = 1; i < flow.script.lines.size(); ++i) {
     const bool isTaken = taken != flow.reading.actions.end() && taken->line == i;
     if (isTaken) ++taken;
-    const auto* const command = CommandOf(flow.script.lines[i]);
+    const auto* const command = flow.script.commands[i];
     if (command == nullptr) isSwitchedOff = true;
     if (command != nullptr && command->verb == Verb::Version) {
       inBlock = true;
@@ -324,6 +328,7 @@ void FindIdleActions(const Flow& flow) {
 void CheckFlow(const Script& script, const std::string& newest, Findings& findings) {
   const auto versions = VersionsToldApart(script);
   const Reading reading = Read(script, versions);
+  if (!reading.failure.empty()) return;
   Flow flow = {script, versions, reading, findings};
   CollectPuts(flow);
   FindDestinationsGivenTwice(flow);

@@ -7,8 +7,6 @@
 
 namespace publish {
 
-using modFunciones::LowerCase;
-
 bool HasSurplus(const Line& line) {
   if (line.command == nullptr || !line.command->IsAction()) return false;
   const auto taken = std::min(line.fields.size(), line.command->Arguments().size() + 1);
@@ -26,7 +24,7 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 bool BeginsWith(std::string_view text, std::string_view macro) {
-  return LowerCase(text.substr(0, macro.size())) == LowerCase(macro);
+  return modFunciones::EqualIgnoringCase(text.substr(0, macro.size()), macro);
 }
 
 }  // namespace publish

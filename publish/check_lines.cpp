@@ -123,8 +123,6 @@ Remark MacroInWrongCase(const Line& line) {
   return {};
 }
 
-bool IsAccented(char character) { return static_cast<unsigned char>(character) > '~'; }
-
 /// True for a byte that no character of the code page has.
 bool IsUnassigned(char byte) {
   const char16_t codePoint = modFunciones::CodePointOf(byte);
@@ -132,8 +130,11 @@ bool IsUnassigned(char byte) {
 }
 
 Remark OddCharacters(const Line& line) {
+  const auto isAccented = [](char character) {
+    return static_cast<unsigned char>(character) > '~';
+  };
   for (const auto& field : line.fields) {
-    if (std::none_of(field.begin(), field.end(), IsAccented)) continue;
+    if (std::none_of(field.begin(), field.end(), isAccented)) continue;
     if (IsUtf8(field)) {
       return {Severity::Warning,
               "The line is in UTF-8, but is read as Windows-1252: users will "
@@ -166,7 +167,7 @@ constexpr Argument HeaderArguments[] = {{"version", Kind::Version}, {"URL", Kind
 void CheckLines(const Script& script, Findings& findings) {
   for (std::size_t i = 0; i < script.lines.size(); ++i) {
     const Fields& fields = script.lines[i];
-    const Line line = {fields, i == 0 ? nullptr : CommandOf(fields), i == 0};
+    const Line line = {fields, i == 0 ? nullptr : script.commands[i], i == 0};
     const auto tell = [&](const Remark& remark) {
       if (!remark.text.empty()) {
         findings.push_back({remark.severity, script.numbers[i], remark.text});

@@ -22,8 +22,8 @@ using Findings = std::vector<Finding>;
 /// What each line tells by itself.
 void CheckLines(const Script& script, Findings& findings);
 
-/// What the lines of a script do together, for every installed version that it tells apart. Nobody
-/// must refuse it. newest: the newest release of the application, or "".
+/// What the lines of a script do together, for every installed version that it tells apart, unless
+/// one of them refuses it. newest: the newest release of the application, or "".
 void CheckFlow(const Script& script, const std::string& newest, Findings& findings);
 
 }  // namespace publish

@@ -1,6 +1,9 @@
 #include "publish/folder.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
 #include <fstream>
 
 #include "base/text.h"
@@ -123,18 +126,21 @@ bool IsWithin(const fs::path& path, const fs::path& folder) {
 
 bool HaveSameContent(const fs::path& a, const fs::path& b) {
   std::error_code error;
-  if (fs::file_size(a, error) != fs::file_size(b, error) || error) return false;
-  // In blocks: it may be more than there is memory for.
+  const auto size = fs::file_size(a, error);
+  if (error || size != fs::file_size(b, error)) return false;
   std::ifstream one(a, std::ios::binary);
   std::ifstream two(b, std::ios::binary);
-  std::string block(1 << 16, '\0');
-  std::string other = block;
-  while (one && two) {
-    one.read(block.data(), static_cast<std::streamsize>(block.size()));
-    two.read(other.data(), static_cast<std::streamsize>(other.size()));
-    if (one.gcount() != two.gcount() || block != other) return false;
+  // In blocks: it may be more than there is memory for.
+  std::array<char, 131'072> block;
+  std::array<char, 131'072> other;
+  for (std::uintmax_t left = size; left > 0;) {
+    const auto length = static_cast<std::size_t>(std::min<std::uintmax_t>(left, block.size()));
+    if (!one.read(block.data(), static_cast<std::streamsize>(length))) return false;
+    if (!two.read(other.data(), static_cast<std::streamsize>(length))) return false;
+    if (std::memcmp(block.data(), other.data(), length) != 0) return false;
+    left -= length;
   }
-  return one.eof() && two.eof();
+  return one && two;  // an empty file may be one that cannot be opened
 }
 
 Difference Compare(const Folder& oldFolder, const Folder& newFolder) {

@@ -46,7 +46,7 @@ void Erase(std::string& script, std::size_t first, std::size_t end) {
 /// as a comment upon that, stays.
 void EraseBlock(std::string& script, const Script& cut, std::size_t opening) {
   std::size_t next = opening + 1;
-  while (next < cut.lines.size() && !Is(cut.lines[next], Verb::Version)) ++next;
+  while (next < cut.lines.size() && !cut.Is(next, Verb::Version)) ++next;
   Erase(script, IndexOf(cut, opening), IndexOf(cut, next - 1) + 1);
 }
 
@@ -77,7 +77,7 @@ void SetHeader(std::string& script, const std::string& header) {
 void SetName(std::string& script, const std::string& name) {
   const Script cut = CutWithNumbers(script);
   std::size_t line = 1;
-  while (line < cut.lines.size() && !Is(cut.lines[line], Verb::Name)) ++line;
+  while (line < cut.lines.size() && !cut.Is(line, Verb::Name)) ++line;
   const bool isThere = line < cut.lines.size();
   const std::size_t at = isThere ? IndexOf(cut, line) : IndexOf(cut, 0) + 1;
   if (isThere) Erase(script, at, at + 1);
@@ -96,7 +96,7 @@ std::vector<std::string> PutOlderBlock(std::string& script, const Lines& block) 
   std::vector<std::string> replaced;
   for (std::size_t i = cut.lines.size(); i-- > 1;) {
     const Fields& line = cut.lines[i];
-    if (!Is(line, Verb::Version) || FieldAt(line, 1) != opening[1]) continue;
+    if (!cut.Is(i, Verb::Version) || FieldAt(line, 1) != opening[1]) continue;
     const std::string& version = FieldAt(line, 2);
     if (modPrincipal::VersionToNumber(version) > modPrincipal::VersionToNumber(opening[2]))
       continue;

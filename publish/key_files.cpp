@@ -1,6 +1,7 @@
 #include "publish/key_files.h"
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <string_view>
 
@@ -113,11 +114,10 @@ std::optional<std::string> FingerprintMeant(const std::string& digitsOrFile,
 }
 
 bool IsPrivateKeyFile(const fs::path& path) {
-  std::string start(1 << 16, '\0');
+  std::array<char, 65'536> start;
   std::ifstream file(path, std::ios::binary);
-  file.read(start.data(), static_cast<std::streamsize>(start.size()));
-  start.resize(static_cast<std::size_t>(file.gcount()));
-  return HoldsPrivateKey(start);
+  file.read(start.data(), start.size());
+  return HoldsPrivateKey({start.data(), static_cast<std::size_t>(file.gcount())});
 }
 
 std::string FingerprintOf(const std::string& publicKey) {

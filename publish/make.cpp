@@ -136,9 +136,7 @@ void TellOddities(const Plan& plan, std::vector<std::string>& notes) {
   }
 }
 
-/// What is published already stays untouched where it is the same.
 bool Copy(const fs::path& file, const fs::path& target) {
-  if (HaveSameContent(file, target)) return true;
   std::error_code error;
   fs::create_directories(target.parent_path(), error);
   fs::remove(target, error);  // copying over it fails with some libraries
@@ -151,7 +149,7 @@ bool CopyFiles(const Plan& plan) {
   const bool copied =
       std::all_of(plan.uploads.begin(), plan.uploads.end(), [&](const Upload& upload) {
         ShowProgress(++done);
-        return Copy(upload.file, plan.order.site / upload.target);
+        return upload.isPublished || Copy(upload.file, plan.order.site / upload.target);
       });
   EndProgress();
   return copied;

@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "platform/files.h"
 #include "publish/key_files.h"
+#include "publish/progress.h"
 #include "publish/script_text.h"
 #include "publish/source.h"
 #include "publish/urls.h"
@@ -156,14 +157,17 @@ void CheckFolders(const Plan& plan, Problems& problems) {
   CheckPrivateKeys(plan.newFolder, problems);
 }
 
-void CheckUploads(const Plan& plan, Problems& problems) {
+void CheckUploads(Plan& plan, Problems& problems) {
   std::vector<std::string> others;
-  for (const auto& [file, target] : plan.uploads) {
-    const bool isPublished = fs::exists(plan.order.site / target);
-    if (isPublished && !HaveSameContent(file, plan.order.site / target)) {
-      others.push_back(Utf8Of(target));
-    }
+  std::size_t compared = 0;
+  StartProgress("Comparing files", plan.uploads.size());
+  for (auto& [file, target, isPublished] : plan.uploads) {
+    ShowProgress(++compared);
+    const fs::path there = plan.order.site / target;
+    isPublished = HaveSameContent(file, there);
+    if (!isPublished && fs::exists(there)) others.push_back(Utf8Of(target));
   }
+  EndProgress();
   if (others.empty() || plan.order.force) return;
   problems.push_back("The upload folder has other content already for " + Some(others) +
                      ", which users may have fetched: make a new version, or say --force.");
@@ -187,7 +191,7 @@ std::vector<std::string> Irreplaceable(const Plan& plan) {
 
 std::vector<std::string> Unnamed(const Plan& plan) {
   std::set<std::string> named = {ScriptName};
-  for (const auto& [file, target] : plan.uploads) named.insert(Utf8Of(target));
+  for (const auto& upload : plan.uploads) named.insert(Utf8Of(upload.target));
   for (const auto& line : CutWithNumbers(plan.script).lines) {
     for (const auto& field : line) AddEnds(field, named);
   }

@@ -16,6 +16,7 @@ namespace publish {
 struct Upload {
   std::filesystem::path file;
   std::filesystem::path target;  // below the upload folder
+  bool isPublished = false;      // it is there already, with the same content
 };
 
 /// The folders and what is to be made of them.
@@ -37,8 +38,8 @@ inline constexpr const char* UpdaterName = "Kestrane.exe";
 void CheckOrder(const Order& order, Problems& problems);
 void CheckFolders(const Plan& plan, Problems& problems);
 
-/// What is published already has to stay as it is.
-void CheckUploads(const Plan& plan, Problems& problems);
+/// What is published already has to stay as it is; finds out what that is.
+void CheckUploads(Plan& plan, Problems& problems);
 
 /// Files to be replaced or deleted that are hidden or read-only in the old folder, in UTF-8.
 [[nodiscard]] std::vector<std::string> Irreplaceable(const Plan& plan);

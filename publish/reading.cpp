@@ -20,7 +20,8 @@ class Installations : public modPrincipal::ScriptSink {
   void TakeName(const std::string& name) override { reading.name = name; }
 
   bool Holds(const modPrincipal::Condition& condition) override {
-    reading.blocks.push_back({condition.line, readers.Within(Meeting(condition))});
+    reading.blocks.push_back(
+        {condition.line, reading.actions.size(), Meeting(condition).Common(readers)});
     return !reading.blocks.back().audience.IsEmpty();
   }
 
@@ -31,7 +32,9 @@ class Installations : public modPrincipal::ScriptSink {
   }
 
   bool ReadsOn() override {
-    readers = readers.Without(reading.blocks.back().audience);
+    Block& block = reading.blocks.back();
+    block.lastName = reading.name;
+    readers.Remove(block.audience);
     return !readers.IsEmpty();
   }
 
@@ -58,12 +61,39 @@ class Installations : public modPrincipal::ScriptSink {
 
 Reading Read(const Script& script, const std::vector<std::int32_t>& versions) {
   Reading reading;
+  reading.actions.reserve(script.lines.size());  // there may be a million
   Installations installations(versions, reading);
   const auto ending = modPrincipal::ReadScript(script.lines, installations);
   if (ending.kind == modPrincipal::Ending::Kind::NotUnderstood) {
     reading.failure = modPrincipal::ScriptNotUnderstood;
   }
   return reading;
+}
+
+std::vector<BlocksMet> BlocksMetByEach(const Reading& all, std::size_t versions) {
+  std::vector<BlocksMet> met(versions);
+  for (std::size_t i = 0; i < all.blocks.size(); ++i) {
+    for (const auto& [first, end] : all.blocks[i].audience.Ranges()) {
+      for (std::size_t version = first; version < end; ++version) met[version].push_back(i);
+    }
+  }
+  return met;
+}
+
+Reading Alone(const Reading& all, const BlocksMet& blocks) {
+  Reading alone = {all.failure, all.name, all.offersUpdater, {}, {}};
+  for (const std::size_t i : blocks) {
+    const auto& block = all.blocks[i];
+    const bool isLast = i + 1 == all.blocks.size();
+    const std::size_t end = isLast ? all.actions.size() : all.blocks[i + 1].firstAction;
+    for (std::size_t action = block.firstAction; action < end; ++action) {
+      alone.actions.push_back(all.actions[action]);
+    }
+    if (!block.lastName) continue;
+    alone.name = *block.lastName;
+    alone.failure.clear();  // it stands further down
+  }
+  return alone;
 }
 
 }  // namespace publish

@@ -16,8 +16,10 @@ namespace publish {
 
 /// The lines from a VERSION line to the next.
 struct Block {
-  std::size_t opening;  // index of the VERSION line
-  Audience audience;    // those for whom it takes effect
+  std::size_t opening;      // index of the VERSION line
+  std::size_t firstAction;  // index into the actions; they end where those of the next block begin
+  Audience audience;        // those for whom it takes effect
+  std::optional<std::string> lastName = std::nullopt;  // where it ends their reading: see Reading
 };
 
 /// What becomes of an action.
@@ -50,5 +52,14 @@ struct Reading {
 
 /// versions: numbers of the installed versions, in rising order. Every file counts as available.
 [[nodiscard]] Reading Read(const Script& script, const std::vector<std::int32_t>& versions);
+
+/// The blocks that take effect for one version, in script order: indices.
+using BlocksMet = std::vector<std::size_t>;
+
+/// For each of so many versions that a script was read for.
+[[nodiscard]] std::vector<BlocksMet> BlocksMetByEach(const Reading& all, std::size_t versions);
+
+/// What a version that meets these blocks has of a reading for many; its own blocks are left out.
+[[nodiscard]] Reading Alone(const Reading& all, const BlocksMet& blocks);
 
 }  // namespace publish

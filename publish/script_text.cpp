@@ -10,16 +10,15 @@ Script CutWithNumbers(std::string text) {
   Script script;
   script.lines = modPrincipal::CutScript(text, &script.numbers);
   script.text = std::move(text);
+  script.commands.reserve(script.lines.size());
+  for (const auto& line : script.lines) {
+    script.commands.push_back(modPrincipal::CommandOf(line));
+  }
   return script;
 }
 
-const modPrincipal::Command* CommandOf(const Fields& line) {
-  return modPrincipal::FindCommand(modPrincipal::CommandWord(line));
-}
-
-bool Is(const Fields& line, modPrincipal::Verb verb) {
-  const auto* const command = CommandOf(line);
-  return command != nullptr && command->verb == verb;
+bool Script::Is(std::size_t line, modPrincipal::Verb verb) const {
+  return commands[line] != nullptr && commands[line]->verb == verb;
 }
 
 bool DeletesUpdater(const std::string& lowerPath) {

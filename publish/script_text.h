@@ -16,15 +16,13 @@ struct Script {
   std::string text;           // as it came, byte by byte
   std::vector<Fields> lines;  // the significant ones; the header is element 0
   std::vector<int> numbers;   // theirs in the text, from 1 on
+  std::vector<const modPrincipal::Command*> commands;  // theirs; null for a word that is none
+
+  [[nodiscard]] bool Is(std::size_t line, modPrincipal::Verb verb) const;
 };
 
 /// Cuts a text as the program does.
 [[nodiscard]] Script CutWithNumbers(std::string text);
-
-/// The command of a line; null for a word that is none.
-[[nodiscard]] const modPrincipal::Command* CommandOf(const Fields& line);
-
-[[nodiscard]] bool Is(const Fields& line, modPrincipal::Verb verb);
 
 /// Whether a path that DELETE takes, in lower case, names the updater, which runs and stays.
 [[nodiscard]] bool DeletesUpdater(const std::string& lowerPath);

@@ -67,8 +67,9 @@ void Answer(tcp::socket socket, const Service& service) {
 
 /// An installed version that may get an update.
 std::string VersionToTry(const Script& script) {
-  for (const auto& line : script.lines) {
-    if (Is(line, modPrincipal::Verb::Version)) return modFunciones::ToUtf8(FieldAt(line, 2));
+  for (std::size_t i = 0; i < script.lines.size(); ++i) {
+    if (!script.Is(i, modPrincipal::Verb::Version)) continue;
+    return modFunciones::ToUtf8(FieldAt(script.lines[i], 2));
   }
   return "1.0.0";
 }

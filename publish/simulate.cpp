@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "base/text.h"
 #include "publish/progress.h"
@@ -18,8 +19,17 @@ using modPrincipal::Verb;
 
 bool IsImmediate(const TakenAction& action) { return action.immediate; }
 
+Reading ReadIfTaken(const Script& script, const std::vector<std::int32_t>& versions,
+                    const Trust& trust) {
+  if (trust.takesScript) return Read(script, versions);
+  Reading refused;
+  refused.failure = modPrincipal::NotSigned;
+  return refused;
+}
+
 /// Asks the server for the files, as long as it has them.
 void Probe(const Script& script, Reading& reading) {
+  StartProgress("Asking the server", script.lines.size());
   std::size_t asked = 0;
   auto at = reading.actions.begin();
   for (; at != reading.actions.end() && reading.failure != FilesNotAvailable; ++at) {
@@ -33,6 +43,7 @@ void Probe(const Script& script, Reading& reading) {
     reading.failure = FilesNotAvailable;
   }
   reading.actions.erase(at, reading.actions.end());
+  EndProgress();
 }
 
 bool IsDownload(const TakenAction& action) {
@@ -132,6 +143,25 @@ std::string FinalScreenOf(const Reading& reading) {
   return std::string(isUpdate ? modPrincipal::Success : modPrincipal::NothingToDo);
 }
 
+Outcome OutcomeOf(const Script& script, Reading reading, const std::string& installed, bool probe,
+                  const Trust& trust) {
+  Outcome outcome = {installed, installed, std::move(reading), "", 0};
+  auto& actions = outcome.reading.actions;
+  if (probe) Probe(script, outcome.reading);
+  // Of a refused script no row is carried out; the last one may be what it is refused for.
+  const bool isRefused = !outcome.reading.failure.empty();
+  std::erase_if(actions, [&](const TakenAction& action) {
+    return isRefused && !action.immediate && action.fate != Fate::Missing;
+  });
+  std::stable_partition(actions.begin(), actions.end(), IsImmediate);
+  MarkProgramsThatAreNotStarted(script, outcome.reading);
+  outcome.finalScreen = FinalScreenOf(outcome.reading);
+  for (const auto& action : actions) outcome.bytes += action.size;
+  const bool nothingIsDownloaded = probe && outcome.bytes == 0 && !trust.checksFiles;
+  if (!isRefused) Rehearsal(script, trust, outcome, nothingIsDownloaded).CarryOut();
+  return outcome;
+}
+
 bool AreAlike(const Outcome& a, const Outcome& b) {
   const auto isSame = [](const TakenAction& x, const TakenAction& y) { return x.line == y.line; };
   return a.first.empty() == b.first.empty() && a.finalScreen == b.finalScreen &&
@@ -155,31 +185,10 @@ Offer SimulateOffer(const Script& script, bool probe, const Trust& trust) {
 
 Outcome Simulate(const Script& script, const std::string& installed, bool probe,
                  const Trust& trust) {
-  StartProgress("Asking the server", script.lines.size());
   // A blank at the beginning is lost on the command line.
   const auto first = std::min(installed.find_first_not_of(" \t"), installed.size());
   const auto number = modPrincipal::VersionToNumber(installed.substr(first));
-  Outcome outcome = {installed, installed, {}, "", 0};
-  if (trust.takesScript) {
-    outcome.reading = Read(script, {number});
-  } else {
-    outcome.reading.failure = modPrincipal::NotSigned;
-  }
-  auto& actions = outcome.reading.actions;
-  if (probe) Probe(script, outcome.reading);
-  EndProgress();
-  // Of a refused script no row is carried out; the last one may be what it is refused for.
-  const bool isRefused = !outcome.reading.failure.empty();
-  std::erase_if(actions, [&](const TakenAction& action) {
-    return isRefused && !action.immediate && action.fate != Fate::Missing;
-  });
-  std::stable_partition(actions.begin(), actions.end(), IsImmediate);
-  MarkProgramsThatAreNotStarted(script, outcome.reading);
-  outcome.finalScreen = FinalScreenOf(outcome.reading);
-  for (const auto& action : actions) outcome.bytes += action.size;
-  const bool nothingIsDownloaded = probe && outcome.bytes == 0 && !trust.checksFiles;
-  if (!isRefused) Rehearsal(script, trust, outcome, nothingIsDownloaded).CarryOut();
-  return outcome;
+  return OutcomeOf(script, ReadIfTaken(script, {number}, trust), installed, probe, trust);
 }
 
 bool GoesWrong(const Outcome& outcome) {
@@ -205,21 +214,30 @@ void CompareWithSite(const Script& script, const Site& site, std::vector<Outcome
 }
 
 std::vector<Outcome> SimulateAll(const Script& script, bool probe, const Trust& trust) {
+  const auto versions = VersionsToldApart(script);
+  const Reading all = ReadIfTaken(script, versions, trust);
+  const auto met = BlocksMetByEach(all, versions.size());
   std::vector<Outcome> outcomes;
-  for (const std::int32_t number : VersionsToldApart(script)) {
-    const std::string installed = VersionOf(number);
-    Outcome outcome = Simulate(script, installed, false, trust);
+  std::vector<std::size_t> firsts;  // the version that each of them begins with
+  for (std::size_t i = 0; i < versions.size(); ++i) {
+    const std::string installed = VersionOf(versions[i]);
+    if (i > 1 && met[i] == met[i - 1]) {  // behind the one that is no version
+      outcomes.back().last = installed;
+      continue;
+    }
+    Outcome outcome = OutcomeOf(script, Alone(all, met[i]), installed, false, trust);
     if (!outcomes.empty() && AreAlike(outcomes.back(), outcome)) {
       outcomes.back().last = installed;
     } else {
       outcomes.push_back(std::move(outcome));
+      firsts.push_back(i);
     }
   }
   if (!probe) return outcomes;
-  for (auto& outcome : outcomes) {  // each range is asked for once
-    const std::string last = outcome.last;
-    outcome = Simulate(script, outcome.first, true, trust);
-    outcome.last = last;
+  for (std::size_t i = 0; i < outcomes.size(); ++i) {  // each range is asked for once
+    const std::string last = outcomes[i].last;
+    outcomes[i] = OutcomeOf(script, Alone(all, met[firsts[i]]), outcomes[i].first, true, trust);
+    outcomes[i].last = last;
   }
   return outcomes;
 }

@@ -56,7 +56,8 @@ std::optional<fs::path> Site::FileOf(const std::string& url) const {
 }
 
 void CheckSite(const Script& script, const Site& site, Findings& findings) {
-  if (!site.Url().empty()) CheckPrivateKeys(site.Folder(), findings);
+  if (site.Url().empty()) return;
+  CheckPrivateKeys(site.Folder(), findings);
   for (const auto& [line, url] : DownloadsIn(script)) {
     const auto file = line == 0 ? std::nullopt : site.FileOf(url);
     if (!file) continue;

@@ -70,25 +70,27 @@ void ForOddDownloads(const Script& script, Why why, Tell tell) {
 }
 
 /// What stands between the bars of a line, or nothing where there is no such field.
-std::string KeyNamedBy(const std::string& signatureLine) {
+std::string KeyNamedBy(std::string_view signatureLine) {
   const Lines fields = modFunciones::Split(signatureLine, '|');
   const auto key = fields.size() == 3 ? modFunciones::FromBase64(fields[1]) : std::nullopt;
   return key ? FingerprintOf(*key) : "";
+}
+
+bool HasLine(const std::string& text, std::string_view mark) {
+  return text.starts_with(mark) || text.find("\n" + std::string(mark)) != std::string::npos;
 }
 
 /// The text line by line, with the rules for those about digests and signatures.
 class SigningLines {
  public:
   SigningLines(const Script& script, Findings& all) : text(script.text), findings(all) {
-    for (auto& line : modFunciones::Split(text, '\n')) {
-      if (line.ends_with('\r')) line.pop_back();
-      lines.push_back(std::move(line));
+    for (std::string_view rest = text; !rest.empty();) {
+      std::string_view line = rest.substr(0, rest.find('\n'));
+      rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+      if (line.ends_with('\r')) line.remove_suffix(1);
+      lines.push_back(line);
     }
     while (firstSignature < lines.size() && !IsSignature(firstSignature)) ++firstSignature;
-  }
-
-  [[nodiscard]] bool AreThere() const {
-    return firstSignature < lines.size() || std::any_of(lines.begin(), lines.end(), IsDigest);
   }
 
   /// Finds the first kind of fault that there is; one makes the others look wrong.
@@ -107,7 +109,6 @@ class SigningLines {
   }
 
  private:
-  static bool IsDigest(const std::string& line) { return line.starts_with(DigestMark); }
   [[nodiscard]] bool IsSignature(std::size_t i) const {
     return lines[i].starts_with(SignatureMark);
   }
@@ -136,7 +137,7 @@ class SigningLines {
 
   const std::string& text;
   Findings& findings;
-  Lines lines;
+  std::vector<std::string_view> lines;
   std::size_t firstSignature = 0;  // as many as there are lines when there is none
 };
 
@@ -169,8 +170,8 @@ Trust TrustIn(const Script& script, const Origin& origin) {
 }
 
 void CheckSigning(const Script& script, const Origin& origin, bool probe, Findings& findings) {
-  SigningLines lines(script, findings);
-  if (lines.AreThere()) lines.Check();
+  const bool isSigned = HasLine(script.text, DigestMark) || HasLine(script.text, SignatureMark);
+  if (isSigned) SigningLines(script, findings).Check();
   if (!IsTaken(script, origin.key)) {
     findings.push_back({Severity::Error, 0,
                         "No signature is that of the key that installations name, " + *origin.key +
@@ -179,7 +180,7 @@ void CheckSigning(const Script& script, const Origin& origin, bool probe, Findin
   const auto tell = [&](const Download& download, const std::string& why) {
     findings.push_back({Severity::Error, script.numbers[download.line], why});
   };
-  if (lines.AreThere() || origin.key) {
+  if (isSigned || origin.key) {
     const Digests digests = DigestsIn(script.text).value_or(Digests());
     const auto why = [&](const auto& url) {
       return WhyRefused(url, digests, origin.folder, probe);

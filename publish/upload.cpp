@@ -25,11 +25,10 @@ std::string HexOf(signature::Digest digest) {
 std::vector<Download> DownloadsIn(const Script& script) {
   std::vector<Download> downloads;
   for (std::size_t i = 0; i < script.lines.size(); ++i) {
-    const Fields& line = script.lines[i];
-    const auto* const command = CommandOf(line);
-    const bool isDownload =
-        i > 0 && command != nullptr && command->effect == modPrincipal::Effect::Download;
-    const std::string& url = i == 0 ? FieldAt(line, 1) : isDownload ? FieldAt(line, 2) : "";
+    const auto* const command = i == 0 ? nullptr : script.commands[i];
+    const bool isDownload = command != nullptr && command->effect == modPrincipal::Effect::Download;
+    if (i > 0 && !isDownload) continue;
+    const std::string& url = FieldAt(script.lines[i], i == 0 ? 1 : 2);
     if (!url.empty()) downloads.push_back({i, url});
   }
   return downloads;

@@ -14,8 +14,8 @@ namespace publish {
 
 /// A line that names a file to download; the header names the newer updater.
 struct Download {
-  std::size_t line;  // index into Script::lines
-  std::string url;
+  std::size_t line;        // index into Script::lines
+  const std::string& url;  // of the script
 };
 [[nodiscard]] std::vector<Download> DownloadsIn(const Script& script);
 

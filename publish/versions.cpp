@@ -18,9 +18,10 @@ std::string WithoutZeros(const std::string& part) {
   return digit == std::string::npos ? "0" : part.substr(digit);
 }
 
-std::int32_t NumberOfLine(const Fields& line) {
-  const bool isVersion = Is(line, modPrincipal::Verb::Version);
-  return isVersion ? modPrincipal::VersionToNumber(FieldAt(line, 2)) : 0;
+/// Of the version that a line names; 0 when it names none.
+std::int32_t NumberIn(const Script& script, std::size_t line) {
+  const bool isVersion = script.Is(line, modPrincipal::Verb::Version);
+  return isVersion ? modPrincipal::VersionToNumber(FieldAt(script.lines[line], 2)) : 0;
 }
 
 // VS_FIXEDFILEINFO of verrsrc.h: its signature, and where the parts of the version stand.
@@ -39,8 +40,8 @@ std::string NumberAt(std::string_view record, std::size_t at) {
 
 std::vector<std::int32_t> VersionsToldApart(const Script& script) {
   std::set<std::int32_t> numbers(std::begin(Edges), std::end(Edges));
-  for (const auto& line : script.lines) {
-    const std::int32_t number = NumberOfLine(line);
+  for (std::size_t i = 0; i < script.lines.size(); ++i) {
+    const std::int32_t number = NumberIn(script, i);
     if (number != 0) numbers.insert({number - 1, number, number + 1});
   }
   std::erase_if(numbers, [](std::int32_t number) { return VersionOf(number).empty(); });
@@ -83,11 +84,11 @@ std::string VersionOf(std::int32_t number) {
 std::string GreatestNamed(const Script& script) {
   std::int32_t greatest = 0;
   std::string version;
-  for (const auto& line : script.lines) {
-    const std::int32_t number = NumberOfLine(line);
+  for (std::size_t i = 0; i < script.lines.size(); ++i) {
+    const std::int32_t number = NumberIn(script, i);
     if (number <= greatest) continue;
     greatest = number;
-    version = FieldAt(line, 2);
+    version = FieldAt(script.lines[i], 2);
   }
   return version;
 }

@@ -59,18 +59,19 @@ constexpr Comparator ComparatorTable[] = {
     {"=", [](Number installed, Number given) { return installed == given; }},
 };
 
-/// The row of a table that a word stands in, or null.
+/// The row of a table that a word stands in, in any letter case, or null.
 template <typename Row>
 const Row* Find(std::span<const Row> table, std::string_view word) {
-  const auto found =
-      std::find_if(table.begin(), table.end(), [&](const Row& row) { return row.word == word; });
+  const auto found = std::find_if(table.begin(), table.end(), [&](const Row& row) {
+    return modFunciones::EqualIgnoringCase(row.word, word);
+  });
   return found == table.end() ? nullptr : &*found;
 }
 
 }  // namespace
 
 std::optional<std::uint32_t> ValueOf(std::span<const Word> words, std::string_view written) {
-  const Word* const word = Find(words, modFunciones::UpperCase(written));
+  const Word* const word = Find(words, written);
   return word == nullptr ? std::nullopt : std::optional(word->value);
 }
 

@@ -79,7 +79,7 @@ struct Command {
 
 [[nodiscard]] std::span<const Command> Commands();
 
-/// Null for a word that is none; in capitals.
+/// Null for a word that is none; in any letter case.
 [[nodiscard]] const Command* FindCommand(std::string_view word);
 
 /// True for the word of a command whose file is downloaded.

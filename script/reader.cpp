@@ -10,6 +10,11 @@
 namespace modPrincipal {
 namespace {
 
+/// Without one marker.
+std::string_view WordOf(const Fields& line) {
+  return std::string_view(line[0]).substr(HasMarker(line) ? 1 : 0);
+}
+
 std::string NameOf(const Fields& line) {
   return modFunciones::Join(modFunciones::ArraySlice(line, 1), " ");
 }
@@ -60,9 +65,9 @@ std::vector<Fields> CutScript(std::string_view script, std::vector<int>* numbers
 
 bool HasMarker(const Fields& line) { return line[0].starts_with('!'); }
 
-std::string CommandWord(const Fields& line) {
-  return modFunciones::UpperCase(std::string_view(line[0]).substr(HasMarker(line) ? 1 : 0));
-}
+std::string CommandWord(const Fields& line) { return modFunciones::UpperCase(WordOf(line)); }
+
+const Command* CommandOf(const Fields& line) { return FindCommand(WordOf(line)); }
 
 bool IsHeader(const Fields& line) {
   return line.size() == 2 && VersionToNumber(line[0]) != 0 && !line[1].empty();
@@ -81,7 +86,7 @@ Ending ReadScript(std::span<const Fields> lines, ScriptSink& sink) {
   bool holds = false;
   for (std::size_t i = 1; i < lines.size(); ++i) {
     const Fields& line = lines[i];
-    const Command* const command = FindCommand(CommandWord(line));
+    const Command* const command = CommandOf(line);
     if (command == nullptr) {
       holds = false;
     } else if (!IsWellFormed(*command, line)) {

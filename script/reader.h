@@ -36,8 +36,11 @@ inline constexpr std::size_t LeastLines = 4;
 
 [[nodiscard]] bool HasMarker(const Fields& line);
 
-/// The command word of a line as it is compared: in capitals, without one marker.
+/// The command word of a line, in capitals, without one marker.
 [[nodiscard]] std::string CommandWord(const Fields& line);
+
+/// The command of that word; null for a word that is none.
+[[nodiscard]] const Command* CommandOf(const Fields& line);
 
 /// False for a header, and for a line of a command, for whose sake a script is refused.
 [[nodiscard]] bool IsHeader(const Fields& line);

@@ -138,24 +138,25 @@ TEST(Check, TellsWhatIsWrongWithScripts) {
 TEST(Check, ReadsForEverybodyAsForEachAlone) {
   const Texts lines = {"VERSION|<|2",     "VERSION|<=|2.0.1", "VERSION|=|3", "VERSION|>=|2.0.1",
                        "VERSION|>|1.0.0", "VERSION|=|1.0.0",  "END",         "!KILL|a",
-                       "SLEEP|1",         "KILL|a",           "unknown"};
-  const auto linesFor = [](const Reading& reading, const Audience& audience) {
+                       "SLEEP|1",         "KILL|a",           "unknown",     "NAME|a",
+                       "NAME|b"};
+  const auto meet = [](const Reading& reading) {
     std::vector<std::size_t> numbers;
-    for (const auto& action : reading.actions) {
-      if (reading.blocks[action.block].audience.Overlaps(audience)) numbers.push_back(action.line);
-    }
-    return numbers;
+    for (const auto& action : reading.actions) numbers.push_back(action.line);
+    return std::tuple(numbers, reading.name, reading.failure);
   };
   std::minstd_rand random;
   for (int i = 0; i < 500; ++i) {
     std::string text = header;
     for (int count = 30; count > 0; --count) text += lines[random() % lines.size()] + "\n";
+    if (i % 2 == 0) text += "NAME";
     const Script script = CutWithNumbers(text);
     const auto versions = VersionsToldApart(script);
     const Reading all = Read(script, versions);
+    const auto met = BlocksMetByEach(all, versions.size());
     for (std::size_t k = 0; k < versions.size(); ++k) {
       const Reading own = Read(script, {versions[k]});
-      EXPECT_EQ(linesFor(all, {k, k + 1}), linesFor(own, {0, 1})) << versions[k] << "\n" << text;
+      EXPECT_EQ(meet(Alone(all, met[k])), meet(own)) << versions[k] << "\n" << text;
     }
   }
 }

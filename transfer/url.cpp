@@ -1,5 +1,7 @@
 #include "transfer/url.h"
 
+#include <algorithm>
+
 #include "base/decimal.h"
 #include "base/replace.h"
 #include "base/text.h"
@@ -14,17 +16,21 @@ constexpr const char* SecurePort = "443";
 constexpr const char* SecureMark = "https";
 
 bool HasScheme(std::string_view url, std::string_view scheme) {
-  return modFunciones::LowerCase(url.substr(0, scheme.size())) == scheme;
+  return EqualIgnoringCase(url.substr(0, scheme.size()), scheme);
 }
 
-std::vector<std::string> SplitWithoutScheme(std::string rest, const char* defaultPort) {
+std::vector<std::string> SplitWithoutScheme(std::string_view rest, std::string_view defaultPort) {
   if (rest.empty()) return {};
-  if (rest.find('/') == std::string::npos) rest += '/';
-  const auto slash = rest.find('/');
+  const auto slash = std::min(rest.find('/'), rest.size());
   const auto colon = rest.find(':');
-  if (colon == std::string::npos) return {rest.substr(0, slash), defaultPort, rest.substr(slash)};
-  if (colon > slash) return {};
-  return {rest.substr(0, colon), rest.substr(colon + 1, slash - colon - 1), rest.substr(slash)};
+  const bool namesPort = colon != std::string_view::npos;
+  if (namesPort && colon > slash) return {};
+  std::vector<std::string> parts;
+  parts.reserve(4);
+  parts.emplace_back(rest.substr(0, namesPort ? colon : slash));
+  parts.emplace_back(namesPort ? rest.substr(colon + 1, slash - colon - 1) : defaultPort);
+  parts.emplace_back(slash < rest.size() ? rest.substr(slash) : "/");
+  return parts;
 }
 
 }  // namespace
@@ -38,7 +44,7 @@ bool IsSecureUrl(std::string_view url) { return HasScheme(url, SecureScheme); }
 std::vector<std::string> SplitUrl(std::string_view url) {
   if (IsSecureUrl(url)) {
     url.remove_prefix(SecureScheme.size());
-    std::vector<std::string> parts = SplitWithoutScheme(std::string(url), SecurePort);
+    std::vector<std::string> parts = SplitWithoutScheme(url, SecurePort);
     if (!parts.empty()) parts.emplace_back(SecureMark);
     return parts;
   }
