@@ -361,6 +361,9 @@ TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
   sandbox.Write("s", "1|x");
   EXPECT_THAT(Checks(Utf8Of(sandbox.Folder("s"))),
               StartsWith("@s: error: The script needs at least four lines"));
+  sandbox.Write("s", Block("SLEEP|x\nEND"));
+  EXPECT_THAT(Checks(Utf8Of(sandbox.Folder("s"))),
+              EndsWith(" 1 warning; the updater understands it\n1"));
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("none"))), "@none is not there.\n2");
   EXPECT_EQ(Checks(Utf8Of(sandbox.Folder("")), true),
             "{\n  \"problems\": [\n    \"@ is a folder.\"\n  ]\n}\n2");
