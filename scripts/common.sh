@@ -60,11 +60,13 @@ display_answers() {
   xdpyinfo >/dev/null 2>&1
 }
 
+# Without -noreset the server starts anew when its last client goes, and who comes at that moment is
+# turned away.
 start_xvfb() {
   local number
   for number in {90..119}; do
     [[ -e /tmp/.X$number-lock || -e /tmp/.X11-unix/X$number ]] && continue
-    Xvfb ":$number" -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
+    Xvfb ":$number" -screen 0 1024x768x24 -nolisten tcp -noreset >/dev/null 2>&1 &
     export DISPLAY=:$number
     # Should another server take the number first, this one ends while that one answers.
     if wait_until 5 display_answers && kill -0 $!; then

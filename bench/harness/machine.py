@@ -163,7 +163,7 @@ def virtual_display() -> Iterator[None]:
             continue
         os.environ["DISPLAY"] = f":{number}"
         with running(
-            ["Xvfb", f":{number}", "-screen", "0", "1024x768x24", "-nolisten", "tcp"]
+            ["Xvfb", f":{number}", "-screen", "0", "1024x768x24", "-nolisten", "tcp", "-noreset"]
         ) as server:
             # Should another server take the number first, this one ends while that one answers.
             if poll(5, display_answers, 0.05) and server.poll() is None:
