@@ -113,6 +113,7 @@ TEST(Check, TellsWhatIsWrongWithScripts) {
        {"E5 where line 6 keeps"}},
       {Block("ADD|$AppPath\\a.bak" + url + "\nUPDATE|$AppPath\\a" + url + "\nEND"), {}},
       {Block("REGISTER|$AppPath\\A\n" + add + "END"), {"E5 before line 6 puts"}},
+      {Block("ADD|C:\\a" + url + "\n!REGISTER|C:\\a\nEND"), {"E6 before line 5 puts"}},
       {Block(add + "DELETE|$AppPath\\A\nEND"), {"E6 that line 5 puts"}},
       {Block(add + "EXECUTE|x|WAIT|MAX\nDELETE|$AppPath\\a\nEND"), {}},
       {Block(add + "DELETE|$AppPath\\?\nEND"), {"E6 that line 5 puts", "W6 every file that fits"}},
@@ -180,7 +181,7 @@ class Making : public Test {
 
 TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
   sandbox.Fill({{"old/app.exe", "1"}, {"old/same.exe", "="}, {"old/gone.dll", component}});
-  sandbox.Fill({{"new/App.exe", "2"}, {"new/same.exe", "="}, {"new/d e/f", component}});
+  sandbox.Fill({{"new/App.exe", "1"}, {"new/same.exe", "="}, {"new/d e/f", component}});
   sandbox.Fill({{"old/ini", "1"}, {"new/ini", "2"}, {"old/mine", "1"}, {"new/d e/yours", "2"}});
   sandbox.Fill({{"new/a.log", "1"}, {"old/LOGS/$AppPath", "2"}, {"old/c/same", "2"}});
   std::filesystem::rename(order.newFolder / "d e/f", order.newFolder / "d e" / u8"ñ#.ocx");
@@ -231,6 +232,7 @@ TEST_F(Making, WritesBlocksThatTurnOneFolderIntoTheOther) {
                 "ADD|$AppPath\\App.exe|https://u/l/2.0.0/App.exe\n" + yours + ocx + ini +
                 "ADD|$AppPath\\same.exe|https://u/l/2.0.0/same.exe\n" + rest);
   EXPECT_EQ(ReadFile(order.site / "2.0.0/d e" / u8"ñ#.ocx"), component);
+  EXPECT_EQ(sandbox.Read("site/2.0.0/same.exe"), "=");
   ExpectFindings(sandbox.Read("site/update.txt"), {}, {order.to, ""});
 
   // What is published stays as it is.
@@ -279,6 +281,9 @@ TEST_F(Making, UploadsANewUpdater) {
             "ADD|$AppPath\\b|https://u/l/2.0.0/b\nDELETE|$AppPath\\.gone\n"
             "DELETE|$AppPath\\gone.exe\nEND\n");
   EXPECT_EQ(sandbox.Read("site/kestrane/1.0.3/Kestrane.exe"), Updater("\3"));
+  sandbox.Write("new/Kestrane.exe", Updater("\2"));
+  EXPECT_EQ(Make(order).problems, Texts{});
+  EXPECT_THAT(sandbox.Read("site/update.txt"), StartsWith("1.0.3|"));
   if (sandbox.Has("new/B")) return;  // names of files are told apart by letter case here
   sandbox.Write("new/B", "x");
   std::filesystem::create_symlink(order.oldFolder / "gone.exe", order.newFolder / "link");
