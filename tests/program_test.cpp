@@ -43,7 +43,7 @@ TEST_F(Program, CarriesOutAnUpdateWithEveryAction) {
               "\nREGISTER|$AppPath\\reports.dll\nUNREGISTER|$AppPath\\reports.dll"
               "\nREGISTER|$AppPath\\out\nREGISTER|$AppPath\\slow.dll\nEND\nMSG\n");
   EXPECT_TRUE(RunsSilently());
-  EXPECT_EQ(sandbox.Read("kt-ledger.exe"), helper);
+  EXPECT_EQ(Shown(sandbox.Read("kt-ledger.exe")), Shown(helper));
   sandbox.Write("kt-ledger.exe", "of no process");
   EXPECT_EQ(Files(), (Tree{{"kt-ledger.exe", "of no process"},
                            {"reports.dll", Shown(component)},
