@@ -152,7 +152,7 @@ Remark BeginningOfPath(std::string_view path) {
 Remark PathThatGoesAstray(const Line& line, const Argument& argument, const std::string& path) {
   if (!IsPath(argument.kind) || path.empty()) return {};
   if (path.find('/') != std::string::npos) {
-    if (line.command->effect != modPrincipal::Effect::Download) {
+    if (!line.command->IsDownload()) {
       return {Severity::Warning, "The path has a \"/\", where Windows wants a backslash."};
     }
     return {

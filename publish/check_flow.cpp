@@ -57,7 +57,7 @@ struct Flow {
   }
 };
 
-bool PutsAFile(const TakenAction& action) { return action.command->effect == Effect::Download; }
+bool PutsAFile(const TakenAction& action) { return action.command->IsDownload(); }
 
 std::size_t HashOf(const std::string& path) { return std::hash<std::string>()(path); }
 

@@ -125,9 +125,9 @@ void TellOddities(const Plan& plan, std::vector<std::string>& notes) {
   }
   const auto irreplaceable = Irreplaceable(plan);
   if (!irreplaceable.empty()) {
-    notes.push_back("In the old folder " + Some(irreplaceable) +
-                    " is hidden or read-only: where an installation has it so, it stays, and the "
-                    "update may fail. Wine hides what begins with a dot.");
+    notes.push_back("Hidden or read-only in the old folder: " + Some(irreplaceable) +
+                    ". Where an installation has them so, they stay, and the update may fail. "
+                    "Wine hides what begins with a dot.");
   }
   const auto unnamed = Unnamed(plan);
   if (!unnamed.empty()) {

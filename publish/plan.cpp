@@ -175,14 +175,16 @@ void CheckUploads(Plan& plan, Problems& problems) {
 
 std::vector<std::string> Irreplaceable(const Plan& plan) {
   std::vector<std::string> names;
-  for (const auto* files : {&plan.difference.changed, &plan.difference.removed}) {
-    for (const auto& file : *files) {
+  for (const auto* listed : {&plan.difference.changed, &plan.difference.removed}) {
+    for (const auto& file : *listed) {
       if (AreAmong(plan.order.wishes.kept, file.name)) continue;
       const fs::path& old = plan.oldFolder.at(modFunciones::LowerCase(file.name)).path;
-      const auto rights = fs::status(old).permissions();
+      std::error_code error;
+      const auto rights = fs::status(old, error).permissions();
       const bool isReadOnly = (rights & fs::perms::owner_write) == fs::perms::none;
       const auto path = modFunciones::FromUtf8(Utf8Of(old));
-      const bool isHidden = path && platform::files::Find(*path).empty();
+      const bool isHidden =
+          path && platform::files::IsFile(*path) && platform::files::Find(*path).empty();
       if (isReadOnly || isHidden) names.push_back(modFunciones::ToUtf8(file.name));
     }
   }

@@ -194,7 +194,7 @@ void PrintAction(const TakenAction& action, const Script& script, bool probed) {
   Fields shown = script.lines[action.line];
   shown[0] = modPrincipal::CommandWord(shown);
   std::cout << modFunciones::ToUtf8(modFunciones::Join(shown, "  "));
-  const bool isFile = action.command->effect == modPrincipal::Effect::Download;
+  const bool isFile = action.command->IsDownload();
   if (action.fate != Fate::Done) {
     std::cout << "  (" << FateWords[static_cast<std::size_t>(action.fate)].text << ")";
   } else if (probed && isFile) {
@@ -220,7 +220,7 @@ void PrintOffer(const Offer& offer, bool probed) {
   std::cout << "\n\n";
 }
 
-std::string FinalScreenOf(const Outcome& outcome) {
+std::string FinalScreenAndHint(const Outcome& outcome) {
   const bool isUnclear = outcome.finalScreen == modPrincipal::ScriptNotUnderstood;
   return modFunciones::ToUtf8(outcome.finalScreen) + (isUnclear ? "  (check tells why)" : "");
 }
@@ -237,14 +237,14 @@ void PrintOutcome(const Script& script, const Outcome& outcome, bool probed) {
   }
   if (probed && isUpdate)
     std::cout << "  in all " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte") << "\n";
-  std::cout << "  final screen: " << FinalScreenOf(outcome) << "\n\n";
+  std::cout << "  final screen: " << FinalScreenAndHint(outcome) << "\n\n";
 }
 
 void PrintInShort(const Script& script, const Outcome& outcome, bool probed) {
   std::cout << modFunciones::ToUtf8(InstalledText(outcome)) << ": "
             << Number(outcome.reading.actions.size(), "action");
   if (probed) std::cout << ", " << Number(static_cast<std::uint64_t>(outcome.bytes), "byte");
-  std::cout << "\n  " << FinalScreenOf(outcome) << "\n";
+  std::cout << "\n  " << FinalScreenAndHint(outcome) << "\n";
   for (const auto& action : outcome.reading.actions) {
     if (action.fate != Fate::Done || action.published) PrintAction(action, script, probed);
   }

@@ -14,6 +14,7 @@
 #include "publish/site.h"
 #include "publish/source.h"
 #include "publish/trust.h"
+#include "publish/upload.h"
 #include "publish/urls.h"
 
 namespace publish {
@@ -33,10 +34,9 @@ struct Service {
 
 /// The bytes for the target of a request; nothing where there is no such file in the folder.
 std::optional<std::string> ContentFor(const std::string& target, const Service& service) {
-  const auto name = PathOf(Decoded(target.substr(0, target.find('?')))).relative_path();
-  const auto plain = name.lexically_normal();
-  if (plain.empty() || plain.has_root_path() || *plain.begin() == "..") return std::nullopt;
-  const auto file = service.folder / plain;
+  const std::string path = target.substr(0, target.find('?'));
+  const auto first = std::min(path.find_first_not_of('/'), path.size());
+  const auto file = FileNamed(service.folder, path.substr(first));
   std::error_code error;
   if (!std::filesystem::is_regular_file(file, error) || IsPrivateKeyFile(file)) return std::nullopt;
   auto content = ReadFile(file);

@@ -34,7 +34,7 @@ void Probe(const Script& script, Reading& reading) {
   auto at = reading.actions.begin();
   for (; at != reading.actions.end() && reading.failure != FilesNotAvailable; ++at) {
     const std::string& url = FieldAt(script.lines[at->line], 2);
-    if (at->command->effect != modPrincipal::Effect::Download || url.empty()) continue;
+    if (!at->command->IsDownload() || url.empty()) continue;
     ShowProgress(++asked);
     const auto length = modFunciones::AvailableLength(url);
     at->size = length.value_or(0);
@@ -44,10 +44,6 @@ void Probe(const Script& script, Reading& reading) {
   }
   reading.actions.erase(at, reading.actions.end());
   EndProgress();
-}
-
-bool IsDownload(const TakenAction& action) {
-  return action.command->effect == modPrincipal::Effect::Download;
 }
 
 /// The recorded actions, as they are carried out, and what the final screen says then.
@@ -76,9 +72,9 @@ class Rehearsal {
 
   /// The message that the download of an action ends with; empty when that goes well.
   [[nodiscard]] std::string_view FailureOf(const TakenAction& action) const {
-    if (!IsDownload(action)) return "";
+    if (!action.command->IsDownload()) return "";
     const std::string& url = FieldAt(script.lines[action.line], 2);
-    const bool isFile = ArgumentOf(action).find_first_of("*?") == std::string::npos;
+    const bool isFile = ArgumentOf(action).find_first_of("*?<>\"") == std::string::npos;
     if (url.empty() || !isFile) return modPrincipal::WriteFailure;
     return trust.refusedUrls.contains(url) ? modPrincipal::NotGenuine : "";
   }
@@ -87,15 +83,16 @@ class Rehearsal {
   bool Downloads() {
     auto& actions = outcome.reading.actions;
     if (nothingIsDownloaded) return true;
-    const auto failing = std::find_if(actions.begin(), actions.end(), [&](const auto& action) {
-      return !FailureOf(action).empty();
-    });
-    if (failing == actions.end()) return true;
-    Fail(*failing, FailureOf(*failing));
-    std::erase_if(actions, [](const TakenAction& action) {
-      return !action.immediate && action.fate == Fate::Done;
-    });
-    return false;
+    for (auto& failing : actions) {
+      const auto failure = FailureOf(failing);
+      if (failure.empty()) continue;
+      Fail(failing, failure);
+      std::erase_if(actions, [](const TakenAction& action) {
+        return !action.immediate && action.fate == Fate::Done;
+      });
+      return false;
+    }
+    return true;
   }
 
   /// Whether the download is not there, or not to be put where it belongs.
@@ -113,7 +110,7 @@ class Rehearsal {
       if (action->immediate) continue;
       if (action->command->verb == Verb::Delete && DeletesUpdater(ArgumentOf(*action))) {
         Fail(*action, modPrincipal::DeleteFailure);
-      } else if (IsDownload(*action) && StaysOut(*action)) {
+      } else if (action->command->IsDownload() && StaysOut(*action)) {
         Fail(*action, modPrincipal::WriteFailure);
         actions.erase(action + 1, actions.end());
         return;
@@ -154,11 +151,11 @@ Outcome OutcomeOf(const Script& script, Reading reading, const std::string& inst
     return isRefused && !action.immediate && action.fate != Fate::Missing;
   });
   std::stable_partition(actions.begin(), actions.end(), IsImmediate);
-  MarkProgramsThatAreNotStarted(script, outcome.reading);
   outcome.finalScreen = FinalScreenOf(outcome.reading);
   for (const auto& action : actions) outcome.bytes += action.size;
   const bool nothingIsDownloaded = probe && outcome.bytes == 0 && !trust.checksFiles;
   if (!isRefused) Rehearsal(script, trust, outcome, nothingIsDownloaded).CarryOut();
+  MarkProgramsThatAreNotStarted(script, outcome.reading);
   return outcome;
 }
 
@@ -202,7 +199,7 @@ bool GoesWrong(const Outcome& outcome) {
 void CompareWithSite(const Script& script, const Site& site, std::vector<Outcome>& outcomes) {
   for (auto& outcome : outcomes) {
     for (auto& action : outcome.reading.actions) {
-      if (!IsDownload(action) || action.fate == Fate::Missing) continue;
+      if (!action.command->IsDownload() || action.fate == Fate::Missing) continue;
       const auto file = site.FileOf(FieldAt(script.lines[action.line], 2));
       if (!file) continue;
       std::error_code error;

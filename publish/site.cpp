@@ -51,8 +51,7 @@ Site::Site(fs::path folder, const Script& script) : root(std::move(folder)) {
 
 std::optional<fs::path> Site::FileOf(const std::string& url) const {
   if (base.empty() || !url.starts_with(base)) return std::nullopt;
-  const fs::path file = FileNamed(root, url.substr(base.size()));
-  return file.empty() ? std::nullopt : std::optional(file);
+  return FileNamed(root, url.substr(base.size()));
 }
 
 void CheckSite(const Script& script, const Site& site, Findings& findings) {

@@ -15,7 +15,8 @@ class Site {
   /// Finds out by files that the script names and the folder holds.
   Site(std::filesystem::path folder, const Script& script);
 
-  /// The file of a URL, which may be missing; nothing for a URL that leads elsewhere.
+  /// The file of a URL, which may be missing, and an empty path where no file can have its name;
+  /// nothing for a URL that leads elsewhere.
   [[nodiscard]] std::optional<std::filesystem::path> FileOf(const std::string& url) const;
 
   [[nodiscard]] const std::filesystem::path& Folder() const { return root; }

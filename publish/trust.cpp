@@ -43,7 +43,7 @@ std::string WhyRefused(const std::string& url, const Digests& digests,
     return "The #SHA256 line is not that of the file beside the script" + refused;
   }
   if (!probe) return "";
-  const auto received = DigestOfUrl(url);
+  const auto received = modFunciones::AvailableLength(url) ? DigestOfUrl(url) : std::nullopt;
   if (!received) return "The server does not have the file, or not whole" + refused;
   if (received == published->second) return "";
   return "The server sends another file than the #SHA256 line says" + refused;
@@ -60,7 +60,7 @@ template <typename Why, typename Tell>
 void ForOddDownloads(const Script& script, Why why, Tell tell) {
   std::map<std::string, std::string> reasons;
   const auto downloads = DownloadsIn(script);
-  StartProgress("Comparing files", downloads.size());
+  StartProgress("Reading files", downloads.size());
   for (std::size_t i = 0; i < downloads.size(); ShowProgress(++i)) {
     const auto& [line, url] = downloads[i];
     if (!reasons.contains(url)) reasons[url] = why(url);

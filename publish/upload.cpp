@@ -26,7 +26,7 @@ std::vector<Download> DownloadsIn(const Script& script) {
   std::vector<Download> downloads;
   for (std::size_t i = 0; i < script.lines.size(); ++i) {
     const auto* const command = i == 0 ? nullptr : script.commands[i];
-    const bool isDownload = command != nullptr && command->effect == modPrincipal::Effect::Download;
+    const bool isDownload = command != nullptr && command->IsDownload();
     if (i > 0 && !isDownload) continue;
     const std::string& url = FieldAt(script.lines[i], i == 0 ? 1 : 2);
     if (!url.empty()) downloads.push_back({i, url});
@@ -35,10 +35,11 @@ std::vector<Download> DownloadsIn(const Script& script) {
 }
 
 fs::path FileNamed(const fs::path& folder, const std::string& end) {
-  const std::string text = Decoded(end);
-  const fs::path path = PathOf(IsUtf8(text) ? text : modFunciones::ToUtf8(text)).lexically_normal();
-  const bool isBelow =
-      !path.empty() && path.is_relative() && !path.has_root_name() && *path.begin() != "..";
+  // Letters that the script has as they are; codes of other ones than UTF-8 name nothing.
+  const std::string text = Decoded(IsUtf8(end) ? end : modFunciones::ToUtf8(end));
+  if (!IsUtf8(text)) return {};
+  const fs::path path = PathOf(text).lexically_normal();
+  const bool isBelow = !path.empty() && !path.has_root_path() && *path.begin() != "..";
   return isBelow ? folder / path : fs::path();
 }
 

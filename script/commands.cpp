@@ -87,7 +87,7 @@ const Command* FindCommand(std::string_view word) { return Find(Commands(), word
 
 bool IsDownload(std::string_view word) {
   const Command* const command = FindCommand(word);
-  return command != nullptr && command->effect == Effect::Download;
+  return command != nullptr && command->IsDownload();
 }
 
 std::span<const Comparator> Comparators() { return ComparatorTable; }

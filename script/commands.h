@@ -73,6 +73,7 @@ struct Command {
   std::array<Argument, 3> list;
 
   [[nodiscard]] bool IsAction() const { return effect != Effect::OnReading; }
+  [[nodiscard]] bool IsDownload() const { return effect == Effect::Download; }
   [[nodiscard]] bool MarkerWorks() const { return effect == Effect::Action; }
   [[nodiscard]] std::span<const Argument> Arguments() const;
 };

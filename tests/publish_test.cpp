@@ -274,7 +274,7 @@ TEST_F(Making, UploadsANewUpdater) {
   EXPECT_FALSE(sandbox.Has("site/update.txt"));
   std::filesystem::remove(order.site / "2.0.0");
   EXPECT_THAT(Make(order).notes, ElementsAre(HasSubstr("so this is a new one"),
-                                             HasSubstr("folder .gone, gone.exe is hidden or")));
+                                             HasSubstr("in the old folder: .gone, gone.exe.")));
   setReadOnly(std::filesystem::perm_options::add);
   EXPECT_EQ(sandbox.Read("site/update.txt"),
             "1.0.3|https://u/l/kestrane/1.0.3/Kestrane.exe\nVERSION|=|1.0.0\nKILL|gone.exe\n"
@@ -382,10 +382,12 @@ TEST_F(Tool, TellsOfAScriptWhatIsWrongAndWhere) {
 
   // Against the upload folder beside it.
   sandbox.Fill({{"site/1/a b", "x"}, {"site/1/empty", ""}, {"site/1/k", Key}});
-  sandbox.Write("site/s", Block("ADD|$AppPath\\a|https://u/l/1/a%20b\nADD|$AppPath\\b|https://u/x\n"
-                                "ADD|$AppPath\\c|https://u/l/1/c\nADD|$AppPath\\d|https://u/l/1/d\n"
-                                "ADD|$AppPath\\e|https://u/l/1/e\nUPDATE|$AppPath\\f|"
-                                "https://u/l/1/empty\nEND"));
+  sandbox.Write(PathOf("site/1/ñ"), "which servers find by its UTF-8 alone");
+  sandbox.Write("site/s",
+                Block("ADD|$AppPath\\a|https://u/l/1/a%20b\nADD|$AppPath\\b|https://u/x\n"
+                      "ADD|$AppPath\\c|https://u/l/1/c\nADD|$AppPath\\d|https://u/l/1/%F1\n"
+                      "ADD|$AppPath\\e|https://u/l/1/e\nUPDATE|$AppPath\\f|"
+                      "https://u/l/1/empty\nEND"));
   EXPECT_EQ(
       Checks(Utf8Of(sandbox.Folder("site/s"))),
       "@site/s: error: The upload folder holds a private key, 1/k, which others would get: keep "
