@@ -5,6 +5,7 @@
 
 #include "publish/reading.h"
 #include "publish/site.h"
+#include "publish/source.h"
 #include "publish/versions.h"
 #include "run/messages.h"
 #include "script/version.h"
@@ -12,7 +13,7 @@
 namespace publish {
 namespace {
 
-constexpr std::string_view ByteOrderMarks[] = {"\xEF\xBB\xBF", "\xFF\xFE", "\xFE\xFF"};
+constexpr std::string_view ByteOrderMarks[] = {Utf8Mark, "\xFF\xFE", "\xFE\xFF"};
 
 /// Byte-order mark and number of lines; with findings, looking further makes no sense.
 Findings CheckText(const Script& script) {

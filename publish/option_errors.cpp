@@ -11,6 +11,7 @@ namespace publish {
 namespace {
 
 using Texts = std::vector<std::string>;
+using Options = std::vector<const CLI::Option*>;
 
 std::string NoCommand(const CLI::App& tool, const std::string& word) {
   Texts commands;
@@ -18,26 +19,47 @@ std::string NoCommand(const CLI::App& tool, const std::string& word) {
   return '"' + word + "\" is no command" + NearestAmong(commands, word) + ".";
 }
 
-/// dashes: what stands before the name of an option where it was written.
-std::string NoOption(const CLI::App& command, const std::string& dashes, const std::string& word) {
-  Texts options;
-  for (const auto* option : command.get_options()) {
-    for (const auto& name : option->get_lnames()) options.push_back(dashes + name);
+/// With those of its groups, which the library keeps as commands without a name.
+Options OptionsOf(const CLI::App& command) {
+  Options options = command.get_options();
+  for (const auto* part : command.get_subcommands(nullptr)) {
+    if (!part->get_name().empty()) continue;
+    const Options grouped = part->get_options();
+    options.insert(options.end(), grouped.begin(), grouped.end());
+  }
+  return options;
+}
+
+/// options: those that may stand there; dashes: what stands before their names there.
+std::string NoOption(const CLI::App& command, const Options& options, const std::string& dashes,
+                     const std::string& word) {
+  Texts names;
+  for (const auto* option : options) {
+    for (const auto& name : option->get_lnames()) names.push_back(dashes + name);
   }
   return '"' + dashes + word + "\" is no option of " + command.get_name() +
-         NearestAmong(options, dashes + word) + ".";
+         NearestAmong(names, dashes + word) + ".";
+}
+
+/// name: without its dashes.
+std::string NoOptionThere(const CLI::App& tool, const std::string& name) {
+  const auto commands = tool.get_subcommands();
+  const auto& command = commands.empty() ? tool : *commands.front();
+  if (command.get_option_no_throw("--" + name) != nullptr) {
+    return "\"--" + name + "\" has to stand behind " + command.get_name() + ".";
+  }
+  Options options = OptionsOf(command);
+  const Options everywhere = tool.get_options();
+  options.insert(options.end(), everywhere.begin(), everywhere.end());
+  return NoOption(command, options, "--", name);
 }
 
 /// What stands first among the words that the library makes nothing of; empty when it is no
 /// misspelt word.
 std::string Misspelt(const CLI::App& tool) {
-  const auto commands = tool.get_subcommands();
   for (const auto& word : tool.remaining(true)) {
-    const bool isOption = word.starts_with("--");
-    if (commands.empty() && !isOption) return NoCommand(tool, word);
-    if (!isOption) continue;
-    const auto& command = commands.empty() ? tool : *commands.front();
-    return NoOption(command, "--", word.substr(2, word.find('=') - 2));
+    if (word.starts_with("--")) return NoOptionThere(tool, word.substr(2, word.find('=') - 2));
+    if (!word.starts_with('-') && tool.get_subcommands().empty()) return NoCommand(tool, word);
   }
   return "";
 }
@@ -47,10 +69,9 @@ class OptionFile : public CLI::ConfigBase {
   explicit OptionFile(const CLI::App& app) : tool(app) {}
 
   [[nodiscard]] std::vector<CLI::ConfigItem> from_config(std::istream& input) const override {
-    constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF";
     std::string text{std::istreambuf_iterator<char>(input), {}};
     if (!IsUtf8(text)) Refuse("The text is not in UTF-8: save it in this encoding.");
-    if (text.starts_with(ByteOrderMark)) text.erase(0, ByteOrderMark.size());
+    if (text.starts_with(Utf8Mark)) text.erase(0, Utf8Mark.size());
     std::istringstream plain(text);
     auto found = ConfigBase::from_config(plain);
     for (const auto& item : found) Check(item);
@@ -66,13 +87,18 @@ class OptionFile : public CLI::ConfigBase {
     if (item.parents.empty()) {
       Refuse('"' + item.name + "\" stands above the line that names a command, such as [make].");
     }
-    const std::string& name = item.parents.front();
+    const std::string name = CLI::detail::join(item.parents, ".");
     const auto commands =
         tool.get_subcommands([&](const CLI::App* command) { return command->get_name() == name; });
     if (commands.empty()) Refuse(NoCommand(tool, name));
+    const CLI::App& command = *commands.front();
     const bool isSection = item.name == "++" || item.name == "--";
-    if (isSection || commands.front()->get_option_no_throw("--" + item.name) != nullptr) return;
-    Refuse(NoOption(*commands.front(), "", item.name));
+    const bool isOption = command.get_option_no_throw("--" + item.name) != nullptr;
+    const bool isArgument = command.get_option_no_throw(item.name) != nullptr;
+    if (isSection || isOption || isArgument) return;
+    Options options = OptionsOf(command);
+    std::erase_if(options, [](const CLI::Option* option) { return !option->get_configurable(); });
+    Refuse(NoOption(command, options, "", item.name));
   }
 
   const CLI::App& tool;

@@ -23,6 +23,9 @@ namespace publish {
 [[nodiscard]] bool Receive(const std::string& url,
                            const std::function<void(std::string_view)>& take);
 
+/// The byte-order mark of a text in UTF-8.
+inline constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
+
 [[nodiscard]] bool IsUtf8(std::string_view text);
 
 /// A path in UTF-8 as the standard library takes it, and the other way round.

@@ -86,24 +86,28 @@ sed -n 's#.*\(http://127[^|]*rates.txt\)$#url = \1#p' served.txt | head -1 | cur
 before=$(<site/update.txt)
 ! kestrane-publish make ledger-2.7.1 ledger-3.2.0 --from 2.7.1 --to 3.2.0 --config options.toml 2>problems.txt || fail "made without key"
 [[ $before == "$(<site/update.txt)" ]] && grep -q 'name its key' problems.txt || fail "another script, or another reason"
-printf '\357\273\277[make]\nurll = "x"\n' >marked.toml
+printf '\357\273\277[make]\nOLD = "x"\nurll = "x"\n' >marked.toml
+printf '[make.x]\n' >dotted.toml
 printf '# \363\n' >ansi.toml
 while IFS='|' read -r expected command; do
   kestrane-publish $command 2>problems.txt && fail "$command is taken"
   grep -qF -- "$expected" problems.txt || fail "$command tells $(<problems.txt)"
 done <<'END'
 no command (check is the nearest)|chek site/update.txt
-no option of make (--from is the nearest)|make --form 1
+no option of simulate (--matrix is the nearest)|simulate no-script --matrx
+no option of check (--config is the nearest)|check no-script --confg x.toml
+"--json" has to stand behind check|--json check no-script
 marked.toml: "urll" is no option of make (url is the nearest)|make --config marked.toml
+"make.x" is no command|make --config dotted.toml
 not in UTF-8|make --config ansi.toml
 no-script is not there|sign no-script
 END
 . "$root/publish/kestrane-publish.bash"
 while read -r -a COMP_WORDS; do
   COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-  _kestrane_publish kestrane-publish
+  HOME=$build _kestrane_publish '~/kestrane-publish'
   echo "${COMPREPLY[*]}"
-done <<<$'tool si\ntool sign --k\ntool check --n' | diff - <(printf '%s\n' 'simulate sign' --key --newest) || fail "other completions"
+done <<<$'tool si\ntool sign --k\ntool --config f check --n\ntool --v' | diff - <(printf '%s\n' 'simulate sign' --key --newest --version) || fail "other completions"
 cp ledger.pem site
 for hidden in ../update.txt ledger.pem; do
   [[ $(curl -s --path-as-is -w '%{http_code}' http://127.0.0.1:$port/$hidden) == 404 ]] || fail "$hidden is served"
