@@ -91,19 +91,27 @@ class Agreement : public testing::Test {
     finalScreen = outcome.finalScreen;
     files = sandbox->Tree();
     messages.clear();
+    for (const auto* path : {"/s", "/1", "/22", "/empty", "/gone"})
+      requests[path] = server.Asked(path);
+    requests["/s"] += "HG";
     bool goesOn = true;
+    Texts gets;  // up to the first that fails
     Tree downloads;
     for (const auto& action : Read(script, {modPrincipal::VersionToNumber(installed)}).actions) {
       const Fields& line = script.lines[action.line];
       if (action.command->effect != modPrincipal::Effect::Download) continue;
       const std::string name = line[2].substr(line[2].rfind('/') + 1);
+      if (!name.empty()) requests["/" + name] += name == "gone" ? "H" : "HH";
+      if (name == "gone") break;
       if (!goesOn) continue;
+      if (!name.empty()) gets.push_back("/" + name);
       goesOn = !name.empty() && !trust.refusedUrls.contains(line[2]);
       const std::string target = NameOf(line[1]) + ".tmp";
       if (goesOn) downloads[target] = name == "empty" ? "" : name;
       if (!goesOn && trust.checksFiles) downloads.erase(target);
     }
     if (outcome.reading.failure.empty() && (outcome.bytes > 0 || trust.checksFiles)) {
+      for (const auto& path : gets) requests[path] += "G";
       for (const auto& [name, content] : downloads) files[name] = content;
     }
     for (const auto& action : outcome.reading.actions) {
@@ -132,6 +140,7 @@ class Agreement : public testing::Test {
   std::unique_ptr<Sandbox> sandbox;
   std::string finalScreen;
   Tree files;
+  std::map<std::string, std::string> requests;  // by path, with those of the tool before
   Texts messages;
 };
 
@@ -140,6 +149,7 @@ TEST_F(Agreement, HoldsForScreensRequestsAndFiles) {
   server.ExpectAnything();
   for (const char* content : {"1", "22"}) server.Serve("/"s + content, {content});
   server.Serve("/empty", {});
+  server.Serve("/gone", {.status = "404 Not Found"});
   std::map<std::string, int> met;
   for (int i = wanted != nullptr ? std::atoi(wanted) : 100; i > 0; --i) {
     sandbox = std::make_unique<Sandbox>();
@@ -151,6 +161,7 @@ TEST_F(Agreement, HoldsForScreensRequestsAndFiles) {
     const Script script = CutWithNumbers(text);
     Foretell(script, installed, TrustIn(script, {{}, modFunciones::NamedKey(fragment)}));
     EXPECT_EQ(RunUpdate(installed, server.Url("/s" + fragment)), finalScreen);
+    for (const auto& [path, asked] : requests) EXPECT_EQ(server.Asked(path), asked) << path;
     EXPECT_EQ(sandbox->Tree(), files);
     Texts shown;
     for (const auto& event : scripted_window::state.history) {

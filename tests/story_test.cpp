@@ -234,6 +234,10 @@ TEST(Story, EndsInTheRightText) {
       {"no memory for the updater", {.noMemoryAt = "read 3"}, replaces},
       {"no memory in the phases", {.noMemoryAt = "QueryDiskSpace C:/"}, adds},
       {"no room for it", {.faultOn = "Write KestraneTmp.exe"}, replaces},
+      {"no room in its place",
+       {.ownName = "KestraneTmp",
+        .files = {{disk.Path("KestraneTmp.exe"), "new"}},
+        .faultOn = "Write Kestrane.exe"}},
   };
   Outcomes outcomes;  // with the numbers of requests and of operations on files
   for (const auto& [what, given, script, page] : cases) {
@@ -290,7 +294,7 @@ no URL 6/10; a file that breaks off 5/7; longer file 5/7; shorter file 5/7; inse
 no memory in the phases 4/1
 
 Se ha producido un error grave. Para solucionarlo debe renombrar el fichero KestraneTmp.exe con el nombre Kestrane.exe
-no newer updater in the copy 0/1
+no newer updater in the copy 0/1; no room in its place 0/9
 )");
 }
 
