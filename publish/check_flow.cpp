@@ -15,7 +15,6 @@ namespace publish {
 namespace {
 
 using modFunciones::LowerCase;
-using modPrincipal::Effect;
 using modPrincipal::Verb;
 
 /// An action that puts a file in place, found again by the hash of its path: there may be a
