@@ -6,7 +6,7 @@ import json
 from html import escape
 from pathlib import Path
 
-LABELS = 470  # pixels
+LABELS = 490  # pixels
 BARS = 380
 LINE = 22
 TOP = 46
