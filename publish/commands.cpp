@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "publish/check.h"
-#include "publish/check_line.h"
 #include "publish/key_files.h"
 #include "publish/make.h"
 #include "publish/report.h"
@@ -157,7 +156,7 @@ int RunSimulate(const SimulateOptions& options) {
   const Trust trust = TrustIn(*script, *origin);
   Problems notes;
   for (const auto& installed : options.installed) {
-    CheckVersion(std::string(Trimmed(installed)), notes);
+    CheckVersion(AsReceived(installed), notes);
   }
   TellNotes(notes);
   std::vector<Outcome> outcomes;

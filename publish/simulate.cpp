@@ -180,11 +180,13 @@ Offer SimulateOffer(const Script& script, bool probe, const Trust& trust) {
   return offer;
 }
 
+std::string AsReceived(const std::string& installed) {
+  return installed.substr(std::min(installed.find_first_not_of(" \t"), installed.size()));
+}
+
 Outcome Simulate(const Script& script, const std::string& installed, bool probe,
                  const Trust& trust) {
-  // A blank at the beginning is lost on the command line.
-  const auto first = std::min(installed.find_first_not_of(" \t"), installed.size());
-  const auto number = modPrincipal::VersionToNumber(installed.substr(first));
+  const auto number = modPrincipal::VersionToNumber(AsReceived(installed));
   return OutcomeOf(script, ReadIfTaken(script, {number}, trust), installed, probe, trust);
 }
 

@@ -29,6 +29,10 @@ struct Offer {
 
 [[nodiscard]] Offer SimulateOffer(const Script& script, bool probe, const Trust& trust = {});
 
+/// The version that the program makes of its first argument: a blank at the beginning is lost on
+/// the command line.
+[[nodiscard]] std::string AsReceived(const std::string& installed);
+
 [[nodiscard]] Outcome Simulate(const Script& script, const std::string& installed, bool probe,
                                const Trust& trust = {});
 

@@ -85,10 +85,7 @@ class SigningLines {
  public:
   SigningLines(const Script& script, Findings& all) : text(script.text), findings(all) {
     for (std::string_view rest = text; !rest.empty();) {
-      std::string_view line = rest.substr(0, rest.find('\n'));
-      rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-      if (line.ends_with('\r')) line.remove_suffix(1);
-      lines.push_back(line);
+      lines.push_back(modFunciones::TakeLine(rest));
     }
     while (firstSignature < lines.size() && !IsSignature(firstSignature)) ++firstSignature;
   }
@@ -145,8 +142,8 @@ class SigningLines {
 
 std::vector<std::string> KeysNamedIn(const std::string& text) {
   Lines keys;
-  for (auto& line : modFunciones::Split(text, '\n')) {
-    if (line.ends_with('\r')) line.pop_back();
+  for (std::string_view rest = text; !rest.empty();) {
+    const auto line = modFunciones::TakeLine(rest);
     if (line.starts_with(SignatureMark)) keys.push_back(KeyNamedBy(line));
   }
   return keys;

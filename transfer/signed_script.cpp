@@ -16,14 +16,6 @@ constexpr std::string_view KeyMark = "#key=";
 /// A "#KEY=" that named nothing would leave an application without the protection that it asks for.
 std::size_t KeyMarkIn(std::string_view url) { return LowerCase(url).find(KeyMark); }
 
-/// Takes the first line off a text, without its end.
-std::string_view TakeLine(std::string_view& text) {
-  std::string_view line = text.substr(0, text.find('\n'));
-  text.remove_prefix(std::min(line.size() + 1, text.size()));
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
-}
-
 /// The fields of a line behind its mark, when there are two and neither is empty.
 std::optional<std::pair<std::string_view, std::string_view>> TwoFields(std::string_view line,
                                                                        std::string_view mark) {
@@ -74,6 +66,13 @@ std::optional<std::string> NamedKey(std::string_view url) {
   // An empty argument behind it on the command line leaves a blank.
   const std::string_view key = url.substr(mark + KeyMark.size());
   return LowerCase(key.substr(0, key.find_last_not_of(" \t") + 1));
+}
+
+std::string_view TakeLine(std::string_view& text) {
+  std::string_view line = text.substr(0, text.find('\n'));
+  text.remove_prefix(std::min(line.size() + 1, text.size()));
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
 }
 
 bool IsSha256(std::string_view text) {

@@ -30,6 +30,9 @@ inline constexpr std::string_view SignatureMark = "#SIGNATURE|";
 /// SHA-256 fits no key.
 [[nodiscard]] std::optional<std::string> NamedKey(std::string_view url);
 
+/// Takes the first line off a text, and gives it without its end.
+[[nodiscard]] std::string_view TakeLine(std::string_view& text);
+
 /// True for 64 hexadecimal digits.
 [[nodiscard]] bool IsSha256(std::string_view text);
 
