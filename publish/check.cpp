@@ -69,22 +69,23 @@ void Sort(Findings& findings) {
 
 }  // namespace
 
-Findings Check(const Script& script, const Knowledge& knowledge) {
-  Findings findings = CheckText(script);
+Examination Check(const Script& script, const Knowledge& knowledge) {
+  const auto versions = VersionsToldApart(script);
+  const Reading reading = Read(script, versions);
+  Examination examination = {reading.failure, CheckText(script)};
+  auto& [verdict, findings] = examination;
   const bool isText = findings.empty();
-  if (knowledge.origin) CheckSigning(script, *knowledge.origin, knowledge.probe, findings);
-  if (!isText) return findings;
+  if (knowledge.origin) {
+    if (!IsTaken(script, knowledge.origin->key)) verdict = modPrincipal::NotSigned;
+    CheckSigning(script, *knowledge.origin, knowledge.probe, findings);
+  }
+  if (!isText) return examination;
   CheckLines(script, findings);
-  CheckFlow(script, knowledge.newest, findings);
+  CheckFlow(script, versions, reading, knowledge.newest, findings);
   CheckHeaderVersion(script, knowledge.updater, findings);
   if (!knowledge.site.empty()) CheckSite(script, Site(knowledge.site, script), findings);
   Sort(findings);
-  return findings;
-}
-
-std::string Verdict(const Script& script, const std::optional<std::string>& key) {
-  if (!IsTaken(script, key)) return std::string(modPrincipal::NotSigned);
-  return Read(script, VersionsToldApart(script)).failure;
+  return examination;
 }
 
 }  // namespace publish

@@ -19,10 +19,11 @@ struct Knowledge {
   bool probe = false;                 // ask the servers for the files
 };
 
-/// Everything there is to know about a script, errors first, then by line.
-[[nodiscard]] Findings Check(const Script& script, const Knowledge& knowledge);
-
-/// The message with which one installed version at least refuses the script; empty when none does.
-[[nodiscard]] std::string Verdict(const Script& script, const std::optional<std::string>& key = {});
+/// Everything there is to know about a script.
+struct Examination {
+  std::string verdict;  // the message with which one installed version at least refuses it, or ""
+  Findings findings;    // errors first, then by line
+};
+[[nodiscard]] Examination Check(const Script& script, const Knowledge& knowledge);
 
 }  // namespace publish

@@ -7,7 +7,6 @@
 #include "base/text.h"
 #include "publish/check_rules.h"
 #include "publish/pattern.h"
-#include "publish/reading.h"
 #include "publish/versions.h"
 #include "script/version.h"
 
@@ -324,9 +323,8 @@ void FindIdleActions(const Flow& flow) {
 
 }  // namespace
 
-void CheckFlow(const Script& script, const std::string& newest, Findings& findings) {
-  const auto versions = VersionsToldApart(script);
-  const Reading reading = Read(script, versions);
+void CheckFlow(const Script& script, const std::vector<std::int32_t>& versions,
+               const Reading& reading, const std::string& newest, Findings& findings) {
   if (!reading.failure.empty()) return;
   Flow flow = {script, versions, reading, findings};
   CollectPuts(flow);

@@ -2,9 +2,11 @@
 
 // What there may be to find in a script, and the two kinds of rules that find it.
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "publish/reading.h"
 #include "publish/script_text.h"
 
 namespace publish {
@@ -22,8 +24,9 @@ using Findings = std::vector<Finding>;
 /// What each line tells by itself.
 void CheckLines(const Script& script, Findings& findings);
 
-/// What the lines of a script do together, for every installed version that it tells apart, unless
-/// one of them refuses it. newest: the newest release of the application, or "".
-void CheckFlow(const Script& script, const std::string& newest, Findings& findings);
+/// What the lines of a script do together, unless its reading for every installed version that it
+/// tells apart failed. newest: the newest release of the application, or "".
+void CheckFlow(const Script& script, const std::vector<std::int32_t>& versions,
+               const Reading& reading, const std::string& newest, Findings& findings);
 
 }  // namespace publish

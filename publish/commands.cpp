@@ -65,8 +65,8 @@ std::optional<Origin> OriginOf(const std::string& script, const std::string& key
 }
 
 /// updater: the bytes of the file that the header offers; empty: that beside the script.
-Findings CheckAsPublished(const Script& script, const std::string& newest, std::string updater,
-                          const Origin& origin, bool probe) {
+Examination CheckAsPublished(const Script& script, const std::string& newest, std::string updater,
+                             const Origin& origin, bool probe) {
   const std::string url = script.lines.empty() ? "" : FieldAt(script.lines[0], 1);
   if (updater.empty()) updater = ReadFile(FileAtHand(origin.folder, url)).value_or("");
   return Check(script, {newest, updater, origin.folder, origin, probe});
@@ -138,10 +138,10 @@ int RunCheck(const CheckOptions& options) {
     ReportProblems({options.updater + " cannot be read, or tells no version."}, options.asJson);
     return Failed;
   }
-  const Findings findings =
+  const Examination examination =
       CheckAsPublished(*script, options.newest, updater, *origin, options.probe);
-  ReportFindings({options.script, Verdict(*script, origin->key), findings}, options.asJson);
-  return StatusOf(findings);
+  ReportFindings(options.script, examination, options.asJson);
+  return StatusOf(examination.findings);
 }
 
 int RunSimulate(const SimulateOptions& options) {
@@ -186,12 +186,12 @@ int RunMake(const Order& order, bool asJson, const std::vector<std::string>& key
   }
   const std::string name = Utf8Of(order.site / ScriptName);
   const Script script = CutWithNumbers(made.script);
-  const Findings findings =
+  const Examination examination =
       order.isTrial ? Check(script, {order.to, ""})
                     : CheckAsPublished(script, order.to, "", {order.site, std::nullopt}, false);
   if (!asJson && !order.isTrial) TellKeys(name, loaded);
-  ReportMade(order, made, {name, Verdict(script), findings}, asJson);
-  return StatusOf(findings);
+  ReportMade(order, made, name, examination, asJson);
+  return StatusOf(examination.findings);
 }
 
 int RunKey(const KeyOptions& options) {

@@ -104,8 +104,8 @@ void PlanScript(Plan& plan, Made& made) {
 }
 
 void CheckScript(const Plan& plan, Problems& problems) {
-  for (const auto& [severity, line, text] :
-       Check(CutWithNumbers(plan.script), {plan.order.to, ""})) {
+  const Examination examination = Check(CutWithNumbers(plan.script), {plan.order.to, ""});
+  for (const auto& [severity, line, text] : examination.findings) {
     if (severity == Severity::Warning) continue;
     problems.push_back("The script would not do, in its line " + std::to_string(line) + ": " +
                        modFunciones::ToUtf8(text));

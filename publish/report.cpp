@@ -46,8 +46,8 @@ Json AsJson(const Finding& finding) {
           {"text", modFunciones::ToUtf8(finding.text)}};
 }
 
-Json AsJson(const Examination& examination) {
-  const auto& [scriptName, verdict, findings] = examination;
+Json AsJson(const std::string& scriptName, const Examination& examination) {
+  const auto& [verdict, findings] = examination;
   Json json = {{"script", scriptName},
                {"verdict", modFunciones::ToUtf8(verdict)},
                {"errors", Count(findings, Severity::Error)},
@@ -88,9 +88,9 @@ std::vector<Group> Grouped(const Findings& findings) {
   return groups;
 }
 
-void PrintExamination(const Examination& examination) {
+void PrintExamination(const std::string& scriptName, const Examination& examination) {
   constexpr std::size_t Most = 100;
-  const auto& [scriptName, verdict, findings] = examination;
+  const auto& [verdict, findings] = examination;
   const auto groups = Grouped(findings);
   for (std::size_t i = 0; i < std::min(groups.size(), Most); ++i) {
     const auto& [severity, line, text] = *groups[i].first;
@@ -252,11 +252,11 @@ void PrintInShort(const Script& script, const Outcome& outcome, bool probed) {
 
 }  // namespace
 
-void ReportFindings(const Examination& examination, bool asJson) {
+void ReportFindings(const std::string& scriptName, const Examination& examination, bool asJson) {
   if (asJson) {
-    Print(AsJson(examination));
+    Print(AsJson(scriptName, examination));
   } else {
-    PrintExamination(examination);
+    PrintExamination(scriptName, examination);
   }
 }
 
@@ -265,14 +265,15 @@ void ReportProblems(const std::vector<std::string>& problems, bool asJson) {
   for (const auto& problem : problems) std::cerr << problem << "\n";
 }
 
-void ReportMade(const Order& order, const Made& made, const Examination& examination, bool asJson) {
+void ReportMade(const Order& order, const Made& made, const std::string& scriptName,
+                const Examination& examination, bool asJson) {
   if (asJson) {
-    Json json = AsJson(examination);
+    Json json = AsJson(scriptName, examination);
     json["made"] = AsJson(order, made);
     return Print(json);
   }
   PrintMade(order, made);
-  PrintExamination(examination);
+  PrintExamination(scriptName, examination);
 }
 
 void ReportOutcomes(const Script& script, const Offer& offer, const std::vector<Outcome>& outcomes,

@@ -12,18 +12,14 @@
 
 namespace publish {
 
-/// What check tells.
-struct Examination {
-  std::string scriptName;  // in UTF-8
-  std::string verdict;     // the parser's message, or "" when it understands the script
-  Findings findings;
-};
-void ReportFindings(const Examination& examination, bool asJson);
+/// What check tells. scriptName: in UTF-8.
+void ReportFindings(const std::string& scriptName, const Examination& examination, bool asJson);
 
 /// Why nothing was done, each in a sentence in UTF-8; on standard error, unless as JSON.
 void ReportProblems(const std::vector<std::string>& problems, bool asJson);
 
-void ReportMade(const Order& order, const Made& made, const Examination& examination, bool asJson);
+void ReportMade(const Order& order, const Made& made, const std::string& scriptName,
+                const Examination& examination, bool asJson);
 
 enum class Form { Text, Summary, Json };
 

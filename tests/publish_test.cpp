@@ -33,7 +33,7 @@ const std::string url = "|https://u/f";
 /// expected: of each finding its severity, line and a part of the text, such as "E3 no name".
 void ExpectFindings(const std::string& script, const Texts& expected,
                     const Knowledge& knowledge = {}) {
-  const Findings findings = Check(CutWithNumbers(script), knowledge);
+  const Findings findings = Check(CutWithNumbers(script), knowledge).findings;
   EXPECT_EQ(findings.size(), expected.size()) << script;
   for (std::size_t i = 0; i < std::min(findings.size(), expected.size()); ++i) {
     const auto& [severity, line, text] = findings[i];

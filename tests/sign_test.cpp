@@ -76,7 +76,7 @@ class Signed : public Test {
     return Simulate(script, "2.7.1", false, trust).finalScreen;
   }
   static bool Passes(const Script& script, const Origin& origin) {
-    return StatusOf(Check(script, {"", "", {}, origin, true})) < 2;
+    return StatusOf(Check(script, {"", "", {}, origin, true}).findings) < 2;
   }
 
   LoopbackServer server;
@@ -165,7 +165,7 @@ TEST_F(Signed, ToolAndProgramTakeTheSame) {
     const Origin origin = {sandbox.Folder("site"), modFunciones::NamedKey(fragment)};
     EXPECT_EQ(Foresee(text, origin), message);
     EXPECT_EQ(Passes(text, origin), message == Success);
-    EXPECT_EQ(Verdict(text, origin.key) == NotSigned, message == NotSigned);
+    EXPECT_EQ(Check(text, {"", "", {}, origin}).verdict == NotSigned, message == NotSigned);
   }
   {
     const auto turn = platform::system::TakeTurn();  // of another run
