@@ -19,10 +19,8 @@ using Kind = modPrincipal::ArgumentKind;
 
 namespace {
 
-bool IsPath(Kind kind) { return kind == Kind::Path || kind == Kind::Files; }
-
 Remark UnknownWord(const Line& line, const Argument& argument, const std::string& written) {
-  if (argument.words.empty() || ValueOf(argument.words, written)) return {};
+  if (ValueOf(argument.words, written)) return {};
   if (argument.kind == Kind::Style && HasSurplus(line)) return {};  // SurplusFields tells
   const std::string said = Quoted(written) + " is no ";
   const std::string name(argument.name);
@@ -36,15 +34,15 @@ Remark UnknownWord(const Line& line, const Argument& argument, const std::string
                                  line.Word() + " before it."};
 }
 
-Remark PauseThatIsNone(const Line& /*line*/, const Argument& argument, const std::string& written) {
-  if (argument.kind != Kind::Milliseconds || modFunciones::DecimalToInt32(written)) return {};
+Remark PauseThatIsNone(const Line& /*line*/, const Argument& /*argument*/,
+                       const std::string& written) {
+  if (modFunciones::DecimalToInt32(written)) return {};
   return {Severity::Warning,
           Quoted(written) + " is no number of milliseconds: the pause is left out."};
 }
 
-Remark OddVersion(const Line& /*line*/, const Argument& argument, const std::string& written) {
-  const bool isVersion =
-      argument.kind == Kind::Version && modPrincipal::VersionToNumber(written) != 0;
+Remark OddVersion(const Line& /*line*/, const Argument& /*argument*/, const std::string& written) {
+  const bool isVersion = modPrincipal::VersionToNumber(written) != 0;
   const std::string oddity = isVersion ? OddityOf(written) : "";
   if (oddity.empty()) return {};
   const bool isGreater = written.starts_with('0') && !written.starts_with("0.");
@@ -84,8 +82,7 @@ Remark OddUrl(std::string_view url) {
           "The URL has blanks or accented letters, which have to be written as %20 and so on."};
 }
 
-Remark UnusableUrl(const Line& line, const Argument& argument, const std::string& url) {
-  if (argument.kind != Kind::Url) return {};
+Remark UnusableUrl(const Line& line, const Argument& /*argument*/, const std::string& url) {
   if (url.empty()) {
     if (line.isHeader) return {};  // Refusal tells
     return {Severity::Error, line.Word() + " names no URL, so that its download fails."};
@@ -103,8 +100,8 @@ Remark UnusableUrl(const Line& line, const Argument& argument, const std::string
                                "host, and a port from 1 to 32767 if any."};
 }
 
-Remark PlainHttp(const Line& /*line*/, const Argument& argument, const std::string& url) {
-  if (argument.kind != Kind::Url || !modFunciones::IsPlainUrl(url)) return {};
+Remark PlainHttp(const Line& /*line*/, const Argument& /*argument*/, const std::string& url) {
+  if (!modFunciones::IsPlainUrl(url)) return {};
   const auto parts = modFunciones::SplitUrl(url);
   const std::string host = parts.empty() ? "" : LowerCase(parts[0]);
   if (host == "localhost" || host.starts_with("127.")) return {};
@@ -112,16 +109,9 @@ Remark PlainHttp(const Line& /*line*/, const Argument& argument, const std::stri
           "The URL is plain http, where anyone on the way can replace the file: use https."};
 }
 
-Remark MissingArgument(const Line& line, const Argument& argument, const std::string& written) {
+Remark MissingProgram(const Line& line, const Argument& /*argument*/, const std::string& written) {
   if (!written.empty()) return {};
-  if (IsPath(argument.kind)) return {Severity::Error, line.Word() + " names no file."};
-  if (argument.kind == Kind::CommandLine) {
-    return {Severity::Error, line.Word() + " names no program."};
-  }
-  if (argument.kind == Kind::ProcessName) {
-    return {Severity::Warning, line.Word() + " without a name ends nothing."};
-  }
-  return {};
+  return {Severity::Error, line.Word() + " names no program."};
 }
 
 /// Character by character: that is how texts are searched fast.
@@ -150,7 +140,7 @@ Remark BeginningOfPath(std::string_view path) {
 }
 
 Remark PathThatGoesAstray(const Line& line, const Argument& argument, const std::string& path) {
-  if (!IsPath(argument.kind) || path.empty()) return {};
+  if (path.empty()) return {Severity::Error, line.Word() + " names no file."};
   if (path.find('/') != std::string::npos) {
     if (!line.command->IsDownload()) {
       return {Severity::Warning, "The path has a \"/\", where Windows wants a backslash."};
@@ -180,8 +170,7 @@ constexpr std::string_view Devices[] = {
     "com8", "com9", "lpt1", "lpt2", "lpt3", "lpt4", "lpt5", "lpt6", "lpt7", "lpt8", "lpt9"};
 constexpr std::size_t LongestDevice = 4;
 
-Remark PathToADevice(const Line& /*line*/, const Argument& argument, const std::string& path) {
-  if (!IsPath(argument.kind)) return {};
+Remark PathToADevice(const Line& /*line*/, const Argument& /*argument*/, const std::string& path) {
   for (std::string_view rest = path; !rest.empty();) {
     const std::string_view name = rest.substr(0, rest.find('\\'));
     rest.remove_prefix(std::min(name.size() + 1, rest.size()));
@@ -200,8 +189,7 @@ constexpr std::size_t LongestSuffix = 4;
 /// A folder of programs, and the application's in it, may well have as many.
 constexpr std::size_t LongAppPath = 80;
 
-Remark PathThatIsLong(const Line& /*line*/, const Argument& argument, const std::string& path) {
-  if (!IsPath(argument.kind)) return {};
+Remark PathThatIsLong(const Line& /*line*/, const Argument& /*argument*/, const std::string& path) {
   const bool hasMacro = path.starts_with('$');
   const std::size_t own = path.size() - (hasMacro ? std::min(path.find('\\'), path.size()) : 0);
   const std::size_t room = LongestPath - LongestSuffix;
@@ -217,9 +205,8 @@ Remark PathThatIsLong(const Line& /*line*/, const Argument& argument, const std:
 }
 
 /// Windows takes dots and blanks off the end of names.
-Remark NameThatEndsWithADot(const Line& /*line*/, const Argument& argument,
+Remark NameThatEndsWithADot(const Line& /*line*/, const Argument& /*argument*/,
                             const std::string& path) {
-  if (!IsPath(argument.kind)) return {};
   const bool endsSo = path.ends_with('.') || path.find(".\\") != std::string::npos;
   if (!endsSo || path.find("..") != std::string::npos) return {};
   return {Severity::Warning, "A name of the path ends with a full stop, which Windows takes away."};
@@ -233,9 +220,9 @@ Remark DeletionOfTheUpdater(const Line& /*line*/, const Argument& argument,
           "failure."};
 }
 
-Remark BlanksAroundThePath(const Line& /*line*/, const Argument& argument,
+Remark BlanksAroundThePath(const Line& /*line*/, const Argument& /*argument*/,
                            const std::string& path) {
-  if (!IsPath(argument.kind) || Trimmed(path).size() == path.size()) return {};
+  if (Trimmed(path).size() == path.size()) return {};
   return {Severity::Warning, "There are blanks around the path, and they belong to it."};
 }
 
@@ -247,10 +234,10 @@ constexpr std::string_view CommonPrograms[] = {
 constexpr std::string_view ProgramSuffix = ".exe";
 constexpr std::size_t ShortestStem = 3;
 
-Remark KillOfTooMuch(const Line& /*line*/, const Argument& argument, const std::string& written) {
-  if (argument.kind != Kind::ProcessName) return {};
+Remark KillOfOtherThanMeant(const Line& line, const Argument& /*argument*/,
+                            const std::string& written) {
+  if (written.empty()) return {Severity::Warning, line.Word() + " without a name ends nothing."};
   const std::string name = LowerCase(written);
-  if (name.empty()) return {};
   if (std::string_view("kestrane.exe").ends_with(name)) {
     return {Severity::Error, "KILL ends every program whose name ends so, other updaters too."};
   }
@@ -272,13 +259,41 @@ Remark KillOfTooMuch(const Line& /*line*/, const Argument& argument, const std::
   return {};
 }
 
-constexpr ArgumentRule Rules[] = {
-    UnknownWord,          PauseThatIsNone,     OddVersion,    UnusableUrl,    PlainHttp,
-    MissingArgument,      PathThatGoesAstray,  PathToADevice, PathThatIsLong, NameThatEndsWithADot,
-    DeletionOfTheUpdater, BlanksAroundThePath, KillOfTooMuch};
+constexpr ArgumentRule OfVersions[] = {OddVersion};
+constexpr ArgumentRule OfPaths[] = {PathThatGoesAstray,   PathToADevice,
+                                    PathThatIsLong,       NameThatEndsWithADot,
+                                    DeletionOfTheUpdater, BlanksAroundThePath};
+constexpr ArgumentRule OfUrls[] = {UnusableUrl, PlainHttp};
+constexpr ArgumentRule OfCommandLines[] = {MissingProgram};
+constexpr ArgumentRule OfProcessNames[] = {KillOfOtherThanMeant};
+constexpr ArgumentRule OfPauses[] = {PauseThatIsNone};
+constexpr ArgumentRule OfWords[] = {UnknownWord};
 
 }  // namespace
 
-std::span<const ArgumentRule> ArgumentRules() { return Rules; }
+std::span<const ArgumentRule> RulesFor(Kind kind) {
+  switch (kind) {
+    case Kind::Text:
+    case Kind::Comparator:
+      return {};
+    case Kind::Version:
+      return OfVersions;
+    case Kind::Path:
+    case Kind::Files:
+      return OfPaths;
+    case Kind::Url:
+      return OfUrls;
+    case Kind::CommandLine:
+      return OfCommandLines;
+    case Kind::ProcessName:
+      return OfProcessNames;
+    case Kind::Milliseconds:
+      return OfPauses;
+    case Kind::Choice:
+    case Kind::Style:
+      return OfWords;
+  }
+  return {};
+}
 
 }  // namespace publish

@@ -12,7 +12,7 @@ namespace publish {
 using ArgumentRule = Remark (*)(const Line& line, const modPrincipal::Argument& argument,
                                 const std::string& written);
 
-/// In the order in which they speak.
-[[nodiscard]] std::span<const ArgumentRule> ArgumentRules();
+/// For the arguments of a kind.
+[[nodiscard]] std::span<const ArgumentRule> RulesFor(modPrincipal::ArgumentKind kind);
 
 }  // namespace publish

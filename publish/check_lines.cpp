@@ -180,7 +180,7 @@ void CheckLines(const Script& script, Findings& findings) {
     std::size_t field = line.isHeader ? 0 : 1;
     for (const auto& argument : arguments) {
       if (field == fields.size()) break;
-      for (const auto& rule : ArgumentRules()) tell(rule(line, argument, fields[field]));
+      for (const auto& rule : RulesFor(argument.kind)) tell(rule(line, argument, fields[field]));
       ++field;
     }
   }
