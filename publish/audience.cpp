@@ -1,6 +1,7 @@
 #include "publish/audience.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace publish {
 
@@ -43,15 +44,16 @@ Audience Audience::Common(const Audience& other) const {
 }
 
 void Audience::Remove(const Audience& other) {
-  for (const auto& [first, end] : other.ranges) {
-    const auto met = FirstEndingBehind(first);
-    auto behind = met;
-    std::vector<Range> left;
-    for (; behind != ranges.end() && behind->first < end; ++behind) {
-      if (behind->first < first) left.push_back({behind->first, first});
-      if (end < behind->end) left.push_back({end, behind->end});
-    }
-    ranges.insert(ranges.erase(met, behind), left.begin(), left.end());
+  for (const auto& removed : other.ranges) {
+    const auto met = FirstEndingBehind(removed.first);
+    const auto behind = std::find_if(
+        met, ranges.cend(), [&](const Range& range) { return range.first >= removed.end; });
+    if (met == behind) continue;
+    const Range below = {met->first, removed.first};
+    const Range above = {removed.end, std::prev(behind)->end};
+    auto left = ranges.erase(met, behind);
+    if (above.first < above.end) left = ranges.insert(left, above);
+    if (below.first < below.end) ranges.insert(left, below);
   }
 }
 

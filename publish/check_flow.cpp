@@ -62,6 +62,7 @@ std::size_t HashOf(const std::string& path) { return std::hash<std::string>()(pa
 bool ByHash(const Put& a, const Put& b) { return a.hash < b.hash; }
 
 void CollectPuts(Flow& flow) {
+  flow.puts.reserve(flow.reading.actions.size());
   for (const auto& action : flow.reading.actions) {
     if (PutsAFile(action)) flow.puts.push_back({HashOf(flow.TextOf(action)), &action});
   }

@@ -17,10 +17,10 @@ bool HasSurplus(const Line& line) {
 std::string Quoted(std::string_view text) { return '"' + std::string(text) + '"'; }
 
 std::string_view Trimmed(std::string_view text) {
-  constexpr const char* Blanks = " \t";
-  const auto first = text.find_first_not_of(Blanks);
-  if (first == std::string_view::npos) return "";
-  return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
+  const auto isBlank = [](char character) { return character == ' ' || character == '\t'; };
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 bool BeginsWith(std::string_view text, std::string_view macro) {

@@ -37,15 +37,13 @@ void CheckPrivateKeys(const fs::path& folder, Findings& findings) {
 }  // namespace
 
 Site::Site(fs::path folder, const Script& script) : root(std::move(folder)) {
-  constexpr int Enough = 100;
+  constexpr std::size_t Enough = 101;  // with the updater
   std::map<std::string, int> found;
-  int asked = 0;
-  for (const auto& [line, url] : DownloadsIn(script)) {
+  for (const auto& [line, url] : DownloadsIn(script, Enough)) {
     if (line == 0) continue;  // the updater may be kept elsewhere
     const auto end = EndAtHand(root, url);
     const std::string candidate = end == std::string::npos ? "" : url.substr(0, end);
     if (!candidate.empty() && ++found[candidate] > found[base]) base = candidate;
-    if (++asked == Enough) break;
   }
 }
 

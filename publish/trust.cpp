@@ -77,7 +77,9 @@ std::string KeyNamedBy(std::string_view signatureLine) {
 }
 
 bool HasLine(const std::string& text, std::string_view mark) {
-  return text.starts_with(mark) || text.find("\n" + std::string(mark)) != std::string::npos;
+  auto at = text.find(mark);
+  while (at != std::string::npos && at > 0 && text[at - 1] != '\n') at = text.find(mark, at + 1);
+  return at != std::string::npos;
 }
 
 /// The text line by line, with the rules for those about digests and signatures.

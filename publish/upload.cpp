@@ -22,9 +22,9 @@ std::string HexOf(signature::Digest digest) {
 
 }  // namespace
 
-std::vector<Download> DownloadsIn(const Script& script) {
+std::vector<Download> DownloadsIn(const Script& script, std::size_t most) {
   std::vector<Download> downloads;
-  for (std::size_t i = 0; i < script.lines.size(); ++i) {
+  for (std::size_t i = 0; i < script.lines.size() && downloads.size() < most; ++i) {
     const auto* const command = i == 0 ? nullptr : script.commands[i];
     const bool isDownload = command != nullptr && command->IsDownload();
     if (i > 0 && !isDownload) continue;

@@ -3,6 +3,7 @@
 // The upload folder: the script, what it lets users download, and the file of each URL.
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -17,7 +18,8 @@ struct Download {
   std::size_t line;        // index into Script::lines
   const std::string& url;  // of the script
 };
-[[nodiscard]] std::vector<Download> DownloadsIn(const Script& script);
+/// The first ones, no more than most.
+[[nodiscard]] std::vector<Download> DownloadsIn(const Script& script, std::size_t most = SIZE_MAX);
 
 /// The file that the end of a URL names in a folder, which may lack it; empty when it names none
 /// that lies below.

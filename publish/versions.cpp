@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <set>
 
 #include "script/version.h"
 
@@ -39,14 +38,16 @@ std::string NumberAt(std::string_view record, std::size_t at) {
 }  // namespace
 
 std::vector<std::int32_t> VersionsToldApart(const Script& script) {
-  std::set<std::int32_t> numbers(std::begin(Edges), std::end(Edges));
+  std::vector<std::int32_t> numbers(std::begin(Edges), std::end(Edges));
   for (std::size_t i = 0; i < script.lines.size(); ++i) {
     const std::int32_t number = NumberIn(script, i);
-    if (number != 0) numbers.insert({number - 1, number, number + 1});
+    if (number != 0) numbers.insert(numbers.end(), {number - 1, number, number + 1});
   }
   std::erase_if(numbers, [](std::int32_t number) { return VersionOf(number).empty(); });
-  numbers.insert(0);
-  return {numbers.begin(), numbers.end()};
+  numbers.push_back(0);
+  std::sort(numbers.begin(), numbers.end());
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  return numbers;
 }
 
 std::string OddityOf(const std::string& version) {
