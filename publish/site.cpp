@@ -14,9 +14,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-bool IsFile(const fs::path& path) {
+bool IsPrivateKey(const fs::directory_entry& entry) {
   std::error_code error;
-  return fs::is_regular_file(path, error);
+  return entry.is_regular_file(error) && IsPrivateKeyFile(entry.path());
 }
 
 void CheckPrivateKeys(const fs::path& folder, Findings& findings) {
@@ -25,7 +25,7 @@ void CheckPrivateKeys(const fs::path& folder, Findings& findings) {
            entry(folder, fs::directory_options::skip_permission_denied, error),
        end;
        !error && entry != end; entry.increment(error)) {
-    if (!IsFile(entry->path()) || !IsPrivateKeyFile(entry->path())) continue;
+    if (!IsPrivateKey(*entry)) continue;
     const std::string name = Utf8Of(entry->path().lexically_relative(folder));
     findings.push_back({Severity::Error, 0,
                         "The upload folder holds a private key, " +
@@ -59,10 +59,11 @@ void CheckSite(const Script& script, const Site& site, Findings& findings) {
     const auto file = line == 0 ? std::nullopt : site.FileOf(url);
     if (!file) continue;
     std::error_code error;
-    if (!IsFile(*file)) {
+    const auto size = fs::file_size(*file, error);
+    if (error) {
       findings.push_back({Severity::Error, script.numbers[line],
                           "The upload folder has no file for this URL, though it has others."});
-    } else if (fs::file_size(*file, error) == 0) {
+    } else if (size == 0) {
       findings.push_back(
           {Severity::Warning, script.numbers[line], "The file in the upload folder is empty."});
     }
