@@ -28,17 +28,14 @@ std::size_t IndexOf(const Script& script, std::size_t line) {
   return static_cast<std::size_t>(script.numbers[line] - 1);
 }
 
-void Insert(std::string& script, std::size_t at, const Lines& added) {
+/// Puts lines in place of those from first up to end, which may be none.
+void Replace(std::string& script, std::size_t first, std::size_t end, const Lines& added) {
   Lines lines = LinesOf(script);
-  at = std::min(at, lines.size());
-  lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(at), added.begin(), added.end());
-  script = TextOf(lines);
-}
-
-void Erase(std::string& script, std::size_t first, std::size_t end) {
-  Lines lines = LinesOf(script);
-  lines.erase(lines.begin() + static_cast<std::ptrdiff_t>(first),
-              lines.begin() + static_cast<std::ptrdiff_t>(end));
+  const auto at = [&](std::size_t line) {
+    return lines.begin() + static_cast<std::ptrdiff_t>(std::min(line, lines.size()));
+  };
+  const auto behind = lines.erase(at(first), at(end));
+  lines.insert(behind, added.begin(), added.end());
   script = TextOf(lines);
 }
 
@@ -47,7 +44,7 @@ void Erase(std::string& script, std::size_t first, std::size_t end) {
 void EraseBlock(std::string& script, const Script& cut, std::size_t opening) {
   std::size_t next = opening + 1;
   while (next < cut.lines.size() && !cut.Is(next, Verb::Version)) ++next;
-  Erase(script, IndexOf(cut, opening), IndexOf(cut, next - 1) + 1);
+  Replace(script, IndexOf(cut, opening), IndexOf(cut, next - 1) + 1, {});
 }
 
 void EraseBlocksLike(std::string& script, const std::string& versionLine) {
@@ -69,9 +66,9 @@ std::optional<std::size_t> BlockInTheWay(const Script& script, const std::string
 
 void SetHeader(std::string& script, const std::string& header) {
   const Script cut = CutWithNumbers(script);
-  const std::size_t at = cut.lines.empty() ? 0 : IndexOf(cut, 0);
-  if (!cut.lines.empty()) Erase(script, at, at + 1);
-  Insert(script, at, {header});
+  const bool isThere = !cut.lines.empty();
+  const std::size_t at = isThere ? IndexOf(cut, 0) : 0;
+  Replace(script, at, isThere ? at + 1 : at, {header});
 }
 
 void SetName(std::string& script, const std::string& name) {
@@ -80,14 +77,14 @@ void SetName(std::string& script, const std::string& name) {
   while (line < cut.lines.size() && !cut.Is(line, Verb::Name)) ++line;
   const bool isThere = line < cut.lines.size();
   const std::size_t at = isThere ? IndexOf(cut, line) : IndexOf(cut, 0) + 1;
-  if (isThere) Erase(script, at, at + 1);
-  Insert(script, at, {"NAME|" + name});
+  Replace(script, at, isThere ? at + 1 : at, {"NAME|" + name});
 }
 
 void PutBlock(std::string& script, const Lines& block, const std::string& version) {
   EraseBlocksLike(script, block.front());
   const auto inTheWay = BlockInTheWay(CutWithNumbers(script), version);
-  Insert(script, inTheWay.value_or(std::string::npos), block);
+  const std::size_t at = inTheWay.value_or(std::string::npos);
+  Replace(script, at, at, block);
 }
 
 std::vector<std::string> PutOlderBlock(std::string& script, const Lines& block) {
@@ -103,7 +100,7 @@ std::vector<std::string> PutOlderBlock(std::string& script, const Lines& block) 
     EraseBlock(script, cut, i);
     if (version != opening[2]) replaced.push_back(version);
   }
-  Insert(script, std::string::npos, block);
+  Replace(script, std::string::npos, std::string::npos, block);
   return replaced;
 }
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <set>
+#include <unordered_set>
 
 #include "base/text.h"
 #include "platform/files.h"
@@ -120,7 +120,7 @@ void CheckDifference(const Difference& difference, Problems& problems) {
 }
 
 /// The names that a URL may mean: the folder may have been found elsewhere when a line was written.
-void AddEnds(const std::string& url, std::set<std::string>& names) {
+void AddEnds(const std::string& url, std::unordered_set<std::string>& names) {
   const std::string path = modFunciones::ToUtf8(url.substr(0, url.find('?')));
   for (auto at = path.find('/'); at != std::string::npos; at = path.find('/', at + 1)) {
     names.insert(Decoded(path.substr(at + 1)));
@@ -192,7 +192,7 @@ std::vector<std::string> Irreplaceable(const Plan& plan) {
 }
 
 std::vector<std::string> Unnamed(const Plan& plan) {
-  std::set<std::string> named = {ScriptName};
+  std::unordered_set<std::string> named = {ScriptName};
   for (const auto& upload : plan.uploads) named.insert(Utf8Of(upload.target));
   for (const auto& line : CutWithNumbers(plan.script).lines) {
     for (const auto& field : line) AddEnds(field, named);
