@@ -34,7 +34,7 @@ std::string StatusOf(const std::string& url) {
 }  // namespace
 
 bool IsUrl(const std::string& text) {
-  return modFunciones::IsPlainUrl(text) || modFunciones::IsSecureUrl(text);
+  return modFunciones::IsSecureUrl(text) || modFunciones::IsPlainUrl(text);
 }
 
 std::optional<std::string> Fetch(const std::string& fileOrUrl) {
