@@ -55,21 +55,20 @@ bool IsUpdater(const std::string& lowerName) {
          std::end(UpdaterNames);
 }
 
-bool IsExcluded(const std::string& utf8Name, const std::vector<std::string>& patterns,
-                std::set<std::string>& idle) {
+/// The patterns that leave a name out.
+std::vector<std::string> Excluding(const std::string& utf8Name,
+                                   const std::vector<std::string>& patterns) {
   const std::string name =
       modFunciones::LowerCase(modFunciones::FromUtf8(utf8Name).value_or(utf8Name));
   const std::string last = name.substr(name.find_last_of('/') + 1);
-  bool isExcluded = false;
+  std::vector<std::string> excluding;
   for (const auto& given : patterns) {
     std::string pattern = modFunciones::LowerCase(given);
     std::replace(pattern.begin(), pattern.end(), '\\', '/');
     const bool isWhole = pattern.find('/') != std::string::npos;
-    if (!Fits(isWhole ? name : last, pattern)) continue;
-    idle.erase(given);
-    isExcluded = true;
+    if (Fits(isWhole ? name : last, pattern)) excluding.push_back(given);
   }
-  return isExcluded;
+  return excluding;
 }
 
 /// What is there and no file of the folder that could be read; empty for a file and a folder.
@@ -97,7 +96,9 @@ Folder ListFolder(const fs::path& folder, const std::vector<std::string>& exclud
   for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
        entry.increment(error)) {
     const std::string name = Utf8Of(entry->path().lexically_relative(folder));
-    if (IsExcluded(name, excluded, idle)) {
+    const auto excluding = Excluding(name, excluded);
+    for (const auto& pattern : excluding) idle.erase(pattern);
+    if (!excluding.empty()) {
       entry.disable_recursion_pending();
       continue;
     }
