@@ -12,8 +12,7 @@
 // - Times of its own for every control, of 10 and of 30 ms: the progress of the file and that of
 //   all files, which belong together, were up to 100 ms apart.
 // - Passing over every yield within 10 ms of the last one: a row that blocks then left the window
-// in
-//   the phase before. Only a loop that reads blocks may pass over one.
+//   in the phase before. Only a loop that reads blocks may pass over one.
 
 #include "platform/window.h"
 
