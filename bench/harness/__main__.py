@@ -13,7 +13,7 @@ from pathlib import Path
 import plot
 from figures import Growth, NotTaken, Row
 from groups import GROUPS, Bench
-from machine import FOLDER, LINUX, OUTPUT, ROOT, WINDOWS, virtual_display
+from machine import FOLDER, LINUX, OUTPUT, ROOT, WINDOWS, session, virtual_display
 from report import Table, write_json
 from updates import make_certificates, web_server
 
@@ -68,7 +68,7 @@ def build(systems: list) -> None:
 def measure(names: list[str], systems: list, rounds: int) -> list[Row | Growth]:
     lines: list[Row | Growth] = []
     table = Table()
-    with web_server() as servers, virtual_display():
+    with web_server() as servers, virtual_display(), session(systems):
         bench = Bench(rounds, systems, servers)
         for name in names:
             for line in GROUPS[name](bench):

@@ -129,6 +129,19 @@ def running(command: list, **options) -> Iterator[subprocess.Popen]:
                 process.wait()
 
 
+@contextmanager
+def session(systems: list[System]) -> Iterator[None]:
+    """Somebody who works with Windows has one; Wine ends its own three seconds after the last
+    program, and begins another beside the next one, which is slower then."""
+    if WINDOWS not in systems:
+        yield
+        return
+    program = WINDOWS.programs / "bench/session.exe"
+    with running([*WINDOWS.launcher, program], env=WINDOWS.environment):
+        time.sleep(3)  # for its services to be up
+        yield
+
+
 def port_is_taken(port: int) -> bool:
     with socket.socket() as probe:
         return probe.connect_ex(("127.0.0.1", port)) == 0
