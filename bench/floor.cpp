@@ -1,6 +1,8 @@
 // The least that the work of an update costs: bare loops over the calls that it cannot do without.
 //   floor file SCHEME HOST PORT PATH READSIZE   fetches one file, with reads of READSIZE bytes
-//   floor rows SCHEME HOST PORT PATH COUNT      probes, fetches and renames PATH/0, PATH/1 ...
+//   floor rows SCHEME HOST PORT PATH COUNT      fetches the script PATH.txt, since the first
+//                                               request of a process costs more than the others;
+//                                               probes, fetches and renames PATH/0, PATH/1 ...
 // Everything is put into the current folder.
 
 #include <cstdlib>
@@ -13,6 +15,7 @@ namespace {
 constexpr std::size_t FastReadSize = 64 * 1024;
 
 bool CarryOutRows(const floors::Server& server, const std::string& folder, int count) {
+  if (!floors::Fetch(server, folder + ".txt", "script", FastReadSize)) return false;
   for (int i = 0; i < count; ++i) {
     if (!floors::Probe(server, folder + "/" + std::to_string(i))) return false;
   }

@@ -180,6 +180,7 @@ def lay_out_site(servers: Servers) -> None:
     (SITE / "row").mkdir()
     for row in range(max(ROWS)):
         (SITE / "row" / str(row)).write_bytes(bytes(ROW_SIZE))
+    offer("row", [])  # what the floor fetches first
     for count in ROWS:
         offer(f"rows-{count}", [f"ADD|$AppPath\\{row}|{near}/row/{row}" for row in range(count)])
     lay_out_far_rows(servers.far.url)
