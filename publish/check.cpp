@@ -73,10 +73,12 @@ Examination Check(const Script& script, const Knowledge& knowledge) {
   const auto versions = VersionsToldApart(script);
   const Reading reading = Read(script, versions);
   Examination examination = {reading.failure, CheckText(script)};
-  auto& [verdict, findings] = examination;
+  Findings& findings = examination.findings;
   const bool isText = findings.empty();
   if (knowledge.origin) {
-    if (!IsTaken(script, knowledge.origin->key)) verdict = modPrincipal::NotSigned;
+    if (!IsTaken(script, knowledge.origin->key)) {
+      examination.verdict = modPrincipal::NotSigned;
+    }
     CheckSigning(script, *knowledge.origin, knowledge.probe, findings);
   }
   if (!isText) return examination;
