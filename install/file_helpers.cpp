@@ -9,6 +9,15 @@ namespace modFunciones {
 
 namespace files = platform::files;
 
+namespace {
+
+bool WriteNew(const std::string& path, std::string_view content) {
+  files::File file = files::Create(path);
+  return file && files::Write(file, content) && files::Close(std::move(file));
+}
+
+}  // namespace
+
 bool FileExists(const std::string& path) { return !files::Find(path).empty(); }
 
 bool FileDelete(const std::string& path) {
@@ -42,8 +51,9 @@ std::string FileReadAll(const std::string& path) {
 
 bool FileWriteAll(const std::string& path, std::string_view content) {
   if (!FileDelete(path)) return false;
-  files::File file = files::Create(path);
-  return file && files::Write(file, content) && files::Close(std::move(file));
+  if (WriteNew(path, content)) return true;
+  (void)FileDelete(path);  // half a program is worse than none
+  return false;
 }
 
 }  // namespace modFunciones

@@ -22,7 +22,8 @@ namespace modFunciones {
 /// The whole content; empty when the file is missing, empty or unreadable.
 [[nodiscard]] std::string FileReadAll(const std::string& path);
 
-/// Replaces the file, if there is one, by one with this content.
+/// Replaces the file, if there is one, by one with this content. On failure the old one is there,
+/// or none.
 [[nodiscard]] bool FileWriteAll(const std::string& path, std::string_view content);
 
 }  // namespace modFunciones

@@ -259,7 +259,7 @@ La actualización ha finalizado con éxito.
 nobody to end 2/2 launches; just enough 5/18 launches; 128 TiB 5/10 launches
 longer than the probe told 5/10 launches; this very version 2/2 launches
 the same updater 5/7 launches; an updater of another length 5/7 launches
-no memory for the updater 5/7 launches; no room for it 5/10 launches
+no memory for the updater 5/7 launches; no room for it 5/12 launches
 
 No es necesario realizar ninguna actualización. La versión instalada es la más nueva.
 other versions 2/1 launches
@@ -294,7 +294,7 @@ no URL 6/10; a file that breaks off 5/7; longer file 5/7; shorter file 5/7; inse
 no memory in the phases 4/1
 
 Se ha producido un error grave. Para solucionarlo debe renombrar el fichero KestraneTmp.exe con el nombre Kestrane.exe
-no newer updater in the copy 0/1; no room in its place 0/9
+no newer updater in the copy 0/1; no room in its place 0/11
 )");
 }
 
