@@ -73,14 +73,21 @@ auto OnceLetGo(const std::string& path, const std::string& newPath, Operation op
   }
 }
 
+using SetInformation = BOOL WINAPI(HANDLE file, int kind, void* information, DWORD size);
+
+SetInformation* FindSetInformation() noexcept {
+  return windows_layer::FunctionOf<SetInformation>(GetModuleHandleA("kernel32.dll"),
+                                                   "SetFileInformationByHandle");
+}
+
+// Before any component is loaded, which might keep the loader's lock for ever.
+SetInformation* const setInformation = FindSetInformation();
+
 /// From Windows 10 on a name can be freed while other programs, which share the file's deletion,
 /// keep the content that they have open.
 bool DeleteName(const std::string& path) {
-  using SetInformation = BOOL WINAPI(HANDLE file, int kind, void* information, DWORD size);
   constexpr int FileDispositionInfoEx = 21;  // numbers of winbase.h and winnt.h
   DWORD deleteAsPosixDoes = 3;
-  static const auto setInformation = windows_layer::FunctionOf<SetInformation>(
-      GetModuleHandleA("kernel32.dll"), "SetFileInformationByHandle");
   if (setInformation == nullptr) return false;
   const File file = Open(path, DELETE, ShareWithAll, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT);
   return file && setInformation(file.get(), FileDispositionInfoEx, &deleteAsPosixDoes,
