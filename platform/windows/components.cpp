@@ -13,8 +13,6 @@ namespace {
 
 using ComponentEntry = HRESULT WINAPI();
 
-constexpr DWORD LongestLoading = 10'000;  // milliseconds, until the loader is free
-
 /// What a library of this file points to.
 struct Component {
   explicit Component(const std::string& folder) : search(folder) {}
@@ -48,7 +46,7 @@ void FreeComponent::operator()(void* library) const { delete static_cast<Compone
 void CloseWorker::operator()(void* worker) const { CloseHandle(worker); }
 
 Library Load(const std::string& path) {
-  if (!windows_layer::LoaderIsFree(LongestLoading)) return nullptr;
+  if (!windows_layer::LoaderIsFree(windows_layer::LongestLoading)) return nullptr;
   std::string fullPath(MAX_PATH, '\0');
   fullPath.resize(GetFullPathNameA(path.c_str(), MAX_PATH, fullPath.data(), nullptr));
   auto component = std::make_unique<Component>(fullPath.substr(0, fullPath.find_last_of('\\')));

@@ -23,8 +23,9 @@ template <typename Function>
 /// waits with it.
 [[nodiscard]] bool LoaderIsFree(DWORD milliseconds);
 
-/// How long a user who opens something waits for the loader, in milliseconds.
+/// How long the loader is waited for, in milliseconds: by what can do without it, by what cannot.
 inline constexpr DWORD LongestOpening = 1000;
+inline constexpr DWORD LongestLoading = 10'000;
 
 /// As long as it lives, libraries are looked for in a component's folder, the program's and those
 /// of PATH as well as in the system folder. Its end does not need the loader.

@@ -54,7 +54,7 @@ Command Cut(const std::string& commandLine) {
 processes::Process StartThroughShell(const std::string& commandLine, const char* folder,
                                      int showValue) {
   const Command command = Cut(commandLine);
-  if (command.program.empty() || !LoaderIsFree(LongestOpening)) return nullptr;
+  if (command.program.empty() || !LoaderIsFree(LongestLoading)) return nullptr;
   SHELLEXECUTEINFOA start = {};
   start.cbSize = sizeof start;
   // No box tells of a failure; the system's question is not one, and comes.

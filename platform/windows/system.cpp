@@ -92,11 +92,13 @@ std::int32_t OpenWithShell(const std::string& verb, const std::string& file,
                            const std::string& parameters, const std::string& folder,
                            int showValue) {
   if (file.size() > MAX_PATH) return SE_ERR_FNF;  // a shell may not be made for more
-  if (modFunciones::LowerCase(file).ends_with(".exe") &&
-      !windows_layer::LoaderIsFree(windows_layer::LongestOpening)) {
+  const bool isProgram = modFunciones::LowerCase(file).ends_with(".exe");
+  if (!windows_layer::LoaderIsFree(isProgram ? windows_layer::LongestOpening
+                                             : windows_layer::LongestLoading)) {
     const std::string commandLine = '"' + file + "\" " + parameters;
-    return windows_layer::StartProgram(commandLine, folder.c_str(), showValue) ? Opened
-                                                                               : SE_ERR_FNF;
+    const bool isStarted =
+        isProgram && windows_layer::StartProgram(commandLine, folder.c_str(), showValue);
+    return isStarted ? Opened : SE_ERR_FNF;
   }
   // Loaded here, at the end of a run, for the window to be on the screen the sooner.
   const auto execute = windows_layer::FunctionOf<decltype(ShellExecuteA)>(
