@@ -1,6 +1,7 @@
 #include "publish/key_files.h"
 
 #include <algorithm>
+#include <array>
 #include <fstream>
 #include <string_view>
 
@@ -17,8 +18,6 @@ namespace fs = std::filesystem;
 using Problems = std::vector<std::string>;
 
 constexpr unsigned NewKeyBits = 3072;
-constexpr std::size_t TellingStart = 4096;  // bytes, none of them 0 in a text
-constexpr std::size_t KeyStart = 65'536;    // bytes that a key is looked for in
 
 /// The folders that a path lies in, as it is written and where its links lead.
 std::vector<fs::path> FoldersOf(const fs::path& path) {
@@ -50,14 +49,6 @@ fs::path UploadFolderAround(const fs::path& path) {
 std::string Exposed(const std::string& file, const fs::path& folder) {
   return file + " is, or would be, a private key in " + Utf8Of(folder) +
          ", which others get: keep it elsewhere.";
-}
-
-/// The next bytes of a file, fewer than length at its end.
-std::string NextOf(std::istream& file, std::size_t length) {
-  std::string bytes(length, '\0');
-  file.read(bytes.data(), static_cast<std::streamsize>(length));
-  bytes.resize(static_cast<std::size_t>(file.gcount()));
-  return bytes;
 }
 
 std::string AboutFile(const std::string& file, const std::string& what) {
@@ -123,11 +114,10 @@ std::optional<std::string> FingerprintMeant(const std::string& digitsOrFile,
 }
 
 bool IsPrivateKeyFile(const fs::path& path) {
+  std::array<char, 65'536> start;
   std::ifstream file(path, std::ios::binary);
-  const std::string start = NextOf(file, TellingStart);
-  // Programs and archives, most of what is uploaded, are read no further.
-  if (start.find('\0') != std::string::npos) return false;
-  return HoldsPrivateKey(start + NextOf(file, KeyStart - TellingStart));
+  file.read(start.data(), start.size());
+  return HoldsPrivateKey({start.data(), static_cast<std::size_t>(file.gcount())});
 }
 
 std::string FingerprintOf(const std::string& publicKey) {

@@ -30,8 +30,7 @@ inline constexpr const char* PublicKeySuffix = ".pub";
                                                           const std::filesystem::path& publicFolder,
                                                           std::vector<std::string>& problems);
 
-/// Whether a private key in PEM begins in the first 64 KB of a file. One with a byte 0 in its first
-/// 4 KB is no text, and holds none.
+/// Whether a private key in PEM begins in the first 64 KB of a file.
 [[nodiscard]] bool IsPrivateKeyFile(const std::filesystem::path& path);
 
 /// What stands behind "#key=" for a public key, given as DER.

@@ -320,7 +320,7 @@ TEST_F(Making, RefusesWhatTheUpdaterCannotDo) {
       {"Windows-1252 lacks", {{"new/\u4E2D", "x"}}},
       {"macro", {{"new/$AppPath", "x"}}},
       {"no file b", {}, [](Order& o) { o.wishes.components = {"b"}; }},
-      {"a holds a private key", {{"new/a", std::string(9000, '\n') + Key}}},
+      {"a holds a private key", {{"new/a", std::string(9000, '\0') + "\n" + Key}}},
       {"other updaters too", {{"new/e.exe", "x"}}},
       {"needs the updater's version", {}, [](Order& o) { o.updaterUrl = ""; }},
   };
